@@ -1,0 +1,24 @@
+# How every target of the project is compiled, and where a library keeps its headers.
+
+# Compile settings of a target: the standard, the warnings, one result for every floating-point formula.
+function(qarv_compile_settings target)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  # Contraction of a * b + c would give some samples two possible values; consumers inline templates
+  # and compare samples, so it holds for them too.
+  target_compile_options(${target} PUBLIC $<$<CXX_COMPILER_ID:GNU,Clang>:-ffp-contract=off>)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor
+    -Wold-style-cast)
+endfunction()
+
+# A library with its public headers below hdr: qarv_library(name TYPE HEADERS ... SOURCES ...).
+function(qarv_library target type)
+  cmake_parse_arguments(ARG "" "" "HEADERS;SOURCES" ${ARGN})
+  add_library(${target} ${type})
+  qarv_compile_settings(${target})
+  target_sources(${target}
+    PRIVATE ${ARG_SOURCES}
+    PUBLIC FILE_SET HEADERS BASE_DIRS ${CMAKE_CURRENT_SOURCE_DIR}/hdr FILES ${ARG_HEADERS})
+  set_target_properties(${target} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+endfunction()
