@@ -1,0 +1,239 @@
+// CWaveDef: the waveform definition of a shock and vibration test, with its tolerance bands.
+#pragma once
+
+#include <cstdint>
+#include <tuple>
+
+#include "common/data_array/data_array_float_t.h"
+#include "common/int_types.h"
+#include "common/record/field_set.h"
+#include "common/serial/serial_data.h"
+#include "common/unit/unit_ctrl.h"
+#include "wave_def/export.h"
+#include "wave_def/wave_def_classical.h"
+#include "wave_def/wave_def_damping.h"
+#include "wave_def/wave_def_gradual.h"
+#include "wave_def/wave_def_measure.h"
+#include "wave_def/wave_def_sine_beat_burst.h"
+#include "wave_def/wave_def_single.h"
+#include "wave_def/wave_def_symmetry.h"
+
+namespace qarv::wave_def {
+
+/// A test waveform: the sampling settings, the parameter set of one waveform family, and the
+/// samples generated from it with an upper and a lower tolerance band of the same length.
+///
+/// The caller sets the sampling and the tolerance ratios and hands a filled parameter set to one
+/// `SetDef...` operation, which drops the definition before it, generates the waveform and builds
+/// the bands.  The settings survive a definition and take effect at the next one.
+///
+/// The object is either undefined (`WAVE_TYPE_NONE`: fresh, cleared, after a failed definition or
+/// load) or defined.  It is a plain value that owns all it holds, and it is used from one thread at
+/// a time.  No setter checks.  Failures are reported by false; only the standard allocation, length
+/// and out-of-range errors are thrown, and they leave the object undefined.
+class QARV_WAVE_DEF_EXPORT CWaveDef {
+ public:
+  /// Which family is defined.  The values stand in records.
+  enum WAVE_TYPE : std::int32_t {
+    WAVE_TYPE_NONE = 0,
+    WAVE_TYPE_CLASSICAL = 1,
+    WAVE_TYPE_SYMMETRY = 2,
+    WAVE_TYPE_SINE_BEAT_BURST = 3,
+    WAVE_TYPE_MEASURE = 4,
+    WAVE_TYPE_GRADUAL = 5,
+    WAVE_TYPE_SINGLE = 6,
+    WAVE_TYPE_DAMPING = 7,
+  };
+
+ private:
+  // The leading fields of the data model, in record order.
+  struct Fields {
+    WAVE_TYPE WaveType = WAVE_TYPE_NONE;  // the active parameter set, which made the waveform
+    bool LongWave = false;                // kept for the caller
+    common::uint64 MaxNsamp = 0;          // [sample] kept for the caller
+    bool AutoFsamp = false;               // handed to the classical pipeline only
+    double Fsamp = 0.0;                   // [Hz] sampling frequency
+    common::CUnitCtrl UnitAmpl;           // amplitude unit, kept for the caller
+    double TolUpperRat = 0.0;             // [ratio] upper band
+    double TolLowerRat = 0.0;             // [ratio] lower band, applied with its sign
+    bool operator==(const Fields&) const = default;
+    static auto Record(auto& f) {
+      return std::tie(f.WaveType, f.LongWave, f.MaxNsamp, f.AutoFsamp, f.Fsamp, f.UnitAmpl,
+                      f.TolUpperRat, f.TolLowerRat);
+    }
+  };
+
+  // What a definition makes: the parameter sets, of which the active one counts and the others are
+  // cleared, and the samples.
+  struct Definition {
+    CWaveDefClassical Classical;
+    CWaveDefSymmetry Symmetry;
+    CWaveDefSineBeatBurst SineBeatBurst;
+    CWaveDefMeasure Measure;
+    CWaveDefGradual Gradual;
+    CWaveDefSingle Single;
+    CWaveDefDamping Damping;
+    common::CDataArrayFloatT<double> Wave;  // [amplitude unit]
+    common::CDataArrayFloatT<double> TolU;  // [amplitude unit] upper band
+    common::CDataArrayFloatT<double> TolL;  // [amplitude unit] lower band
+  };
+
+  common::FieldSet<Fields> head_;
+  Definition def_;
+
+ public:
+  CWaveDef() = default;
+  CWaveDef(const CWaveDef&) = default;
+  CWaveDef(CWaveDef&&) = default;  ///< leaves the source cleared
+  CWaveDef& operator=(const CWaveDef& other);
+  CWaveDef& operator=(CWaveDef&&) = default;
+  virtual ~CWaveDef();
+
+  /// The settings, the active parameter set and the three arrays; true for the same object.  A NaN
+  /// in any of them is equal to nothing.
+  bool operator==(const CWaveDef& other) const;
+
+  /// Back to the defaults: undefined, every setting 0.
+  void Clear();
+
+  /// Writes or reads the definition: the settings, the active parameter set and the samples.
+  ///
+  /// @return false if the stream is null (nothing touched); writing, at the first item that cannot
+  ///         be written, and for an undefined object, which is no storable record (its settings are
+  ///         in the stream then); reading, at the first item that cannot be read or if the record
+  ///         names no family (cleared then)
+  bool Serialize(common::CSerialData* stream);
+
+  WAVE_TYPE GetWaveType() const { return head_->WaveType; }
+  bool GetLongWave() const { return head_->LongWave; }
+  void SetLongWave(bool v) { head_->LongWave = v; }
+  common::uint64 GetMaxNsamp() const { return head_->MaxNsamp; }
+  void SetMaxNsamp(common::uint64 v) { head_->MaxNsamp = v; }
+  bool GetAutoFsamp() const { return head_->AutoFsamp; }
+  void SetAutoFsamp(bool v) { head_->AutoFsamp = v; }
+  double GetFsamp() const { return head_->Fsamp; }
+  void SetFsamp(double v) { head_->Fsamp = v; }
+  const common::CUnitCtrl& GetUnitAmpl() const { return head_->UnitAmpl; }
+  void SetUnitAmpl(const common::CUnitCtrl& v) { head_->UnitAmpl = v; }
+  double GetTolUpperRat() const { return head_->TolUpperRat; }
+  void SetTolUpperRat(double v) { head_->TolUpperRat = v; }
+  double GetTolLowerRat() const { return head_->TolLowerRat; }
+  void SetTolLowerRat(double v) { head_->TolLowerRat = v; }
+
+  /// The number of samples of the waveform.
+  common::uint64 GetNsamp() const { return def_.Wave.GetSize(); }
+  /// The waveform and its bands, GetNsamp() samples each once defined.  [amplitude unit]
+  const common::CDataArrayFloatT<double>& GetWave() const { return def_.Wave; }
+  const common::CDataArrayFloatT<double>& GetTolU() const { return def_.TolU; }
+  const common::CDataArrayFloatT<double>& GetTolL() const { return def_.TolL; }
+
+  /// The stored parameter sets; all but the active one hold their defaults.
+  const CWaveDefClassical& GetDefClassical() const { return def_.Classical; }
+  const CWaveDefSymmetry& GetDefSymmetry() const { return def_.Symmetry; }
+  const CWaveDefSineBeatBurst& GetDefSineBeatBurst() const { return def_.SineBeatBurst; }
+  const CWaveDefMeasure& GetDefMeasure() const { return def_.Measure; }
+  const CWaveDefGradual& GetDefGradual() const { return def_.Gradual; }
+  const CWaveDefSingle& GetDefSingle() const { return def_.Single; }
+  const CWaveDefDamping& GetDefDamping() const { return def_.Damping; }
+
+  // Every definition first drops the one before it, so that a failure leaves the object undefined.
+  // The object's own stored set is therefore no argument: it is cleared before it is looked at.
+
+  /// Defines a sine of one frequency with linear edges.
+  ///
+  ///   wave[k] = envelope(k) sin(k / (Period / dt) 2 pi),   dt = 1 / Fsamp
+  ///
+  /// The envelope rises by PeakLevel / E per sample over the first E = EdgeTime / dt samples
+  /// (truncated), stays at PeakLevel, and falls by as much per sample over the last E.
+  /// @param[in] def  the parameters; not this object's own set, which is cleared first
+  /// @return false if Fsamp or Nsamp is 0
+  bool SetDefSingle(const CWaveDefSingle& def);
+
+  /// Defines a measured waveform from its samples.
+  /// @param[in] def      origin and edits of the samples; not this object's own set
+  /// @param[in] samples  the waveform, of any length and any values, taken at Fsamp [amplitude
+  ///                     unit]
+  /// @return true
+  // Deliberate: the object's own GetWave() as `samples` ends as an empty waveform, because the
+  // definition before is dropped before the samples are looked at; so do its bands.
+  bool SetDefMeasure(const CWaveDefMeasure& def, const common::CDataArrayFloatT<double>& samples);
+
+  /// Defines a sine whose amplitude rises to LevelBeg, changes gradually to LevelEnd, and falls.
+  /// @param[in] def  the parameters; not this object's own set
+  /// @return false if Fsamp or Nsamp is 0, LengthType is not set, or the ramp is given by a slope
+  ///         of 0
+  bool SetDefGradual(const CWaveDefGradual& def);
+
+  /// Defines sine beats or bursts: Frame packets of Cycle cycles with RestTime between them.
+  /// @param[in] def  the parameters; not this object's own set
+  /// @return false if Fsamp, Ampl, Freq, Cycle or Frame is 0, WaveKind is not set, or there are no
+  ///         samples
+  bool SetDefSineBeatBurst(const CWaveDefSineBeatBurst& def);
+
+  /// Defines a shock pulse and its compensation of the same shape, with no net area.
+  /// @param[in] def  the parameters; not this object's own set
+  /// @return false if Fsamp, Peak or Width is 0, WaveKind is not HALF_SINE, TRIANGLE or HAVERSINE,
+  ///         there are no samples, or a pulse does not fit between the silences
+  bool SetDefSymmetry(const CWaveDefSymmetry& def);
+
+  /// Defines a sum of damped sines or wavelets.
+  /// @param[in] def  the parameters; not this object's own set
+  /// @return false if Fsamp or Nsamp is 0, there are no elements, or SyncWaveType is not set
+  bool SetDefDamping(const CWaveDefDamping& def);
+
+  /// Defines a classical shock pulse with its own bands; the tolerance ratios take no part.
+  ///
+  /// The sample interval comes from Fmax, not from Fsamp.  The stored set is the argument as the
+  /// generation left it.
+  /// @param[in] def  the parameters; not this object's own set
+  /// @return false if TolKind or WaveKind is not set, MainAmpl, Fmax or Nsamp is 0, the pulse or a
+  ///         band does not fit the frame, the shape does not offer the tolerance kind, or AddCmp is
+  ///         set: pulses are generated without compensation yet
+  bool SetDefClassical(const CWaveDefClassical& def);
+
+  /// Where the main pulse of a classical waveform lies, from its parameters: MainWidth Fsamp
+  /// samples about the middle of the frame plus MainShift of it.
+  ///
+  /// @param[out] start,end  first and last sample [sample]
+  /// @return false, with nothing written, if a place is null or the waveform is not classical
+  ///
+  /// Not limited to the frame: a pulse wider than what lies before its centre wraps below 0.
+  bool GetMainPulsPos(common::uint64* start, common::uint64* end) const;
+  /// The same with result places of the other 64-bit spelling.
+  template <common::Uint64Place Start, common::Uint64Place End>
+  requires(common::OtherUint64Place<Start> ||
+           common::OtherUint64Place<End>) bool GetMainPulsPos(Start start, End end) const {
+    common::uint64 first = 0;
+    common::uint64 last = 0;
+    if (start == nullptr || end == nullptr || !GetMainPulsPos(&first, &last)) return false;
+    if constexpr (!std::is_null_pointer_v<Start>) *start = first;
+    if constexpr (!std::is_null_pointer_v<End>) *end = last;
+    return true;
+  }
+
+ protected:
+  /// Drops the definition: no type, all parameter sets cleared, the arrays empty with their storage
+  /// kept.  The settings stay.
+  void LelWaveTypeClear();
+
+  /// Builds both bands of a waveform that is not classical: the waveform moved up or down by the
+  /// ratio times its largest absolute sample.
+  ///
+  ///   TolU[i] = Wave[i] + peak TolUpperRat,   TolL[i] = Wave[i] + peak TolLowerRat
+  ///
+  /// @return false, with nothing changed, if nothing is defined; true, with nothing changed, for a
+  ///         classical waveform, which has its own bands
+  // Deliberate: the lower ratio is added like the upper one, so a band below the waveform needs a
+  // negative ratio.
+  bool LclCalcTolData();
+
+ private:
+  template <class F>
+  static bool WithActiveSet(WAVE_TYPE type, F f);
+  template <class Set, class Generate>
+  bool Define(WAVE_TYPE type, Set Definition::*set, const Set& def, Generate generate);
+  bool Conclude(WAVE_TYPE type);
+  bool SerializeItems(common::CSerialData* stream);
+};
+
+}  // namespace qarv::wave_def

@@ -1,0 +1,103 @@
+// The generation of a classical shock pulse.
+//
+//   N    length of the frame [sample]
+//   T    duration of the frame [s]
+//   dt   sample interval [s]
+//   iC   centre of the pulse [sample]
+//   iS   its first sample, before which there is no frame where it is negative [sample]
+#include "classical/classical_pipeline.h"
+
+#include <optional>
+#include <span>
+#include <utility>
+
+#include "com_def/com_def_system_const.h"
+#include "common/numeric/index_conv.h"
+#include "pulse/pulse_shape.h"
+
+namespace qarv::wave_def {
+
+using com_def::comdefsystemconst::ConvFmaxToFsampByVal;
+using com_def::comdefsystemconst::ConvNsampToNlineByVal;
+using common::FloorToIndex;
+using common::int64;
+using common::uint64;
+using Def = CWaveDefClassical;
+using Samples = common::CDataArrayFloatT<double>;
+
+namespace {
+
+/// Where the pulse is drawn.
+struct Placement {
+  double dt;      // [s]
+  uint64 centre;  // [sample]
+};
+
+/// The sample interval and the centre; nothing if the definition has no pulse in its frame.
+std::optional<Placement> Place(const Def& params) {
+  const uint64 N = params.GetNsamp();
+  if (params.GetMainAmpl() == 0.0 || params.GetFmax() == 0.0 || N == 0) return std::nullopt;
+  const double dt = 1.0 / ConvFmaxToFsampByVal(params.GetFmax());
+  if (dt == 0.0 || ConvNsampToNlineByVal(N) == 0) return std::nullopt;
+  const double T = static_cast<double>(N) * dt;
+  const uint64 iC = FloorToIndex((params.GetMainShift() * T + T * 0.5) / dt + 0.001);
+  // Deliberate: the half width is rounded down without the centre's guard of 0.001.
+  const uint64 h = FloorToIndex(params.GetMainWidth() * 0.5 / dt);
+  const auto iS = static_cast<int64>(iC - h);
+  if (iS < 0) return std::nullopt;
+  return Placement{dt, iC};
+}
+
+bool BuildPulse(const Def& params, const Placement& at, const PulseArrays& out) {
+  switch (params.GetWaveKind()) {
+    case wave_def_sub::HALF_SINE:
+      return BuildHalfSinePulse(params, at.centre, at.dt, out);
+    case wave_def_sub::TERMINAL_PEAK_SAWTOOTH:
+      return BuildSawtoothPulse(params, at.centre, at.dt, out);
+    case wave_def_sub::TRAPEZOID:
+      return BuildTrapezoidPulse(params, at.centre, at.dt, out);
+    case wave_def_sub::TRIANGLE:
+      return BuildTrianglePulse(params, at.centre, at.dt, out);
+    case wave_def_sub::USER_TRAPEZOID:
+      return BuildUserTrapezoidPulse(params, at.centre, at.dt, out);
+    case wave_def_sub::HAVERSINE:
+      return BuildHaversinePulse(params, at.centre, at.dt, out);
+  }
+  return false;
+}
+
+/// Draws into three empty arrays; on failure they are empty again.
+bool DrawInto(const Def& params, const Placement& at, Samples* wave, Samples* tolU, Samples* tolL) {
+  for (Samples* array : {wave, tolU, tolL}) array->Resize(params.GetNsamp());
+  const auto samples = [](Samples* a) { return std::span(a->begin(), a->end()); };
+  if (BuildPulse(params, at, {samples(wave), samples(tolU), samples(tolL)})) return true;
+  for (Samples* array : {wave, tolU, tolL}) array->Clear();
+  return false;
+}
+
+}  // namespace
+
+bool GenerateClassical(Def& params, double /*fsamp*/, Samples* wave, Samples* tolU, Samples* tolL,
+                       bool /*autoFsamp*/) {
+  if (wave == nullptr || tolU == nullptr || tolL == nullptr) return false;
+  if (params.GetTolKind() < Def::TOL_FIXED_1 || params.GetTolKind() > Def::TOL_SPECIFY)
+    return false;
+  const auto at = Place(params);
+  if (!at || params.GetAddCmp()) return false;
+
+  // Empty arrays, as a definition hands them over, are drawn in place: their storage is kept and
+  // nothing is copied.  Others stay as they are until the pulse has succeeded.
+  if (wave->GetSize() == 0 && tolU->GetSize() == 0 && tolL->GetSize() == 0) {
+    return DrawInto(params, *at, wave, tolU, tolL);
+  }
+  Samples newWave;
+  Samples newU;
+  Samples newL;
+  if (!DrawInto(params, *at, &newWave, &newU, &newL)) return false;
+  *wave = std::move(newWave);
+  *tolU = std::move(newU);
+  *tolL = std::move(newL);
+  return true;
+}
+
+}  // namespace qarv::wave_def

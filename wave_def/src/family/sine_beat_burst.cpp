@@ -1,0 +1,120 @@
+// The generator of sine beats and bursts.
+//
+//   Np  length of a packet [sample]
+//   Nr  length of the rest between two packets [sample]; wraps below 0 for a negative time
+//   Nt  length of the whole [sample]
+#include "family/sine_beat_burst.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "common/numeric/constants.h"
+#include "common/numeric/index_conv.h"
+#include "common/numeric/mat_edit.h"
+#include "family/total_length.h"
+
+namespace qarv::wave_def {
+
+using common::CMatEdit;
+using common::int64;
+using common::RoundToIndex;
+using common::uint64;
+using Samples = common::CDataArrayFloatT<double>;
+
+namespace {
+
+bool IsGenerated(const CWaveDefSineBeatBurst& def) {
+  return def.GetAmpl() != 0.0 && def.GetFreq() != 0.0 && def.GetCycle() != 0 &&
+         def.GetFrame() != 0 &&
+         (def.GetWaveKind() == CWaveDefSineBeatBurst::SINE_BEAT ||
+          def.GetWaveKind() == CWaveDefSineBeatBurst::SINE_BURST);
+}
+
+/// Tapers the two ends of a burst's packet.  A taper longer than the packet keeps its shape and is
+/// cut; one that cannot be drawn is left out.
+void TaperEdges(const CWaveDefSineBeatBurst& def, double fsamp, double dt, Samples* packet) {
+  const double c = dt * def.GetFreq();                    // [cycles] per sample
+  const uint64 Lr = RoundToIndex(def.GetEdgeRise() / c);  // rounded half up
+  const uint64 Lf = RoundToIndex(def.GetEdgeFall() / c);  // rounded half up
+  const uint64 last = packet->GetSize() - 1;
+  const auto riseEnd = static_cast<int64>(Lr);
+  const auto fallStart = static_cast<int64>(last - Lf);
+  const auto end = static_cast<int64>(last);
+  switch (def.GetEdgeWindow()) {
+    case CWaveDefSineBeatBurst::WINDOW_HALF_HANNING:
+      CMatEdit::HalfHanning(fsamp, packet, CMatEdit::HALFHANNING_START, 1.0, 0, riseEnd);
+      CMatEdit::HalfHanning(fsamp, packet, CMatEdit::HALFHANNING_END, 1.0, fallStart, end);
+      break;
+    case CWaveDefSineBeatBurst::WINDOW_RAMP:
+      CMatEdit::RampFunction(fsamp, packet, true, 1.0, 0, riseEnd);
+      CMatEdit::RampFunction(fsamp, packet, false, 1.0, fallStart, end);
+      break;
+    case CWaveDefSineBeatBurst::WINDOW_NONE:
+      break;
+  }
+}
+
+/// Makes `packet` one packet of Np samples.
+void DrawPacket(const CWaveDefSineBeatBurst& def, double fsamp, uint64 Np, Samples* packet) {
+  const double dt = 1.0 / fsamp;
+  const double Ampl = def.GetAmpl();
+  const double Freq = def.GetFreq();
+  const double Cycle = def.GetCycle();
+  const bool beat = def.GetWaveKind() == CWaveDefSineBeatBurst::SINE_BEAT;
+  packet->Resize(Np);
+  double* const sample = packet->GetData();
+  for (uint64 k = 0; k < Np; ++k) {
+    const double x = static_cast<double>(k) * dt * Freq * common::kTwoPi;
+    const double y = std::sin(x) * Ampl;
+    sample[k] = beat ? y * std::sin(x / Cycle * 0.5) : y;
+  }
+  if (!beat && def.GetEdging()) TaperEdges(def, fsamp, dt, packet);
+}
+
+/// Lays the packet `frames` times into the wave, a step apart, a later one over the one before.
+void LayOverlapping(const Samples& packet, uint64 step, uint64 frames, Samples* wave) {
+  const uint64 Np = packet.GetSize();
+  const bool refused = wave->GetSize() < Np;
+  // What the next packet covers is not copied, so that the cost is that of the wave; packets that
+  // lie one upon the other are one packet.
+  uint64 j = step == 0 && !refused ? frames - 1 : 0;
+  for (; j < frames; ++j) {
+    const uint64 own = refused || j + 1 == frames ? Np : std::min(step, Np);
+    Samples::RingCopy(*wave, packet, 0, j * step, own);
+  }
+}
+
+}  // namespace
+
+bool SineBeatBurstGenerate(const CWaveDefSineBeatBurst& def, double fsamp, Samples* wave) {
+  if (fsamp == 0.0 || wave == nullptr || !IsGenerated(def)) return false;
+
+  const uint64 frames = def.GetFrame();
+  const double T = 1.0 / def.GetFreq();
+  const double packetSamples = def.GetCycle() * T * fsamp;
+  const double restSamples = def.GetRestTime() * fsamp;
+  const uint64 Np = RoundToIndex(packetSamples);  // rounded half up
+  const uint64 Nr = RoundToIndex(restSamples);    // rounded half up
+  TotalLength total;
+  total.Add(Np, packetSamples, frames);
+  total.Add(Nr, restSamples, frames - 1);
+  if (Np == 0 || !total.IsPositive()) return false;
+  const uint64 Nt = total.Count();
+  const uint64 step = Np + Nr;
+
+  wave->Reserve(Nt);  // all that can fail for want of memory comes before the first sample
+  if (restSamples < 0.0 && frames > 1) {  // overlapping packets need their pattern kept apart
+    Samples packet;
+    DrawPacket(def, fsamp, Np, &packet);
+    wave->Clear();
+    wave->Resize(Nt);
+    LayOverlapping(packet, step, frames, wave);
+    return true;
+  }
+  DrawPacket(def, fsamp, Np, wave);
+  wave->Resize(Nt);
+  for (uint64 j = 1; j < frames; ++j) Samples::RingCopy(*wave, *wave, 0, j * step, Np);
+  return true;
+}
+
+}  // namespace qarv::wave_def

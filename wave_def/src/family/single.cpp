@@ -1,0 +1,46 @@
+// The generator of the single wave.
+//
+//   N   length of the wave [sample]
+//   P   peak level [amplitude unit]
+//   E   length of each edge [sample]
+//   s   slope of the edges [amplitude unit / sample]
+//   Ps  period of the sine, not rounded [sample]
+#include "family/single.h"
+
+#include <cmath>
+
+#include "common/numeric/constants.h"
+#include "common/numeric/index_conv.h"
+
+namespace qarv::wave_def {
+
+using common::uint64;
+
+bool SingleGenerate(const CWaveDefSingle& def, double fsamp,
+                    common::CDataArrayFloatT<double>* wave) {
+  const uint64 N = def.GetNsamp();
+  if (fsamp == 0.0 || wave == nullptr || N == 0) return false;
+
+  const double dt = 1.0 / fsamp;
+  const double P = def.GetPeakLevel();
+  const uint64 E = common::TruncToIndex(def.GetEdgeTime() / dt);  // Deliberate: truncated, no 0.5
+  const double s = E != 0 ? P / static_cast<double>(E) : 0.0;
+  const double Ps = def.GetPeriod() / dt;
+
+  // Deliberate: the rising edge starts at 0, the falling one ends at s.  Where E is above N, N - E
+  // wraps, every sample lies on the rising edge and the peak level is not reached.
+  const auto envelope = [=](uint64 k) {
+    if (k < E) return static_cast<double>(k) * s;
+    if (k < N - E) return P;
+    return (static_cast<double>(N) - static_cast<double>(k)) * s;
+  };
+  wave->Resize(N);
+  double* const x = wave->GetData();
+  for (uint64 k = 0; k < N; ++k) {
+    const double c = std::sin(static_cast<double>(k) / Ps * common::kTwoPi);
+    x[k] = envelope(k) * c;
+  }
+  return true;
+}
+
+}  // namespace qarv::wave_def

@@ -1,0 +1,186 @@
+// The classical shock pulses.
+//
+//   h, n   half width, as a quotient and in whole samples [sample]
+//   S, L   width [sample]: as a quotient, and as twice n
+//   r, f   fractions of the width that rise and fall take [width]
+#include "pulse/pulse_shape.h"
+
+#include <cmath>
+
+#include "band/half_sine_band.h"
+#include "band/haversine_band.h"
+#include "band/sawtooth_band.h"
+#include "band/trapezoid_band.h"
+#include "band/user_band.h"
+#include "common/numeric/constants.h"
+#include "common/numeric/index_conv.h"
+#include "pulse/pulse_span.h"
+
+namespace qarv::wave_def {
+
+using common::FloorToIndex;
+using common::uint64;
+using Def = CWaveDefClassical;
+using Std = CWaveDefTolSpecify;
+
+namespace {
+
+/// Draws a pulse that is symmetric about its centre; value(k, h) at k samples to either side.
+template <class Value>
+bool DrawSymmetric(uint64 centre, double width, double dt, double peak, SampleSpan wave,
+                   Value value) {
+  const uint64 N = wave.size();
+  const auto half = CalcPulseHalfWidth(width, dt, N);
+  if (peak == 0.0 || !half || centre >= N) return false;
+  wave[static_cast<std::size_t>(centre)] = peak;
+  for (uint64 k = 1; k <= half->n; ++k) {
+    const double v = value(static_cast<double>(k), half->h);
+    if (centre >= k) wave[static_cast<std::size_t>(centre - k)] = v;
+    if (centre + k < N) wave[static_cast<std::size_t>(centre + k)] = v;
+  }
+  return true;
+}
+
+/// Builds the upper band, then the lower.
+template <class Build>
+bool BuildBands(const Def& def, uint64 centre, double dt, const PulseArrays& out, Build build) {
+  return build(BandTask{def, true, centre, dt, out.wave, out.tolU}) &&
+         build(BandTask{def, false, centre, dt, out.wave, out.tolL});
+}
+
+/// The fractions of the width that rise and fall of a sawtooth take.
+std::optional<TrapezoidFractions> SawtoothFractions(const Def& def) {
+  constexpr TrapezoidFractions kInstant{1.0, 0.0};
+  constexpr TrapezoidFractions kShort{0.9, 0.1};
+  switch (def.GetTolKind()) {
+    case Def::TOL_FIXED_1:
+    case Def::TOL_FIXED_4:
+    case Def::TOL_FIXED_6:
+    case Def::TOL_FIXED_9:
+      return kInstant;
+    case Def::TOL_FIXED_5:
+    case Def::TOL_FIXED_7:
+    case Def::TOL_FIXED_8:
+    case Def::TOL_USER_DEF:
+      return kShort;
+    case Def::TOL_SPECIFY:
+      break;
+    case Def::TOL_FIXED_2:
+    case Def::TOL_FIXED_3:
+    case Def::TOL_NONE:
+      return std::nullopt;
+  }
+  const double f = def.GetDefTolSpecify().GetPulseAfterWidth();
+  switch (def.GetDefTolSpecify().GetBaseStandard()) {
+    case Std::BASE_STD_1:
+    case Std::BASE_STD_4:
+      return kInstant;
+    case Std::BASE_STD_2:
+    case Std::BASE_STD_3:
+    case Std::BASE_STD_5:
+      return TrapezoidFractions{1 - f, f};
+    case Std::BASE_STD_NONE:
+      break;
+  }
+  return std::nullopt;
+}
+
+/// A trapezoid as a pulse, with the bands of `build`.
+template <class Build>
+bool BuildTrapezoid(const Def& def, uint64 centre, double dt, const TrapezoidFractions& part,
+                    const PulseArrays& out, Build build) {
+  return DrawTrapezoid(def, true, centre, dt, part.rise, part.fall, 0.0, def.GetMainAmpl(), 0.0,
+                       out.wave) &&
+         BuildBands(def, centre, dt, out, build);
+}
+
+}  // namespace
+
+bool DrawHalfSine(uint64 centre, double width, double dt, double peak, SampleSpan wave) {
+  return DrawSymmetric(centre, width, dt, peak, wave, [peak](double k, double h) {
+    const double s = common::kPi / h * 0.5;
+    return std::cos(k * s) * peak;
+  });
+}
+
+bool DrawHaversine(uint64 centre, double width, double dt, double peak, SampleSpan wave) {
+  return DrawSymmetric(centre, width, dt, peak, wave, [peak](double k, double h) {
+    const double s = common::kPi / h;
+    return (std::cos(k * s) * 0.5 + 0.5) * peak;
+  });
+}
+
+std::optional<TrapezoidCorners> CornersOf(const Def& def, uint64 centre, double dt, double rise,
+                                          double fall) {
+  const auto p = SpanOf(def, centre, dt);
+  if (!p) return std::nullopt;
+  const double S = p->W / dt;
+  const uint64 riseN = FloorToIndex(S * rise + 0.01);  // floor, with a guard
+  const uint64 fallN = FloorToIndex(S * fall + 0.01);
+  return TrapezoidCorners{.start = p->start,
+                          .riseEnd = p->start + riseN,
+                          .fallStart = p->end - fallN,
+                          .end = p->end,
+                          .flat = rise + fall != 1.0};
+}
+
+bool DrawTrapezoid(const Def& def, bool upper, uint64 centre, double dt, double rise, double fall,
+                   double a, double p, double e, SampleSpan out) {
+  const auto c = CornersOf(def, centre, dt, rise, fall);
+  if (!c) return false;
+  const BandPen pen(out, upper);
+  return pen.LineToward({c->start, a}, {c->riseEnd, p}) &&                    // rise
+         (!c->flat || pen.LineToward({c->riseEnd, p}, {c->fallStart, p})) &&  // flat top
+         pen.Fall({c->fallStart, p}, {c->end, e});                            // fall
+}
+
+std::optional<TrapezoidFractions> FractionsOf(const Def& def) {
+  if (def.GetTolKind() != Def::TOL_SPECIFY) return TrapezoidFractions{0.1, 0.1};
+  const Std& tol = def.GetDefTolSpecify();
+  if (tol.GetBaseStandard() < Std::BASE_STD_1 || tol.GetBaseStandard() > Std::BASE_STD_5) {
+    return std::nullopt;
+  }
+  return TrapezoidFractions{tol.GetPulseRiseWidth(), tol.GetPulseFallWidth()};
+}
+
+bool BuildHalfSinePulse(const Def& def, uint64 centre, double dt, const PulseArrays& out) {
+  return DrawHalfSine(centre, def.GetMainWidth(), dt, def.GetMainAmpl(), out.wave) &&
+         BuildBands(def, centre, dt, out, BuildHalfSineStdBand);
+}
+
+bool BuildHaversinePulse(const Def& def, uint64 centre, double dt, const PulseArrays& out) {
+  return DrawHaversine(centre, def.GetMainWidth(), dt, def.GetMainAmpl(), out.wave) &&
+         BuildBands(def, centre, dt, out, BuildHaversineBand);
+}
+
+bool BuildSawtoothPulse(const Def& def, uint64 centre, double dt, const PulseArrays& out) {
+  const auto half = CalcPulseHalfWidth(def.GetMainWidth(), dt, def.GetNsamp());
+  const auto part = SawtoothFractions(def);
+  if (!half || !part) return false;
+  const double L = static_cast<double>(2 * half->n);
+  const uint64 start = centre - half->n;
+  const uint64 peak = start + FloorToIndex(L * part->rise + 0.5);                // rounded half up
+  const uint64 end = start + FloorToIndex((part->fall + part->rise) * L + 0.5);  // rounded half up
+  const double A = def.GetMainAmpl();
+  const BandPen pen(out.wave, true);
+  return pen.Line({start, 0.0}, {peak, A}) &&  // rise
+         pen.Fall({peak, A}, {end, 0.0}) &&    // fall
+         BuildBands(def, centre, dt, out,
+                    [peak](const BandTask& task) { return BuildSawtoothBand(task, peak); });
+}
+
+bool BuildTrapezoidPulse(const Def& def, uint64 centre, double dt, const PulseArrays& out) {
+  const auto part = FractionsOf(def);
+  return part && BuildTrapezoid(def, centre, dt, *part, out, BuildTrapezoidBand);
+}
+
+bool BuildTrianglePulse(const Def& def, uint64 centre, double dt, const PulseArrays& out) {
+  return BuildTrapezoid(def, centre, dt, {0.5, 0.5}, out, BuildUserTolBand);
+}
+
+bool BuildUserTrapezoidPulse(const Def& def, uint64 centre, double dt, const PulseArrays& out) {
+  return BuildTrapezoid(def, centre, dt, {def.GetMainRise(), def.GetMainFall()}, out,
+                        BuildUserTolBand);
+}
+
+}  // namespace qarv::wave_def
