@@ -1,0 +1,222 @@
+// Definitions from end to end, bands included, beside the bare loop of their formula.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "allocation.h"
+#include "common/numeric/constants.h"
+#include "wave_def/wave_def.h"
+
+namespace {
+
+using namespace qarv;
+using namespace qarv::wave_def;
+using common::kTwoPi;
+
+void CountSamples(benchmark::State& state, double samples) {
+  state.counters["samples"] =
+      benchmark::Counter(samples, benchmark::Counter::kIsIterationInvariantRate);
+}
+
+// ---- References --------------------------------------------------------------------------------
+
+/// One sine per sample: what a single or gradual wave cannot do without.
+void BM_Ref_ScalarSine(benchmark::State& state) {
+  const auto n = static_cast<std::size_t>(state.range(0));
+  std::vector<double> x(n);
+  for (auto _ : state) {
+    for (std::size_t k = 0; k < n; ++k) x[k] = std::sin(static_cast<double>(k) / 10.0 * kTwoPi);
+    benchmark::DoNotOptimize(x.data());
+  }
+  CountSamples(state, static_cast<double>(n));
+}
+BENCHMARK(BM_Ref_ScalarSine)->Arg(10000)->Arg(1000000);
+
+/// Two sines per sample: carrier and envelope of a beat.
+void BM_Ref_ScalarBeat(benchmark::State& state) {
+  const auto n = static_cast<std::size_t>(state.range(0));
+  std::vector<double> y(n);
+  for (auto _ : state) {
+    for (std::size_t k = 0; k < n; ++k) {
+      const double x = static_cast<double>(k) * 1e-4 * 100.0 * kTwoPi;
+      y[k] = std::sin(x) * std::sin(x / 1000.0 * 0.5);
+    }
+    benchmark::DoNotOptimize(y.data());
+  }
+  CountSamples(state, static_cast<double>(n));
+}
+BENCHMARK(BM_Ref_ScalarBeat)->Arg(100000);
+
+/// A sine and an exponential per sample and component.
+void BM_Ref_ScalarDamped(benchmark::State& state) {
+  const auto components = static_cast<std::size_t>(state.range(0));
+  const auto n = static_cast<std::size_t>(state.range(1));
+  std::vector<double> sum(n);
+  for (auto _ : state) {
+    for (std::size_t i = 0; i < components; ++i) {
+      const double omega = 20.0 * static_cast<double>(i + 1) * kTwoPi;
+      for (std::size_t k = 0; k < n; ++k) {
+        const double x = static_cast<double>(k) * 1e-4 * omega;
+        sum[k] += std::sin(x) / std::exp(x * 0.05);
+      }
+    }
+    benchmark::DoNotOptimize(sum.data());
+  }
+  CountSamples(state, static_cast<double>(n * components));
+}
+BENCHMARK(BM_Ref_ScalarDamped)->Args({40, 16384});
+
+/// The copies that a measured waveform or a burst comes down to.
+void BM_Ref_Memcpy(benchmark::State& state) {
+  const auto n = static_cast<std::size_t>(state.range(0));
+  std::vector<double> from(n, 1.0);
+  std::vector<double> to(n);
+  for (auto _ : state) {
+    std::memcpy(to.data(), from.data(), n * sizeof(double));
+    benchmark::DoNotOptimize(to.data());
+    benchmark::ClobberMemory();
+  }
+  CountSamples(state, static_cast<double>(n));
+}
+BENCHMARK(BM_Ref_Memcpy)->Arg(1000000)->Arg(3000000);
+
+// ---- Definitions -------------------------------------------------------------------------------
+
+CWaveDef Settings() {
+  CWaveDef def;
+  def.SetFsamp(10000.0);
+  def.SetTolUpperRat(0.1);
+  def.SetTolLowerRat(-0.1);
+  return def;
+}
+
+/// Defines again and again on one object, so that its storage is there.
+template <class Set>
+void RunWarm(benchmark::State& state, bool (CWaveDef::*define)(const Set&), const Set& set) {
+  CWaveDef def = Settings();
+  if (!(def.*define)(set)) {
+    state.SkipWithError("not defined");
+    return;
+  }
+  const bench::AllocationCounter allocations;
+  for (auto _ : state) {
+    (def.*define)(set);
+    benchmark::DoNotOptimize(def.GetWave().GetData());
+  }
+  allocations.Report(state);
+  CountSamples(state, static_cast<double>(def.GetNsamp()));
+}
+
+CWaveDefSingle Single(unsigned int n) {
+  CWaveDefSingle set;
+  set.SetPeriod(0.001);
+  set.SetPeakLevel(2.0);
+  set.SetEdgeTime(0.01);
+  set.SetNsamp(n);
+  return set;
+}
+
+void BM_SetDefSingle(benchmark::State& state) {
+  RunWarm(state, &CWaveDef::SetDefSingle, Single(static_cast<unsigned int>(state.range(0))));
+}
+BENCHMARK(BM_SetDefSingle)->Arg(1000)->Arg(10000)->Arg(100000)->Arg(1000000)->Arg(10000000);
+
+void BM_SetDefSingleFresh(benchmark::State& state) {
+  const CWaveDefSingle set = Single(static_cast<unsigned int>(state.range(0)));
+  const bench::AllocationCounter allocations;
+  for (auto _ : state) {
+    CWaveDef def = Settings();
+    def.SetDefSingle(set);
+    benchmark::DoNotOptimize(def.GetWave().GetData());
+  }
+  allocations.Report(state);
+  CountSamples(state, static_cast<double>(state.range(0)));
+}
+BENCHMARK(BM_SetDefSingleFresh)->Arg(10000)->Arg(1000000);
+
+void BM_SetDefGradual(benchmark::State& state) {
+  CWaveDefGradual set;
+  set.SetPeriod(0.001);
+  set.SetLevelBeg(1.0);
+  set.SetLevelEnd(2.0);
+  set.SetLengthType(CWaveDefGradual::LENGTH_BY_TIME);
+  set.SetWaveTime(0.5);
+  set.SetPreTime(0.01);
+  set.SetNsamp(static_cast<unsigned int>(state.range(0)));
+  RunWarm(state, &CWaveDef::SetDefGradual, set);
+}
+BENCHMARK(BM_SetDefGradual)->Arg(10000)->Arg(1000000);
+
+void BM_SetDefSineBeat(benchmark::State& state) {
+  CWaveDefSineBeatBurst set;
+  set.SetWaveKind(CWaveDefSineBeatBurst::SINE_BEAT);
+  set.SetAmpl(2.0);
+  set.SetFreq(100.0);
+  set.SetCycle(static_cast<unsigned int>(state.range(0) / 100));
+  set.SetFrame(1);
+  RunWarm(state, &CWaveDef::SetDefSineBeatBurst, set);
+}
+BENCHMARK(BM_SetDefSineBeat)->Arg(100000);
+
+void BM_SetDefSineBurst1000Frames(benchmark::State& state) {
+  CWaveDefSineBeatBurst set;
+  set.SetWaveKind(CWaveDefSineBeatBurst::SINE_BURST);
+  set.SetAmpl(2.0);
+  set.SetFreq(100.0);
+  set.SetCycle(5);
+  set.SetFrame(1000);
+  set.SetRestTime(0.05);
+  RunWarm(state, &CWaveDef::SetDefSineBeatBurst, set);
+}
+BENCHMARK(BM_SetDefSineBurst1000Frames);
+
+void BM_SetDefSymmetry(benchmark::State& state) {
+  CWaveDefSymmetry set;
+  set.SetWaveKind(wave_def_sub::HALF_SINE);
+  set.SetPeak(2.0);
+  set.SetWidth(5.0);
+  RunWarm(state, &CWaveDef::SetDefSymmetry, set);
+}
+BENCHMARK(BM_SetDefSymmetry);
+
+void BM_SetDefDamping(benchmark::State& state) {
+  CWaveDefDamping set;
+  set.SetSyncWaveType(
+      static_cast<com_def::comdefconst::SYNC_WAVE_TYPE>(static_cast<int>(state.range(0))));
+  set.SetNsamp(static_cast<common::uint64>(state.range(2)));
+  set.SetFreq(8.0);
+  set.SetZeta(0.9);
+  for (int i = 0; i < state.range(1); ++i) {
+    CWaveDefDampingElm elm;
+    elm.SetFreq(20.0 * (i + 1));
+    elm.SetAmpl(1.0);
+    elm.SetZeta(0.05);
+    elm.SetNumHalf(21);
+    set.Add(elm);
+  }
+  RunWarm(state, &CWaveDef::SetDefDamping, set);
+}
+BENCHMARK(BM_SetDefDamping)
+    ->ArgNames({"method", "elements", "n"})
+    ->Args({1, 40, 16384})
+    ->Args({2, 40, 16384})
+    ->Args({3, 40, 16384})
+    ->Args({1, 100000, 64});
+
+void BM_SetDefMeasure(benchmark::State& state) {
+  const common::CDataArrayFloatT<double> samples(static_cast<common::uint64>(state.range(0)));
+  CWaveDef def = Settings();
+  def.SetDefMeasure({}, samples);
+  const bench::AllocationCounter allocations;
+  for (auto _ : state) {
+    def.SetDefMeasure({}, samples);
+    benchmark::DoNotOptimize(def.GetWave().GetData());
+  }
+  allocations.Report(state);
+  CountSamples(state, static_cast<double>(state.range(0)));
+}
+BENCHMARK(BM_SetDefMeasure)->Arg(1000000);
+
+}  // namespace

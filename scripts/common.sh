@@ -1,0 +1,42 @@
+# What the scripts share: the packages that a job needs, and quiet steps with a log.
+# Sourced by the scripts beside it, which run in the project's top folder.
+
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+logs=build/logs
+mkdir -p "$logs"
+
+# What is built and run stands on these Debian packages.
+build_packages=(cmake g++ ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev gnuplot-nox
+  fonts-dejavu-core)
+test_packages=(clang clang-format libclang-rt-14-dev binutils git googletest libgtest-dev
+  libgmock-dev libfftw3-dev pkg-config python3)
+bench_packages=(libbenchmark-dev libfftw3-dev python3)
+
+# Runs a command; its output goes to a log, which is shown if it fails.
+#   quietly NAME COMMAND...
+quietly() {
+  local log=$logs/$1.log
+  shift
+  if "$@" >"$log" 2>&1 </dev/null; then return 0; fi
+  echo "failed: $*" >&2
+  tail -n 60 "$log" >&2
+  echo "the whole log: $log" >&2
+  return 1
+}
+
+# Installs those of the named packages that are missing.
+need() {
+  local package missing=()
+  for package in "$@"; do
+    if [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then
+      missing+=("$package")
+    fi
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+  echo "installing ${missing[*]}"
+  local as_root=()
+  [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+  quietly apt-update "${as_root[@]}" apt-get update &&
+    quietly apt-install "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+      apt-get install -y --no-install-recommends "${missing[@]}"
+}

@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Installs the build tree to a fresh prefix and builds the consumer against it, once through the CMake
+# package and once through pkg-config.
+#   check.sh BUILD_DIR SOURCE_DIR WORK_DIR CXX CXX_FLAGS
+set -euo pipefail
+build=$1 source=$2 work=$3 cxx=$4 flags=$5
+
+rm -rf "$work"
+mkdir -p "$work"
+cmake --install "$build" --prefix "$work/prefix" >"$work/install.log"
+
+cmake -S "$source" -B "$work/cmake" -G Ninja -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_CXX_FLAGS="$flags" \
+  -DCMAKE_PREFIX_PATH="$work/prefix" >"$work/configure.log"
+cmake --build "$work/cmake"
+"$work/cmake/consumer"
+
+export PKG_CONFIG_PATH="$work/prefix/lib/pkgconfig"
+read -ra options <<<"$flags $(pkg-config --cflags --libs qarv_vib_ctrl_wave_def)"
+"$cxx" "$source/main.cpp" -o "$work/by_pkg_config" "${options[@]}"
+LD_LIBRARY_PATH="$work/prefix/lib" "$work/by_pkg_config"
