@@ -1,0 +1,133 @@
+// Measured samples from a CSV file.
+#include "csv_reader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <utility>
+
+#include "text.h"
+
+namespace qarv::command {
+
+using common::uint64;
+
+namespace {
+
+constexpr double kStepTolerance = 0.001;  // of the mean step
+
+[[noreturn]] void Fail(const std::string& file, uint64 line, const std::string& what) {
+  throw CommandError(kBadInput, OneLine(fmt::format("{}:{}: {}", file, line, what)));
+}
+
+std::string Trimmed(const std::string& text) {
+  constexpr const char* kBlanks = " \t\r";
+  const auto first = text.find_first_not_of(kBlanks);
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+/// The separator of a line; 0 if it has only one column.
+char SeparatorOf(const std::string& line) {
+  for (const char separator : {';', '\t', ','}) {
+    if (line.find(separator) != std::string::npos) return separator;
+  }
+  return 0;
+}
+
+std::vector<std::string> Columns(const std::string& line, char separator) {
+  std::vector<std::string> columns;
+  std::string::size_type begin = 0;
+  for (;;) {
+    const auto end = separator != 0 ? line.find(separator, begin) : std::string::npos;
+    columns.push_back(Trimmed(line.substr(begin, end - begin)));
+    if (end == std::string::npos) return columns;
+    begin = end + 1;
+  }
+}
+
+/// The numbers of a line; false if one of its columns is none.
+bool ParseColumns(std::vector<std::string> columns, char separator, std::vector<double>* numbers) {
+  numbers->clear();
+  for (std::string& column : columns) {
+    if (separator != ',') std::replace(column.begin(), column.end(), ',', '.');
+    if (!ParseNumber(column, &numbers->emplace_back())) return false;
+  }
+  return true;
+}
+
+/// Whether the line holds no number at all, as a header does.
+bool IsHeader(const std::vector<std::string>& columns, char separator) {
+  std::vector<double> number;
+  return std::none_of(columns.begin(), columns.end(), [&](const std::string& column) {
+    return ParseColumns({column}, separator, &number);
+  });
+}
+
+}  // namespace
+
+MeasuredCsv ReadCsv(const std::string& file) {
+  std::ifstream in(file, std::ios::binary);
+  std::vector<double> values;
+  std::vector<double> times;
+  std::vector<uint64> lines;
+  std::vector<double> numbers;
+  std::string text;
+  std::size_t width = 0;  // [columns] of the first line with numbers
+  char separator = 0;
+  bool first = true;
+  uint64 line = 0;
+  while (std::getline(in, text)) {
+    ++line;
+    if (line == 1 && text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);  // byte order mark
+    if (Trimmed(text).empty()) continue;
+    if (width == 0) separator = SeparatorOf(text);
+    const auto columns = Columns(text, separator);
+    const bool header = first && IsHeader(columns, separator);
+    first = false;
+    if (header) continue;
+    if (!ParseColumns(columns, separator, &numbers)) Fail(file, line, "is not a line of numbers");
+    if (width == 0) width = numbers.size();
+    if (width > 2) Fail(file, line, "has more than a time and a value");
+    if (numbers.size() != width) Fail(file, line, "has another number of columns");
+    values.push_back(numbers.back());
+    if (width == 2) {
+      times.push_back(numbers.front());
+      lines.push_back(line);
+    }
+  }
+  if (!in.eof() || line == 0) {
+    // A folder opens like a file, and fails at the first read.
+    const bool empty = in.is_open() && in.eof();
+    throw CommandError(kBadInput, OneLine(file + (empty ? ": is empty" : ": cannot be read")));
+  }
+  if (values.empty()) throw CommandError(kBadInput, OneLine(file + ": has no samples"));
+  MeasuredCsv out{file, {}, std::move(times), std::move(lines)};
+  out.values.SetData(values.size(), values.data(), false);
+  return out;
+}
+
+double SampleRateOf(const MeasuredCsv& csv) {
+  const uint64 n = csv.times.size();
+  if (n < 2) {
+    const char* const why = n == 0 ? "has no time column" : "one sample has no time step";
+    throw CommandError(kBadInput, OneLine(fmt::format("{}: {}: Fsamp is needed", csv.file, why)));
+  }
+  const double mean = (csv.times[n - 1] - csv.times[0]) / static_cast<double>(n - 1);
+  for (uint64 i = 1; i < n; ++i) {
+    const double step = csv.times[i] - csv.times[i - 1];
+    // Written so that a NaN is refused.
+    if (!(step > 0.0 && std::fabs(step - mean) <= kStepTolerance * mean)) {
+      Fail(csv.file, csv.lines[i],
+           fmt::format("the time step of {} s is not the mean step of {} s", step, mean));
+    }
+  }
+  // The text of a time column holds no more than 12 digits: 1000 Hz, not 1000.0000000000001 Hz.
+  double rate = 0.0;
+  ParseNumber(fmt::format("{:.12g}", 1.0 / mean), &rate);
+  return rate;
+}
+
+}  // namespace qarv::command

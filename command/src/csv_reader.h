@@ -1,0 +1,30 @@
+// Measured samples from a CSV file.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "common/data_array/data_array_float_t.h"
+#include "common/int_types.h"
+
+namespace qarv::command {
+
+/// What a CSV file of one measured channel holds.
+struct MeasuredCsv {
+  std::string file;
+  common::CDataArrayFloatT<double> values;  // [amplitude unit]
+  std::vector<double> times;                // [s] as many, or none in a file of values only
+  std::vector<common::uint64> lines;        // where each time stands
+};
+
+/// Reads a file of one column (value) or two (time, value).  The separator is a comma, a semicolon
+/// or a tab; beside the latter two a comma may be the decimal sign.  The first line may be a
+/// header; empty lines are passed over. Ends the command where the file cannot be read or a line is
+/// not of that form.
+MeasuredCsv ReadCsv(const std::string& file);
+
+/// The sampling frequency of the time column [Hz], from its mean step.
+/// Ends the command where there are no times or a step differs from the mean by more than 0.1 %.
+double SampleRateOf(const MeasuredCsv& csv);
+
+}  // namespace qarv::command

@@ -1,0 +1,17 @@
+// Samples as CSV files.
+#pragma once
+
+#include <string>
+
+#include "wave_def/wave_def.h"
+
+namespace qarv::command {
+
+/// Writes time [s], waveform, lower and upper band, one sample a line below a header line, in the
+/// shortest digits that read back as the same double.
+void WriteWaveCsv(const wave_def::CWaveDef& def, const std::string& file);
+
+/// Writes the samples of the waveform alone, in a form that ReadCsv takes for the same bits.
+void WriteSamplesCsv(const wave_def::CWaveDef& def, const std::string& file);
+
+}  // namespace qarv::command

@@ -1,0 +1,54 @@
+// The key "Gradual".
+#include "definition.h"
+
+namespace qarv::command {
+
+using wave_def::CWaveDef;
+using Set = wave_def::CWaveDefGradual;
+
+namespace {
+
+const FieldTable<Set> kFields{
+    Value("Period", &Set::GetPeriod, &Set::SetPeriod, Need::Required),
+    Value("LevelBeg", &Set::GetLevelBeg, &Set::SetLevelBeg, Need::Required),
+    Value("LevelEnd", &Set::GetLevelEnd, &Set::SetLevelEnd, Need::Required),
+    Enumeration("LengthType",
+                {{Set::LENGTH_TYPE_NONE, "LENGTH_TYPE_NONE"},
+                 {Set::LENGTH_BY_TIME, "LENGTH_BY_TIME"},
+                 {Set::LENGTH_BY_SLOPE, "LENGTH_BY_SLOPE"}},
+                &Set::GetLengthType, &Set::SetLengthType, Need::Required),
+    Value("WaveTime", &Set::GetWaveTime, &Set::SetWaveTime),
+    Value("WaveSlope", &Set::GetWaveSlope, &Set::SetWaveSlope),
+    Value("PreTime", &Set::GetPreTime, &Set::SetPreTime),
+    Value("EdgeTime", &Set::GetEdgeTime, &Set::SetEdgeTime),
+    Value("Nsamp", &Set::GetNsamp, &Set::SetNsamp, Need::Required),
+};
+
+std::string Define(const Json& json, const Place& at, bool /*hasFsamp*/, CWaveDef& def) {
+  Set set;
+  ReadFields(kFields, json, at, set);
+  const auto type = set.GetLengthType();
+  return DefineSet(def, set, &CWaveDef::SetDefGradual,
+                   {{def.GetFsamp() == 0.0, "Fsamp is 0"},
+                    {set.GetNsamp() == 0, "Nsamp is 0"},
+                    {type != Set::LENGTH_BY_TIME && type != Set::LENGTH_BY_SLOPE,
+                     "LengthType is neither LENGTH_BY_TIME nor LENGTH_BY_SLOPE"},
+                    {set.GetWaveSlope() == 0.0, "WaveSlope is 0"}});
+}
+
+Json Write(const CWaveDef& def, const std::string& /*samplesFile*/) {
+  return WriteFields(kFields, def.GetDefGradual());
+}
+
+}  // namespace
+
+const Family kGradualFamily{
+    .key = "Gradual",
+    .title = "gradual sine wave",
+    .type = CWaveDef::WAVE_TYPE_GRADUAL,
+    .define = Define,
+    .write = Write,
+    .needsFsamp = true,
+};
+
+}  // namespace qarv::command

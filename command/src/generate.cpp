@@ -1,0 +1,92 @@
+// qarv-wave generate: a definition becomes a waveform with its bands.
+#include "generate.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+
+#include "csv_writer.h"
+#include "definition.h"
+#include "output_files.h"
+#include "plot.h"
+#include "record_file.h"
+
+namespace qarv::command {
+
+using common::uint64;
+using wave_def::CWaveDef;
+
+namespace {
+
+/// The sample of the largest magnitude, the first of equal ones; NaN samples are passed over.
+uint64 PeakSample(const CWaveDef& def) {
+  const double* const x = def.GetWave().GetData();
+  uint64 peak = 0;
+  double largest = -1.0;
+  for (uint64 i = 0; i < def.GetNsamp(); ++i) {
+    if (std::fabs(x[i]) > largest) {
+      peak = i;
+      largest = std::fabs(x[i]);
+    }
+  }
+  return peak;
+}
+
+std::string Summary(const CWaveDef& def) {
+  const double fsamp = SampleRateOf(def);
+  const auto seconds = [&](uint64 samples) {
+    return fmt::format("{:.6g} s", static_cast<double>(samples) / fsamp);
+  };
+  const std::string unitText = def.GetUnitAmpl().GetText();
+  const std::string unit = unitText.empty() ? "" : " " + unitText;
+  const uint64 n = def.GetNsamp();
+  std::string text = fmt::format("family:    {}\n", FamilyOf(def).title);
+  text += fmt::format("samples:   {} at {:.6g} Hz\n", n, fsamp);
+  text += fmt::format("duration:  {}\n", seconds(n));
+  if (n == 0) return text;
+  const uint64 i = PeakSample(def);
+  text += fmt::format("peak:      {:.6g}{} at {}\n", def.GetWave()[i], unit, seconds(i));
+  text += fmt::format("band:      {:.6g} to {:.6g}{} at the peak\n", def.GetTolL()[i],
+                      def.GetTolU()[i], unit);
+  return text;
+}
+
+/// Warns of bands that no waveform can lie between.
+void WarnOfCrossedBands(const CWaveDef& def, const std::string& file) {
+  const double* const upper = def.GetTolU().GetData();
+  const double* const lower = def.GetTolL().GetData();
+  uint64 first = 0;
+  uint64 count = 0;
+  for (uint64 i = def.GetNsamp(); i-- > 0;) {
+    if (!(upper[i] < lower[i])) continue;
+    first = i;
+    ++count;
+  }
+  if (count == 0) return;
+  fmt::print(stderr,
+             "qarv-wave: warning: {}: the upper band lies below the lower one at {} of {} samples, "
+             "first at sample {}\n",
+             OneLine(file), count, def.GetNsamp(), first);
+}
+
+}  // namespace
+
+void Generate(const GenerateOptions& options) {
+  CWaveDef def = LoadDefinition(options.definition);
+  OutputFiles files(options.definition);
+  if (!options.csv.empty()) WriteWaveCsv(def, files.Reserve(options.csv));
+  if (!options.record.empty()) WriteRecord(def, files.Reserve(options.record));
+  if (!options.plot.empty()) {
+    const std::string name = std::filesystem::path(options.definition).stem().string();
+    const PlotFormat format = PlotFormatOf(options.plot);
+    PlotWave(def, name + ": " + FamilyOf(def).title, format, files.Reserve(options.plot));
+  }
+  WarnOfCrossedBands(def, options.definition);
+  const std::string summary = Summary(def);
+  WriteBytes(stdout, summary.data(), summary.size(), "standard output");
+  files.Commit();
+}
+
+}  // namespace qarv::command

@@ -1,0 +1,66 @@
+// The command qarv-wave: its arguments, its exit codes, its one-line errors.
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <cstdio>
+#include <new>
+
+#include "generate.h"
+#include "show.h"
+#include "text.h"
+
+namespace {
+
+using namespace qarv::command;
+
+int Run(int argc, char** argv) {
+  CLI::App app{"Test waveforms of a shock and vibration test, with their tolerance bands"};
+  app.set_version_flag("--version", "qarv-wave " QARV_VERSION);
+  app.require_subcommand(1);
+
+  GenerateOptions generate;
+  auto* const generateCommand =
+      app.add_subcommand("generate", "Generate the waveform of a JSON definition");
+  generateCommand->add_option("DEF", generate.definition, "JSON definition")->required();
+  generateCommand->add_option("--csv", generate.csv, "write time, waveform, lower and upper band");
+  generateCommand->add_option("--plot", generate.plot, "write a picture, .png or .svg");
+  generateCommand->add_option("--record", generate.record, "write the serialised record");
+  generateCommand->callback([&] { Generate(generate); });
+
+  ShowOptions show;
+  auto* const showCommand = app.add_subcommand("show", "Print a record as a JSON definition");
+  showCommand->add_option("RECORD", show.record, "record file")->required();
+  showCommand->add_option("-o,--output", show.output, "write the definition to a file");
+  showCommand->add_option("--samples", show.samples,
+                          "where the samples of a measured waveform go (RECORD.samples.csv)");
+  showCommand->callback([&] { Show(show); });
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& e) {  // --help, --version
+    return app.exit(e);
+  } catch (const CLI::ParseError& e) {
+    throw CommandError(kBadInput, OneLine(e.what()));
+  }
+  if (std::fflush(stdout) != 0) throw CommandError(kBadInput, "standard output: cannot be written");
+  return kDone;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // A reader that goes away early is an error of the write, not the end of the command.
+  std::signal(SIGPIPE, SIG_IGN);
+  try {
+    return Run(argc, argv);
+  } catch (const CommandError& e) {
+    fmt::print(stderr, "qarv-wave: {}\n", e.what());
+    return e.GetCode();
+  } catch (const std::bad_alloc&) {
+    fmt::print(stderr, "qarv-wave: out of memory\n");
+  } catch (const std::exception& e) {
+    fmt::print(stderr, "qarv-wave: {}\n", OneLine(e.what()));
+  }
+  return kBadInput;
+}

@@ -1,0 +1,93 @@
+// The files that a command writes: all of them appear complete, or none does.
+#include "output_files.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#include "text.h"
+
+namespace qarv::command {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+[[noreturn]] void Fail(const std::string& file, const std::string& what) {
+  throw CommandError(kBadInput, OneLine(file + ": " + what));
+}
+
+[[noreturn]] void FailWithErrno(const std::string& file) { Fail(file, std::strerror(errno)); }
+
+/// Makes an empty file that was not there before, beside the target.
+std::string MakeTemporary(const fs::path& target) {
+  for (int attempt = 0;; ++attempt) {
+    const std::string name =
+        fmt::format(".{}.{}-{}", target.filename().string(), getpid(), attempt);
+    const std::string path = (target.parent_path() / name).string();
+    const int fd = open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
+    if (fd >= 0) {
+      close(fd);
+      return path;
+    }
+    if (errno != EEXIST) FailWithErrno(target.string());
+  }
+}
+
+}  // namespace
+
+OutputFiles::~OutputFiles() {
+  for (const Entry& entry : entries_) unlink(entry.temporary.c_str());
+}
+
+std::string OutputFiles::Reserve(const std::string& target) {
+  std::error_code error;
+  const fs::path place = fs::weakly_canonical(target, error);  // where a link points to
+  if (error || target.empty()) Fail(target, "cannot be written");
+  if (fs::exists(place, error) && !fs::is_regular_file(place, error)) {
+    Fail(target, "is not a regular file");
+  }
+  if (fs::equivalent(place, input_, error)) Fail(target, "is the input");
+  for (const Entry& entry : entries_) {
+    if (entry.target == place.string()) Fail(target, "is written twice");
+  }
+  if (fs::exists(place, error) && access(place.c_str(), W_OK) != 0) FailWithErrno(target);
+  entries_.push_back({place.string(), MakeTemporary(place)});
+  return entries_.back().temporary;
+}
+
+void OutputFiles::Commit() {
+  while (!entries_.empty()) {
+    const Entry& entry = entries_.back();
+    if (std::rename(entry.temporary.c_str(), entry.target.c_str()) != 0)
+      FailWithErrno(entry.target);
+    entries_.pop_back();
+  }
+}
+
+FilePtr OpenForWriting(const std::string& file) {
+  FilePtr out(std::fopen(file.c_str(), "wb"), std::fclose);
+  if (!out) FailWithErrno(file);
+  return out;
+}
+
+void WriteBytes(std::FILE* file, const void* data, std::size_t n, const std::string& name) {
+  if (std::fwrite(data, 1, n, file) != n) FailWithErrno(name);
+}
+
+void Close(FilePtr file, const std::string& name) {
+  if (std::fclose(file.release()) != 0) FailWithErrno(name);
+}
+
+void WriteFile(const std::string& file, const void* data, std::size_t n) {
+  FilePtr out = OpenForWriting(file);
+  WriteBytes(out.get(), data, n, file);
+  Close(std::move(out), file);
+}
+
+}  // namespace qarv::command

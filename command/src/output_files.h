@@ -1,0 +1,50 @@
+// The files that a command writes: all of them appear complete, or none does.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace qarv::command {
+
+/// A file opened for writing, closed at the latest with its owner.
+using FilePtr = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+/// The output files of one run.  Each is written under a temporary name beside its target and takes
+/// the target's place in Commit; what was not committed is removed again.
+class OutputFiles {
+ public:
+  /// @param input  a file that no output may replace
+  explicit OutputFiles(const std::string& input) : input_(input) {}
+  OutputFiles(const OutputFiles&) = delete;
+  OutputFiles& operator=(const OutputFiles&) = delete;
+  ~OutputFiles();
+
+  /// Reserves a target.  Ends the command where it cannot be written, is the input, or was
+  /// reserved.
+  /// @return the temporary name to write to; the file is there, and empty
+  std::string Reserve(const std::string& target);
+
+  /// Puts every reserved file in its place.
+  void Commit();
+
+ private:
+  struct Entry {
+    std::string target, temporary;
+  };
+  std::string input_;
+  std::vector<Entry> entries_;
+};
+
+/// Opens a file for writing.  Ends the command where that fails.
+FilePtr OpenForWriting(const std::string& file);
+
+/// Writes bytes, or closes the file.  Ends the command where they did not arrive.
+void WriteBytes(std::FILE* file, const void* data, std::size_t n, const std::string& name);
+void Close(FilePtr file, const std::string& name);
+
+/// Writes a whole file.
+void WriteFile(const std::string& file, const void* data, std::size_t n);
+
+}  // namespace qarv::command

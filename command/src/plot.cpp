@@ -1,0 +1,146 @@
+// A waveform and its bands as a picture, drawn by gnuplot.
+#include "plot.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <iterator>
+#include <memory>
+
+#include "definition.h"
+#include "text.h"
+
+namespace qarv::command {
+
+using common::uint64;
+using wave_def::CWaveDef;
+using Samples = common::CDataArrayFloatT<double>;
+
+namespace {
+
+constexpr uint64 kColumns = 1500;  // of the picture that hold data; finer detail is not seen
+
+/// A text as a double-quoted gnuplot string.
+std::string Quoted(const std::string& text) {
+  std::string out = "\"";
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    // Bytes of UTF-8 pass; what could end or change the string goes by its number.
+    const bool plain =
+        byte >= 0x20 && byte != 0x7F && c != '"' && c != '\\' && c != '`' && c != '$';
+    out += plain ? std::string(1, c) : fmt::format("\\{:03o}", byte);
+  }
+  return out + '"';
+}
+
+struct Range {
+  double low = HUGE_VAL;
+  double high = -HUGE_VAL;
+  void Add(double v) {
+    if (!std::isfinite(v)) return;
+    low = std::min(low, v);
+    high = std::max(high, v);
+  }
+};
+
+/// The range of the vertical axis: all that is finite, and some air.
+Range AxisOf(const CWaveDef& def) {
+  Range range;
+  for (const Samples* array : {&def.GetWave(), &def.GetTolU(), &def.GetTolL()}) {
+    for (const double v : *array) range.Add(v);
+  }
+  if (range.low > range.high) return {-1.0, 1.0};
+  const double air = (range.high / 20 - range.low / 20);
+  const double least = std::max(std::fabs(range.high), std::fabs(range.low)) / 10;
+  const double margin = std::max({air, air > 0.0 ? 0.0 : least, 1e-300});
+  return {std::max(range.low - margin, -1e308), std::min(range.high + margin, 1e308)};
+}
+
+/// A curve as a gnuplot data block.  Where several samples share a column of the picture, their
+/// least and largest are drawn, so that no peak is lost.
+void AppendBlock(const std::string& name, const Samples& samples, double fsamp,
+                 fmt::memory_buffer* script) {
+  const auto out = std::back_inserter(*script);
+  const double* const x = samples.GetData();
+  const uint64 n = samples.GetSize();
+  const auto point = [&](uint64 i, double v) {
+    fmt::format_to(out, "{} {}\n", static_cast<double>(i) / fsamp,
+                   std::isfinite(v) ? fmt::format("{}", v) : "NaN");
+  };
+  fmt::format_to(out, "${} << EOD\n", name);
+  const uint64 share = n / kColumns;
+  if (share <= 2) {
+    for (uint64 i = 0; i < n; ++i) point(i, x[i]);
+  } else {
+    for (uint64 begin = 0; begin < n; begin += share) {
+      const uint64 end = std::min(begin + share, n);
+      Range range;
+      for (uint64 i = begin; i < end; ++i) range.Add(x[i]);
+      if (range.low > range.high) {
+        point(begin, std::nan(""));
+      } else {
+        point(begin, range.low);
+        point(begin, range.high);
+      }
+    }
+  }
+  fmt::format_to(out, "EOD\n");
+}
+
+std::string Script(const CWaveDef& def, const std::string& title, PlotFormat format,
+                   const std::string& file) {
+  const double fsamp = SampleRateOf(def);
+  const double duration = static_cast<double>(def.GetNsamp()) / fsamp;
+  const bool hasDuration = std::isfinite(duration) && duration > 0.0;
+  const Range axis = AxisOf(def);
+  const std::string unit = def.GetUnitAmpl().GetText();
+  fmt::memory_buffer script;
+  const auto out = std::back_inserter(script);
+  fmt::format_to(out, "set terminal {} size 1000,600 font \"DejaVu Sans,11\" noenhanced\n",
+                 format == PlotFormat::Png ? "pngcairo" : "svg");
+  fmt::format_to(out, "set output {}\n", Quoted(file));
+  fmt::format_to(out, "set encoding utf8\nset title {}\n", Quoted(title));
+  fmt::format_to(out, "set xlabel \"Time [s]\"\nset ylabel {}\n",
+                 Quoted(unit.empty() ? "Amplitude" : "Amplitude [" + unit + "]"));
+  fmt::format_to(out, "set xrange [0:{}]\nset yrange [{}:{}]\n", hasDuration ? duration : 1.0,
+                 axis.low, axis.high);
+  fmt::format_to(out,
+                 "set grid linetype 1 linewidth 0.5 linecolor rgb \"#c8c8c8\"\nset key below\n");
+  AppendBlock("wave", def.GetWave(), fsamp, &script);
+  AppendBlock("upper", def.GetTolU(), fsamp, &script);
+  AppendBlock("lower", def.GetTolL(), fsamp, &script);
+  constexpr const char* kBandLine = "linecolor rgb \"{}\" dashtype (7,4) linewidth 1.4";
+  fmt::format_to(out,
+                 "plot $upper with lines {} title \"upper band\","
+                 " $wave with lines linecolor rgb \"#1f4e9c\" linewidth 1.8 title \"waveform\","
+                 " $lower with lines {} title \"lower band\"\n",
+                 fmt::format(kBandLine, "#c0392b"), fmt::format(kBandLine, "#d68910"));
+  return fmt::to_string(script);
+}
+
+}  // namespace
+
+PlotFormat PlotFormatOf(const std::string& file) {
+  const std::string extension = std::filesystem::path(file).extension().string();
+  if (extension == ".png") return PlotFormat::Png;
+  if (extension == ".svg") return PlotFormat::Svg;
+  throw CommandError(kBadInput, OneLine(file + ": a plot ends with .png or .svg"));
+}
+
+void PlotWave(const CWaveDef& def, const std::string& title, PlotFormat format,
+              const std::string& file) {
+  const std::string script = Script(def, title, format, file);
+  std::FILE* const gnuplot = popen("gnuplot >/dev/null 2>&1", "w");
+  const bool sent =
+      gnuplot != nullptr && std::fwrite(script.data(), 1, script.size(), gnuplot) == script.size();
+  const bool done = gnuplot != nullptr && pclose(gnuplot) == 0;
+  std::error_code error;
+  if (!sent || !done || std::filesystem::file_size(file, error) == 0 || error) {
+    throw CommandError(kBadInput, "gnuplot, which draws the plots, is missing or has failed");
+  }
+}
+
+}  // namespace qarv::command

@@ -1,0 +1,20 @@
+// A waveform and its bands as a picture.
+#pragma once
+
+#include <string>
+
+#include "wave_def/wave_def.h"
+
+namespace qarv::command {
+
+enum class PlotFormat { Png, Svg };
+
+/// The format that a file name ends with.  Ends the command where it is neither .png nor .svg.
+PlotFormat PlotFormatOf(const std::string& file);
+
+/// Plots the waveform, its bands dashed, over time.
+/// Ends the command where gnuplot is missing or does not succeed.
+void PlotWave(const wave_def::CWaveDef& def, const std::string& title, PlotFormat format,
+              const std::string& file);
+
+}  // namespace qarv::command

@@ -1,0 +1,16 @@
+// A definition's record as a file: the bytes of its serial stream.
+#pragma once
+
+#include <string>
+
+#include "wave_def/wave_def.h"
+
+namespace qarv::command {
+
+/// Writes the record of a definition.
+void WriteRecord(wave_def::CWaveDef& def, const std::string& file);
+
+/// Reads a record.  Ends the command where the file is not one whole record.
+wave_def::CWaveDef ReadRecord(const std::string& file);
+
+}  // namespace qarv::command

@@ -1,0 +1,33 @@
+// Messages and numbers as text, and the one error type of the command.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace qarv::command {
+
+/// The exit codes of the command.
+enum ExitCode { kDone = 0, kRefused = 1, kBadInput = 2 };
+
+/// Ends the command with one line on standard error.
+class CommandError : public std::runtime_error {
+ public:
+  CommandError(ExitCode code, const std::string& line) : std::runtime_error(line), code_(code) {}
+  ExitCode GetCode() const { return code_; }
+
+ private:
+  ExitCode code_;
+};
+
+/// The text with its control bytes escaped ("\x0a"), so that it stays one line.
+std::string OneLine(const std::string& text);
+
+/// The shortest text that reads back as the same double; "nan", "inf", "-inf" for what is no
+/// number, "nan(0x...)" with its bits for a NaN other than the usual one.
+std::string NumberText(double v);
+
+/// The double that a text of NumberText's form, or any decimal number, names.
+/// @return false, with `v` unchanged, if the text is not wholly one
+bool ParseNumber(const std::string& text, double* v);
+
+}  // namespace qarv::command
