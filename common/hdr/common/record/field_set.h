@@ -14,8 +14,8 @@ class CSerialData;
 /// defaulted `operator==` and a static `Record` that ties its members in the same order.
 ///
 /// - copy: every field; move: the same, and the source is left with its defaults;
-/// - `==`: true for the same object, otherwise field by field in declaration order: a NaN is equal to
-///   nothing, and 0 equals -0;
+/// - `==`: true for the same object, otherwise field by field in declaration order: a NaN is equal
+///   to nothing, and 0 equals -0;
 /// - `Clear`: the member initialisers of F;
 /// - `Serialize`: a version word, then the fields of `Record`.  It is defined in
 ///   common/record/record_codec.h, which the source that uses it includes.
