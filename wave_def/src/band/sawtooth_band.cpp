@@ -44,22 +44,27 @@ constexpr std::array<SawtoothRow, 9> kSawtoothRows{{
 
 /// A sawtooth band in values and samples: what every tolerance kind fills in.
 struct SawtoothBand {
-  double left;              // level up to `leftEnd`
-  Knot frontFrom;           // the front line ...
-  Knot frontTo;             // ... which ends where the left level does
-  double begin;             // value of the rise at the pulse's start
-  double right;             // level behind the pulse, and in the lower band below it
-  Knot knee;                // end of the rise
-  uint64 flatEnd, dropEnd;  // [sample] end of the flat top, and of the drop from it
+  double left;     // level up to the end of the front line
+  Knot frontFrom;  // the front line ...
+  Knot frontTo;    // ... and its end
+  double begin;    // value of the rise at the pulse's start
+  double right;    // level behind the pulse, and in the lower band below it
+  Knot knee;       // end of the rise
+  uint64 flatEnd;  // [sample] end of the flat top, the knee in a lower band, which has none
+  uint64 dropEnd;  // [sample] end of the drop from there
 };
 
 bool DrawSawtoothBand(const SawtoothBand& b, const PulseSpan& p, const BandTask& task) {
   const BandPen pen(task.out, task.upper);
+  const auto floor = [&] { return pen.Level(p.start, p.end, b.right, Merge::Lower); };
+  const auto flatTop = [&] {
+    return pen.Level(b.knee.index, b.flatEnd, b.knee.value, Merge::Raise);
+  };
   return pen.Level(0, b.frontTo.index, b.left) &&                                    // left
          pen.Line(b.frontFrom, b.frontTo) &&                                         // front
-         (task.upper || pen.Level(p.start, p.end, b.right, Merge::Lower)) &&         // floor
+         (task.upper || floor()) &&                                                  // floor
          pen.Line({p.start, b.begin}, b.knee, Merge::Raise) &&                       // rise
-         pen.Level(b.knee.index, b.flatEnd, b.knee.value, Merge::Raise) &&           // flat top
+         (!task.upper || flatTop()) &&                                               // flat top
          pen.Line({b.flatEnd, b.knee.value}, {b.dropEnd, b.right}, Merge::Raise) &&  // drop
          pen.Level(b.dropEnd, p.N - 1, b.right);                                     // right
 }
