@@ -1,6 +1,7 @@
 // Definitions from end to end, bands included, beside the bare loop of their formula.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <vector>
@@ -204,6 +205,36 @@ BENCHMARK(BM_SetDefDamping)
     ->Args({2, 40, 16384})
     ->Args({3, 40, 16384})
     ->Args({1, 100000, 64});
+
+/// Half of a pulse of a tenth of the frame, and three constants: what a classical pulse cannot do
+/// without.
+void BM_Ref_FillAndCos(benchmark::State& state) {
+  const auto n = static_cast<std::size_t>(state.range(0));
+  std::vector<double> arrays(3 * n);
+  for (auto _ : state) {
+    std::fill(arrays.begin(), arrays.end(), 0.2);
+    for (std::size_t k = 0; k < n / 20; ++k) {
+      arrays[n / 2 + k] = std::cos(static_cast<double>(k) * 1e-5) * 10.0;
+    }
+    benchmark::DoNotOptimize(arrays.data());
+    benchmark::ClobberMemory();
+  }
+  CountSamples(state, static_cast<double>(n));
+}
+BENCHMARK(BM_Ref_FillAndCos)->Arg(1000000);
+
+void BM_SetDefClassical(benchmark::State& state) {
+  const auto n = static_cast<unsigned int>(state.range(0));
+  CWaveDefClassical set;
+  set.SetWaveKind(wave_def_sub::HALF_SINE);
+  set.SetTolKind(CWaveDefClassical::TOL_FIXED_3);
+  set.SetMainAmpl(10.0);
+  set.SetFmax(1000.0);
+  set.SetNsamp(n);
+  set.SetMainWidth(0.1 * n / 2560.0);
+  RunWarm(state, &CWaveDef::SetDefClassical, set);
+}
+BENCHMARK(BM_SetDefClassical)->Arg(10000)->Arg(1000000);
 
 void BM_SetDefMeasure(benchmark::State& state) {
   const common::CDataArrayFloatT<double> samples(static_cast<common::uint64>(state.range(0)));

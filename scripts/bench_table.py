@@ -18,6 +18,7 @@ ROWS = [
     ("damped sines, 40 x 16384", "BM_SetDefDamping/method:1/elements:40/n:16384",
      "BM_Ref_ScalarDamped/40/16384", 0.85),
     ("measured, 1e6, against 3 copies", "BM_SetDefMeasure/1000000", "BM_Ref_Memcpy/3000000", None),
+    ("classical half-sine, 1e6", "BM_SetDefClassical/1000000", "BM_Ref_FillAndCos/1000000", None),
     ("largest magnitude, 1e4", "BM_GetAbsMax/10000", "BM_Ref_ScalarAbsMax/10000", 1.0),
     ("record write, 3e6, against a copy", "BM_RecordWrite", "BM_Ref_Memcpy/3000000", None),
     ("record read, 3e6, against a copy", "BM_RecordRead", "BM_Ref_Memcpy/3000000", None),

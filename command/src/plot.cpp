@@ -108,7 +108,8 @@ std::string Script(const CWaveDef& def, const std::string& title, PlotFormat for
   fmt::format_to(out, "set xrange [0:{}]\nset yrange [{}:{}]\n", hasDuration ? duration : 1.0,
                  axis.low, axis.high);
   fmt::format_to(out,
-                 "set grid linetype 1 linewidth 0.5 linecolor rgb \"#c8c8c8\"\nset key below\n");
+                 "set grid linetype 1 linewidth 0.5 linecolor rgb \"#c8c8c8\"\n"
+                 "set bmargin 5\nset key at screen 0.5, 0.03 center horizontal\n");
   AppendBlock("wave", def.GetWave(), fsamp, &script);
   AppendBlock("upper", def.GetTolU(), fsamp, &script);
   AppendBlock("lower", def.GetTolL(), fsamp, &script);
