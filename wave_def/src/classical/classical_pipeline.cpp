@@ -5,14 +5,18 @@
 //   dt   sample interval [s]
 //   iC   centre of the pulse [sample]
 //   iS   its first sample, before which there is no frame where it is negative [sample]
+//   iE   its last sample;  iPS, iPE  the ends of the rests before and after it [sample]
 #include "classical/classical_pipeline.h"
 
+#include <algorithm>
+#include <cmath>
 #include <optional>
 #include <span>
 #include <utility>
 
 #include "com_def/com_def_system_const.h"
 #include "common/numeric/index_conv.h"
+#include "compensation/tolerance.h"
 #include "pulse/pulse_shape.h"
 
 namespace qarv::wave_def {
@@ -29,8 +33,9 @@ namespace {
 
 /// Where the pulse is drawn.
 struct Placement {
-  double dt;      // [s]
-  uint64 centre;  // [sample]
+  double dt;               // [s]
+  uint64 centre;           // [sample]
+  compensation::Place at;  // of the pulse and its rests [sample]
 };
 
 /// The sample interval and the centre; nothing if the definition has no pulse in its frame.
@@ -45,7 +50,12 @@ std::optional<Placement> Place(const Def& params) {
   const uint64 h = FloorToIndex(params.GetMainWidth() * 0.5 / dt);
   const auto iS = static_cast<int64>(iC - h);
   if (iS < 0) return std::nullopt;
-  return Placement{dt, iC};
+  const auto iE = static_cast<int64>(iC + h);
+  const auto iPS =
+      static_cast<int64>(static_cast<uint64>(iS) - FloorToIndex(params.GetRestPre() / dt));
+  const auto iPE =
+      static_cast<int64>(static_cast<uint64>(iE) + FloorToIndex(params.GetRestPost() / dt));
+  return Placement{dt, iC, {iS, iE, iPS, iPE}};
 }
 
 bool BuildPulse(const Def& params, const Placement& at, const PulseArrays& out) {
@@ -75,29 +85,98 @@ bool DrawInto(const Def& params, const Placement& at, Samples* wave, Samples* to
   return false;
 }
 
+// ---- Compensation ------------------------------------------------------------------------------
+
+using compensation::kNoLimit;
+using compensation::Wave;
+
+compensation::Settings SettingsOf(const Def& params, double fsamp, bool negative) {
+  const bool standard = params.GetTolKind() == Def::TOL_SPECIFY;
+  return {.type = params.GetCmpType(),
+          .symmetric = !params.GetCmpNonSym(),
+          .pre = params.GetCmpPre(),
+          .post = params.GetCmpPost(),
+          .shape = params.GetWaveKind(),
+          .kind = params.GetTolKind(),
+          .base = standard ? params.GetDefTolSpecify().GetBaseStandard()
+                           : CWaveDefTolSpecify::BASE_STD_NONE,
+          .optRatLevel = params.GetOptRatLevel(),
+          .fsamp = fsamp,
+          .negative = negative};
+}
+
+/// The samples, or their negation; what is no limit stays none.
+Wave Upright(const Samples& samples, bool negate) {
+  Wave out(samples.begin(), samples.end());
+  for (double& v : out) v = negate && v != kNoLimit ? -v : v;
+  return out;
+}
+
+void Store(const Wave& wave, bool negate, Samples* samples) {
+  const Wave signedWave = [&] {
+    Wave out(wave);
+    for (double& v : out) v = negate && v != kNoLimit ? -v : v;
+    return out;
+  }();
+  samples->SetData(signedWave.size(), signedWave.data(), false);
+}
+
+/// Compensates the drawn pulse.  A failure leaves in the arrays what the stage has come to.
+bool Compensate(Def& params, double fsamp, const Placement& place, Samples* wave, Samples* tolU,
+                Samples* tolL, compensation::Refusal* refusal) {
+  const double extreme = compensation::ExtremeOf(
+      wave->GetData(), place.at.iS, std::min<int64>(place.at.iE, params.GetNsamp() - 1));
+  const bool negative = extreme < 0.0;
+  compensation::Pulse pulse{place.at, std::fabs(extreme), Upright(*wave, negative),
+                            Upright(negative ? *tolL : *tolU, negative),
+                            Upright(negative ? *tolU : *tolL, negative)};
+  compensation::Results results;
+  const bool done =
+      compensation::Compensate(&pulse, SettingsOf(params, fsamp, negative), &results, refusal);
+  Store(pulse.wave, negative, wave);
+  Store(pulse.upper, negative, negative ? tolL : tolU);
+  Store(pulse.lower, negative, negative ? tolU : tolL);
+  if (!done) return false;
+  params.SetCmpU1(results.drawn.levelPre);
+  params.SetCmpU2(results.drawn.levelPost);
+  params.SetCmpRgm1(results.drawn.sharePre);
+  params.SetCmpRgm2(results.drawn.sharePost);
+  params.SetCmpCparam(results.gain);
+  params.SetWaveShift(results.waveShift);
+  return true;
+}
+
+bool HasCompensationType(const Def& params) {
+  return params.GetCmpType() >= Def::CMP_RAMP && params.GetCmpType() <= Def::CMP_OPTIMIZED;
+}
+
 }  // namespace
 
-bool GenerateClassical(Def& params, double /*fsamp*/, Samples* wave, Samples* tolU, Samples* tolL,
-                       bool /*autoFsamp*/) {
+bool GenerateClassical(Def& params, double fsamp, Samples* wave, Samples* tolU, Samples* tolL,
+                       bool /*autoFsamp*/, compensation::Refusal* refusal) {
   if (wave == nullptr || tolU == nullptr || tolL == nullptr) return false;
   if (params.GetTolKind() < Def::TOL_FIXED_1 || params.GetTolKind() > Def::TOL_SPECIFY)
     return false;
   const auto at = Place(params);
-  if (!at || params.GetAddCmp()) return false;
+  if (!at || (params.GetAddCmp() && !HasCompensationType(params))) return false;
 
   // Empty arrays, as a definition hands them over, are drawn in place: their storage is kept and
   // nothing is copied.  Others stay as they are until the pulse has succeeded.
   if (wave->GetSize() == 0 && tolU->GetSize() == 0 && tolL->GetSize() == 0) {
-    return DrawInto(params, *at, wave, tolU, tolL);
+    if (!DrawInto(params, *at, wave, tolU, tolL)) return false;
+  } else {
+    Samples newWave;
+    Samples newU;
+    Samples newL;
+    if (!DrawInto(params, *at, &newWave, &newU, &newL)) return false;
+    *wave = std::move(newWave);
+    *tolU = std::move(newU);
+    *tolL = std::move(newL);
   }
-  Samples newWave;
-  Samples newU;
-  Samples newL;
-  if (!DrawInto(params, *at, &newWave, &newU, &newL)) return false;
-  *wave = std::move(newWave);
-  *tolU = std::move(newU);
-  *tolL = std::move(newL);
-  return true;
+  if (!params.GetAddCmp()) return true;
+  compensation::Refusal ignored;
+  // Deliberate: a compensation that fails leaves its waveform in the arrays all the same.
+  return Compensate(params, fsamp, *at, wave, tolU, tolL, refusal != nullptr ? refusal : &ignored);
 }
 
 }  // namespace qarv::wave_def

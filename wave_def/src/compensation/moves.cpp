@@ -1,0 +1,272 @@
+// Moves of the table before and after the shock, which centre its stroke.
+//
+//   d          displacement of the waveform, the sample interval being 1
+//   gap        what the moves have to add at the end to bring the table home
+//   m1, m2     a pre move by +1 and a post move by -1;   h1 m1 + h2 m2 adds h1 - h2 = gap
+#include "compensation/moves.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "common/numeric/calc_wave.h"
+#include "common/numeric/constants.h"
+
+namespace qarv::wave_def::compensation {
+
+using common::CCalcWave;
+
+namespace {
+
+constexpr int64 kShortest = 8;  // [sample]
+
+std::size_t At(int64 i) { return static_cast<std::size_t>(i); }
+
+Wave DisplacementOf(const Wave& a) {
+  Wave d(a);
+  CCalcWave::IntegTime(d.size(), d.data(), d.data(), 1.0);
+  CCalcWave::IntegTime(d.size(), d.data(), d.data(), 1.0);
+  return d;
+}
+
+/// A candidate on one side: the move and how far it can go within the limits.
+struct Reach {
+  const Move* move = nullptr;
+  double up = 0.0;
+  double down = 0.0;
+};
+
+/// How far a move that begins at sample `first`, or ends at it mirrored, can go on top of c.
+Reach ReachOf(const Move& move, bool post, const Wave& c, const Limits& limits) {
+  double up = HUGE_VAL;
+  double down = -HUGE_VAL;
+  const std::size_t N = c.size();
+  for (std::size_t j = 0; j < move.shape.size(); ++j) {
+    const double m = move.shape[j];
+    if (m == 0.0) continue;
+    const std::size_t i = post ? N - 1 - j : j;
+    const double toHi = (limits.hi[i] - c[i]) / m;
+    const double toLo = (limits.lo[i] - c[i]) / m;
+    up = std::min(up, m > 0.0 ? toHi : toLo);
+    down = std::max(down, m > 0.0 ? toLo : toHi);
+  }
+  return {&move, std::max(up, 0.0), std::min(down, 0.0)};
+}
+
+/// The candidates of one side with the largest reach up; the move of nothing, if there is none.
+std::vector<Reach> BestReaches(const std::vector<Move>& moves, bool post, const Wave& c,
+                               const Limits& limits, int top) {
+  std::vector<Reach> reaches;
+  for (const Move& move : moves) reaches.push_back(ReachOf(move, post, c, limits));
+  std::stable_sort(reaches.begin(), reaches.end(),
+                   [](const Reach& a, const Reach& b) { return a.up > b.up; });
+  if (reaches.size() > At(top)) reaches.resize(At(top));
+  if (reaches.empty()) reaches.emplace_back();
+  return reaches;
+}
+
+/// The displacement of a move at sample i of N, in the place where it lies.
+double TravelAt(const Move* move, bool post, std::size_t i, std::size_t N) {
+  if (move == nullptr) return 0.0;
+  const std::size_t j = post ? N - 1 - i : i;
+  const double travelled = j < move->travel.size() ? move->travel[j] : 1.0;
+  return post ? travelled - 1.0 : travelled;  // mirrored in time, it ends at -1
+}
+
+struct Extremes {
+  double low, high;
+  double Stroke(double lead) const { return std::max(high, -lead * low); }
+};
+
+/// The extremes of base + h w.
+Extremes ExtremesOf(const Wave& base, const Wave& w, double h) {
+  constexpr std::size_t kLanes = 8;  // one running extreme alone waits for itself at every sample
+  std::array<double, kLanes> high{};
+  std::array<double, kLanes> low{};
+  high.fill(-HUGE_VAL);
+  low.fill(HUGE_VAL);
+  const auto take = [&](std::size_t lane, std::size_t i) {
+    const double y = base[i] + h * w[i];
+    high[lane] = y > high[lane] ? y : high[lane];
+    low[lane] = y < low[lane] ? y : low[lane];
+  };
+  std::size_t i = 0;
+  for (; i + kLanes <= base.size(); i += kLanes) {
+    for (std::size_t lane = 0; lane < kLanes; ++lane) take(lane, i + lane);
+  }
+  for (; i < base.size(); ++i) take(0, i);
+  return {*std::min_element(low.begin(), low.end()), *std::max_element(high.begin(), high.end())};
+}
+
+/// The least of a convex function on [a, b], by golden section.
+template <class F>
+double Minimise(double a, double b, F f) {
+  constexpr double kGolden = 0.6180339887498949;
+  constexpr int kSteps = 28;
+  double left = b - kGolden * (b - a);
+  double right = a + kGolden * (b - a);
+  double atLeft = f(left);
+  double atRight = f(right);
+  for (int step = 0; step < kSteps; ++step) {
+    if (atLeft <= atRight) {
+      b = right;
+      right = left;
+      atRight = atLeft;
+      left = b - kGolden * (b - a);
+      atLeft = f(left);
+    } else {
+      a = left;
+      left = right;
+      atLeft = atRight;
+      right = a + kGolden * (b - a);
+      atRight = f(right);
+    }
+  }
+  return atLeft <= atRight ? left : right;
+}
+
+/// The best factors for one pair of moves.
+MovesFound Pair(const Reach& pre, const Reach& post, const Wave& d, const MoveRules& rules) {
+  const std::size_t N = d.size();
+  const double gap = -d.back();
+  MovesFound found{.pre = pre.move, .post = post.move};
+  double low = std::max(pre.down, post.down + gap);
+  double high = std::min(pre.up, post.up + gap);
+  const double scale =
+      std::max(*std::max_element(d.begin(), d.end()), -*std::min_element(d.begin(), d.end()));
+  found.home = low - high <= 1e-9 * scale;
+  if (low > high) low = high = 0.5 * (low + high);
+
+  const auto sampled = [&](std::size_t stride, Wave* base, Wave* w) {
+    base->clear();
+    w->clear();
+    for (std::size_t i = 0; i < N; i += stride) {
+      const double post2 = TravelAt(post.move, true, i, N);
+      base->push_back(d[i] - gap * post2);
+      w->push_back(TravelAt(pre.move, false, i, N) + post2);
+    }
+  };
+  Wave base;
+  Wave w;
+  const std::size_t stride = std::max<std::size_t>(1, N / 1024);
+  sampled(stride, &base, &w);
+  found.h1 =
+      Minimise(low, high, [&](double h) { return ExtremesOf(base, w, h).Stroke(rules.lead); });
+  found.h2 = found.h1 - gap;
+  if (stride != 1) sampled(1, &base, &w);
+  const Extremes reached = ExtremesOf(base, w, found.h1);
+  found.stroke = reached.Stroke(rules.lead);
+  found.swing = reached.high - reached.low;
+  return found;
+}
+
+double AccelerationOf(const MovesFound& found) {
+  return std::max(found.pre != nullptr ? std::fabs(found.h1) * found.pre->peak : 0.0,
+                  found.post != nullptr ? std::fabs(found.h2) * found.post->peak : 0.0);
+}
+
+}  // namespace
+
+Move MakeMove(int64 n, double part) {
+  const auto length = static_cast<double>(n);
+  // Rounded half up; both halves have at least three samples.
+  const int64 n1 = std::clamp<int64>(static_cast<int64>(std::floor(length * part + 0.5)), 3, n - 3);
+  const int64 n2 = n - n1;
+  Move move{n, 0.0, Wave(At(n) + 1), {}};
+  const auto half = [&](int64 from, int64 count, double sign) {
+    const auto samples = static_cast<double>(count);
+    const double amplitude = sign * (2.0 * std::tan(common::kPi / (2.0 * samples)) / length);
+    for (int64 j = 1; j < count; ++j) {
+      move.shape[At(from + j)] =
+          amplitude * std::sin(common::kPi * static_cast<double>(j) / samples);
+    }
+    move.peak = std::max(move.peak, std::fabs(amplitude));
+  };
+  half(0, n1, 1.0);
+  half(n1, n2, -1.0);
+  move.travel = DisplacementOf(move.shape);
+  return move;
+}
+
+std::vector<Move> MakeMoves(std::span<const double> lengths, std::span<const double> parts,
+                            int64 room) {
+  std::vector<Move> moves;
+  std::vector<int64> made;
+  for (const double length : lengths) {
+    if (!(length >= static_cast<double>(kShortest))) continue;
+    const int64 n = std::min(static_cast<int64>(length), room);
+    if (n < kShortest || std::find(made.begin(), made.end(), n) != made.end()) continue;
+    made.push_back(n);
+    for (const double part : parts) moves.push_back(MakeMove(n, part));
+  }
+  return moves;
+}
+
+MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
+                     const MoveRules& rules) {
+  const Wave d = DisplacementOf(c);
+  std::vector<MovesFound> pairs;
+  for (const Reach& pre : BestReaches(moves.pre, false, c, limits, rules.top)) {
+    for (const Reach& post : BestReaches(moves.post, true, c, limits, rules.top)) {
+      pairs.push_back(Pair(pre, post, d, rules));
+    }
+  }
+  const auto better = [](const MovesFound& a, const MovesFound& b) {
+    return a.home != b.home ? a.home : a.stroke < b.stroke;
+  };
+  const MovesFound best = *std::min_element(pairs.begin(), pairs.end(), better);
+  MovesFound gentlest = best;
+  for (const MovesFound& pair : pairs) {
+    if (pair.home == best.home && pair.stroke <= best.stroke * (1.0 + rules.gentle) &&
+        AccelerationOf(pair) < AccelerationOf(gentlest)) {
+      gentlest = pair;
+    }
+  }
+  return gentlest;
+}
+
+void AddMoves(const MovesFound& found, Wave* c) {
+  const std::size_t N = c->size();
+  if (found.pre != nullptr) {
+    const Wave& m = found.pre->shape;
+    for (std::size_t j = 0; j < m.size(); ++j) (*c)[j] += found.h1 * m[j];
+  }
+  if (found.post != nullptr) {
+    const Wave& m = found.post->shape;
+    for (std::size_t j = 0; j < m.size(); ++j) (*c)[N - 1 - j] += found.h2 * m[j];
+  }
+}
+
+MoveSet MovesAround(const Pulse& pulse, std::span<const double> parts) {
+  constexpr std::array kShares{1.0, 0.85, 0.7, 0.55, 0.42, 0.3};
+  const auto side = [&](int64 room) {
+    std::array<double, kShares.size()> lengths{};
+    for (std::size_t i = 0; i < lengths.size(); ++i)
+      lengths[i] = kShares[i] * static_cast<double>(room);
+    return MakeMoves(lengths, parts, room);
+  };
+  return {side(pulse.at.iS - 1), side(pulse.N() - 2 - pulse.at.iE)};
+}
+
+void CentreStroke(const Pulse& pulse, const Settings& settings, Wave* best) {
+  constexpr std::array kParts{1.0 / 2, 1.0 / 3};
+  constexpr int kRounds = 2;
+  const MoveSet moves = MovesAround(pulse, kParts);
+  const Limits limits = LimitsInForce(pulse, settings.pre, settings.post, 1.0).Scaled(0.999);
+  const MoveRules rules{.lead = settings.HasSideTest() ? 1.002 : 1.0, .top = 6, .gentle = 0.003};
+  for (int round = 0; round < kRounds; ++round) {
+    const Wave d = DisplacementOf(*best);
+    const double before = ExtremesOf(d, d, 0.0).Stroke(rules.lead);
+    const MovesFound found = BestMoves(*best, limits, moves, rules);
+    if (!found.home || !(found.stroke < before)) return;
+    Wave moved(*best);
+    AddMoves(found, &moved);
+    if (!InTolerance(moved.data(), pulse.upper.data(), pulse.lower.data(), pulse.N(), pulse.at.iS,
+                     pulse.at.iE, settings.pre, settings.post, kLeastLimit)) {
+      return;
+    }
+    std::swap(*best, moved);
+  }
+}
+
+}  // namespace qarv::wave_def::compensation

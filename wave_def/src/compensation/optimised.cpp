@@ -1,0 +1,386 @@
+// The optimised compensation.
+//
+//   kappa   level of the pulses, a share of their limits
+//   mu      how far the main pulse is lowered towards its lower limit
+//   f       flat part of the pulses as a multiple of their taper
+//   T       area of the lowered pulse, which the two compensation pulses cancel
+//   n1, n2  their lengths [sample]
+#include "compensation/optimised.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "common/numeric/constants.h"
+#include "compensation/drawing.h"
+#include "compensation/moves.h"
+#include "compensation/preparation.h"
+#include "compensation/tolerance.h"
+
+namespace qarv::wave_def::compensation {
+
+namespace {
+
+using Def = CWaveDefClassical;
+using Std = CWaveDefTolSpecify;
+
+std::size_t At(int64 i) { return static_cast<std::size_t>(i); }
+
+/// How much of the tolerance a plan spends.
+struct Spending {
+  double f, kappa, mu;
+  bool operator==(const Spending&) const = default;
+};
+
+/// Lowering of the main pulse with OptRatLevel 0: capped and narrow bands leave less.
+double LeastLowering(const Settings& s) {
+  const bool base23 = s.base == Std::BASE_STD_2 || s.base == Std::BASE_STD_3;
+  switch (s.shape) {
+    case wave_def_sub::HALF_SINE:
+      if (s.kind == Def::TOL_FIXED_7 || s.kind == Def::TOL_FIXED_8 || s.kind == Def::TOL_FIXED_9 ||
+          base23 || s.base == Std::BASE_STD_4) {
+        return 0.3;
+      }
+      return s.kind == Def::TOL_FIXED_5 || s.base == Std::BASE_STD_5 ? 0.4 : 0.5;
+    case wave_def_sub::TERMINAL_PEAK_SAWTOOTH:
+      if (s.kind == Def::TOL_FIXED_5 || s.kind == Def::TOL_FIXED_7 || s.kind == Def::TOL_FIXED_8 ||
+          base23 || s.base == Std::BASE_STD_5) {
+        return 0.3;
+      }
+      return 0.4;
+    case wave_def_sub::TRAPEZOID:
+      return 0.2;
+    case wave_def_sub::USER_TRAPEZOID:
+      return 0.25;
+    case wave_def_sub::TRIANGLE:
+      return 0.5;
+    case wave_def_sub::HAVERSINE:
+      return 0.6;
+  }
+  return 0.0;
+}
+
+/// The spending that OptRatLevel asks for, between near nominal (0) and least stroke (1).
+Spending SpendingOf(const Settings& s) {
+  const double rho = s.optRatLevel >= 0.0 ? std::min(s.optRatLevel, 1.0) : 0.0;  // a NaN is 0
+  const auto blend = [rho](double x0, double x1) { return x0 + (x1 - x0) * rho; };
+  const bool steep = s.shape == wave_def_sub::TRAPEZOID || s.shape == wave_def_sub::USER_TRAPEZOID;
+  return {blend(1.0, 4.0), blend(s.HasSideTest() || steep ? 0.9 : 0.75, 0.97),
+          blend(LeastLowering(s), 0.96)};
+}
+
+/// The main pulse lowered towards its lower limit: its top stays, and it still rises to one peak
+/// and falls.
+Wave LoweredPulse(const Pulse& pulse, double mu) {
+  const auto first = pulse.wave.begin() + pulse.at.iS;
+  const auto last = pulse.wave.begin() + pulse.at.iE;
+  const int64 peak = std::max_element(first, last + 1) - pulse.wave.begin();
+  // The lower band, no higher than the wave, with its notches filled towards the peak.
+  Wave floor(pulse.wave.size());
+  for (int64 i = pulse.at.iS; i <= pulse.at.iE; ++i) {
+    const double lower = pulse.lower[At(i)];
+    floor[At(i)] = lower == kNoLimit ? pulse.wave[At(i)] : std::min(lower, pulse.wave[At(i)]);
+  }
+  for (int64 i = pulse.at.iS + 1; i <= peak; ++i)
+    floor[At(i)] = std::max(floor[At(i)], floor[At(i - 1)]);
+  for (int64 i = pulse.at.iE - 1; i > peak; --i)
+    floor[At(i)] = std::max(floor[At(i)], floor[At(i + 1)]);
+  Wave m(pulse.wave);
+  for (int64 i = pulse.at.iS; i <= pulse.at.iE; ++i) {
+    const double x = std::clamp(pulse.wave[At(i)] / pulse.A, 0.0, 1.0);
+    const double x2 = x * x;
+    const double x4 = x2 * x2;
+    const double x8 = x4 * x4;
+    m[At(i)] -= mu * (1.0 - x8 * x8) * std::max(0.0, pulse.wave[At(i)] - floor[At(i)]);
+  }
+  return m;
+}
+
+/// The compensation pulse of one side, along the profile of its limits.
+class Side {
+ public:
+  Side() = default;
+  /// @param[in] profile  limits from the inner end outwards
+  Side(Wave profile, double f) : profile_(std::move(profile)), f_(f), sums_(profile_.size() + 1) {
+    for (std::size_t j = 0; j < profile_.size(); ++j) sums_[j + 1] = sums_[j] + profile_[j];
+  }
+
+  int64 Longest() const { return static_cast<int64>(profile_.size()); }
+  int64 TaperOf(int64 n) const {
+    const auto t = static_cast<int64>(std::floor(static_cast<double>(n) / (f_ + 1.0) + 0.5));
+    return std::min(n, std::max<int64>(1, t));
+  }
+  double AreaOf(int64 n) const {
+    if (n <= 0) return 0.0;
+    const int64 t = TaperOf(n);
+    double area = sums_[At(n - t)];
+    for (int64 k = 0; k < t; ++k) area += profile_[At(n - t + k)] * Window(k, t);
+    return area;
+  }
+  /// The least length with at least this area; one more than the longest, if there is none.
+  int64 LengthFor(double area) const {
+    int64 low = 0;
+    int64 high = Longest() + 1;
+    while (high - low > 1) {
+      const int64 middle = low + (high - low) / 2;
+      (AreaOf(middle) >= area ? high : low) = middle;
+    }
+    return high;
+  }
+  /// The value at sample j of a pulse of n samples.
+  double ValueAt(int64 j, int64 n) const {
+    const int64 t = TaperOf(n);
+    return j < n - t ? profile_[At(j)] : profile_[At(j)] * Window(j - (n - t), t);
+  }
+  /// The least value over the flat part; over the first sample, where there is no flat part.
+  double LevelOf(int64 n) const {
+    if (n <= 0) return 0.0;
+    const auto flat = std::max<int64>(1, n - TaperOf(n));
+    return *std::min_element(profile_.begin(), profile_.begin() + flat);
+  }
+
+ private:
+  static double Window(int64 k, int64 t) {
+    return 0.5 + 0.5 * std::cos(static_cast<double>(k) * common::kPi / static_cast<double>(t));
+  }
+
+  Wave profile_;
+  double f_ = 0.0;
+  Wave sums_;  // of the profile
+};
+
+/// Two pulses: lengths and scales.
+struct Lengths {
+  int64 n1, n2;
+  double s1, s2;
+};
+
+/// One plan that was built: the attempt and how good it is.
+struct Plan {
+  Attempt attempt;
+  double stroke;  // largest |displacement|
+  bool centred;
+};
+
+/// Builds the plans of one pulse in one place.
+class Planner {
+ public:
+  Planner(const Pulse& pulse, const Settings& settings, const Spending& spending)
+      : pulse_(pulse),
+        settings_(settings),
+        lowered_(LoweredPulse(pulse, spending.mu)),
+        limits_(LimitsInForce(pulse, settings.pre, settings.post, kLeastLimit)) {
+    for (const double v : lowered_) T_ += v;
+    const auto profile = [&](int64 first, int64 step, int64 count) {
+      Wave out;
+      for (int64 j = 0; j < count; ++j) {
+        // A side without limits has those of its scale.
+        const double widest =
+            pulse.A * std::max(std::fabs(step < 0 ? settings.pre : settings.post), kLeastLimit);
+        out.push_back(spending.kappa * std::min(-limits_.lo[At(first + step * j)], widest));
+      }
+      return out;
+    };
+    // The frame's first and last sample stay free.
+    Wave pre = profile(pulse.at.iPS - 1, -1, std::min(pulse.at.iPS, pulse.N()) - 1);
+    Wave post = profile(pulse.at.iPE + 1, 1, pulse.N() - 2 - std::max<int64>(pulse.at.iPE, -1));
+    if (settings.IsSymmetric()) {
+      const std::size_t n = std::min(pre.size(), post.size());
+      pre.resize(n);
+      post.resize(n);
+      for (std::size_t j = 0; j < n; ++j) pre[j] = post[j] = std::min(pre[j], post[j]);
+    }
+    limits_ = limits_.Scaled(0.985);
+    pre_ = Side(std::move(pre), spending.f);
+    post_ = Side(std::move(post), spending.f);
+  }
+
+  /// The plan with the least stroke; nothing if the table cannot be brought home.
+  /// @param[in] coarse  down to N / 64 samples only, to compare places
+  std::optional<Plan> Build(bool coarse) const {
+    std::optional<Plan> best;
+    const auto trial = [&](int64 n1) {
+      auto plan = TryLengths(LengthsFor(n1));
+      const double stroke = plan ? plan->stroke : HUGE_VAL;
+      if (plan && (!best || stroke < best->stroke)) best = std::move(plan);
+      return stroke;
+    };
+    if (settings_.IsSymmetric()) {
+      const int64 n = pre_.LengthFor(T_ / 2.0);
+      if (n > pre_.Longest()) return std::nullopt;
+      const double s = T_ / 2.0 / pre_.AreaOf(n);
+      return TryLengths({n, n, s, s});
+    }
+    // From the shortest pre pulse that leaves the post side what it can take, to the one that takes
+    // all.
+    int64 low = 0;
+    if (post_.AreaOf(post_.Longest()) < T_)
+      low = pre_.LengthFor(T_ - post_.AreaOf(post_.Longest()));
+    int64 high = std::min(pre_.LengthFor(T_), pre_.Longest());
+    if (low > pre_.Longest() || low > high) return std::nullopt;
+    const int64 finest = coarse ? std::max<int64>(4, pulse_.N() / 64) : 4;
+    while (high - low > finest) {
+      const int64 third = (high - low) / 3;
+      if (trial(low + third) <= trial(high - third)) {
+        high -= third;
+      } else {
+        low += third;
+      }
+    }
+    trial(low);
+    trial((low + high) / 2);
+    trial(high);
+    return best;
+  }
+
+ private:
+  Lengths LengthsFor(int64 n1) const {
+    const double area1 = pre_.AreaOf(n1);
+    if (area1 > T_) return {n1, 0, T_ / area1, 0.0};
+    const int64 n2 = post_.LengthFor(T_ - area1);
+    if (n2 > post_.Longest()) return {n1, -1, 0.0, 0.0};
+    return {n1, n2, 1.0, n2 != 0 ? (T_ - area1) / post_.AreaOf(n2) : 0.0};
+  }
+
+  /// Moves that lie clear of the pulse of n samples, or reach under its taper.
+  static std::vector<Move> MovesBeside(const Side& side, int64 n, int64 room) {
+    const auto clear = static_cast<double>(room - n);
+    const auto t = static_cast<double>(n > 0 ? side.TaperOf(n) : 0);
+    const std::array lengths{clear, 0.7 * clear, clear + 0.35 * t, clear + 0.7 * t, clear + t};
+    constexpr std::array kParts{0.5};
+    return MakeMoves(lengths, kParts, room);
+  }
+
+  std::optional<Plan> TryLengths(const Lengths& n) const {
+    if (n.n2 < 0) return std::nullopt;
+    Plan plan{{pulse_, lowered_, {}, 0}, 0.0, false};
+    Wave& comp = plan.attempt.comp;
+    double sum1 = 0.0;
+    double sum2 = 0.0;
+    for (int64 j = 0; j < n.n1; ++j) {
+      const double v = n.s1 * pre_.ValueAt(j, n.n1);
+      comp[At(pulse_.at.iPS - 1 - j)] -= v;
+      sum1 += v;
+    }
+    for (int64 j = 0; j < n.n2; ++j) {
+      const double v = n.s2 * post_.ValueAt(j, n.n2);
+      comp[At(pulse_.at.iPE + 1 + j)] -= v;
+      sum2 += v;
+    }
+    const MoveSet moves{
+        MovesBeside(pre_, n.n1, std::min(pulse_.at.iPS, pulse_.at.iS) - 1),
+        MovesBeside(post_, n.n2, pulse_.N() - 2 - std::max(pulse_.at.iPE, pulse_.at.iE))};
+    const MoveRules rules{.lead = settings_.HasSideTest() ? 1.02 : 1.0, .top = 2, .gentle = 0.0};
+    const MovesFound found = BestMoves(comp, limits_, moves, rules);
+    if (!found.home) return std::nullopt;
+    AddMoves(found, &comp);
+    const double S = SampleSum(pulse_.wave.data(), static_cast<uint64>(pulse_.at.iS),
+                               static_cast<uint64>(pulse_.at.iE));
+    plan.attempt.drawn = {n.s1 * pre_.LevelOf(n.n1) / pulse_.A,
+                          n.s2 * post_.LevelOf(n.n2) / pulse_.A, sum1 / S, sum2 / S};
+    plan.stroke = found.stroke;
+    plan.centred = found.stroke <= 0.53 * found.swing;
+    return plan;
+  }
+
+  const Pulse& pulse_;
+  const Settings& settings_;
+  Wave lowered_;
+  Limits limits_;
+  double T_ = 0.0;
+  Side pre_, post_;
+};
+
+/// The plan in one place.
+std::optional<Plan> PlanAt(const Pulse& pulse, const Settings& settings, const Spending& spending,
+                           int64 shift, bool coarse) {
+  const int64 N = pulse.N();
+  const Place at = pulse.at.Shifted(shift);
+  if (at.iS < 1 || at.iE > N - 2 || at.iPS < 1 || at.iPE > N - 2) return std::nullopt;
+  const Pulse shifted = ShiftedBy(pulse, shift);
+  auto plan = Planner(shifted, settings, spending).Build(coarse);
+  if (plan) plan->attempt.shift = shift;
+  return plan;
+}
+
+/// The plan in the place of least stroke; of nearly equal ones the least shift.
+std::optional<Plan> PlanAnywhere(const Pulse& pulse, const Settings& settings,
+                                 const Spending& spending) {
+  const int64 N = pulse.N();
+  std::vector<std::pair<int64, double>> tried;
+  const auto strokeAt = [&](int64 shift) {
+    for (const auto& [known, stroke] : tried) {
+      if (known == shift) return stroke;
+    }
+    const auto plan = PlanAt(pulse, settings, spending, shift, true);
+    tried.emplace_back(shift, plan ? plan->stroke : HUGE_VAL);
+    return tried.back().second;
+  };
+  int64 step = std::max<int64>(1, N / 16);
+  int64 best = 0;
+  for (int64 k = -7; k <= 7; ++k) {
+    if (strokeAt(k * step) < strokeAt(best)) best = k * step;
+  }
+  if (strokeAt(best) == HUGE_VAL) return std::nullopt;
+  while (step > std::max<int64>(1, N / 256)) {
+    step /= 2;
+    for (const int64 shift : {best - step, best + step}) {
+      if (strokeAt(shift) < strokeAt(best)) best = shift;
+    }
+  }
+  const double nearly = 1.03 * strokeAt(best);
+  for (const auto& [shift, stroke] : tried) {
+    if (stroke <= nearly && std::abs(shift) < std::abs(best)) best = shift;
+  }
+  return PlanAt(pulse, settings, spending, best, false);
+}
+
+}  // namespace
+
+void TryOptimised(const Pulse& pulse, const Settings& settings,
+                  const std::function<bool(const Attempt&)>& accept) {
+  const Spending asked = SpendingOf(settings);
+  const double kappa = asked.kappa;
+  const double mu = asked.mu;
+  struct Rung {
+    Spending spending;
+    bool anywhere;
+  };
+  const std::array<Rung, 12> ladder{{
+      {asked, false},
+      {{4.0, kappa, mu}, false},
+      {{4.0, 0.97, mu}, false},
+      {{12.0, 0.97, mu}, false},
+      {asked, true},
+      {{4.0, kappa, mu}, true},
+      {{4.0, 0.97, mu}, true},
+      {{12.0, 0.97, mu}, true},
+      {{4.0, 0.97, 0.96}, false},
+      {{12.0, 0.97, 0.96}, false},
+      {{4.0, 0.97, 0.96}, true},
+      {{12.0, 0.97, 0.96}, true},
+  }};
+  std::vector<Plan> aside;  // plans that are not centred
+  for (std::size_t i = 0; i < ladder.size(); ++i) {
+    const auto same = [&](const Rung& r) {
+      return r.spending == ladder[i].spending && r.anywhere == ladder[i].anywhere;
+    };
+    if (std::any_of(ladder.begin(), ladder.begin() + static_cast<std::ptrdiff_t>(i), same))
+      continue;
+    auto plan = ladder[i].anywhere ? PlanAnywhere(pulse, settings, ladder[i].spending)
+                                   : PlanAt(pulse, settings, ladder[i].spending, 0, false);
+    if (!plan) continue;
+    if (!plan->centred) {
+      aside.push_back(std::move(*plan));
+    } else if (accept(plan->attempt)) {
+      return;
+    }
+  }
+  std::stable_sort(aside.begin(), aside.end(),
+                   [](const Plan& a, const Plan& b) { return a.stroke < b.stroke; });
+  for (const Plan& plan : aside) {
+    if (accept(plan.attempt)) return;
+  }
+}
+
+}  // namespace qarv::wave_def::compensation

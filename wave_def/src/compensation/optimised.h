@@ -1,0 +1,23 @@
+// The optimised compensation: the pulse itself gives up what its tolerance allows, and the
+// compensation follows the bands.
+//
+// The stroke grows with the square of the pulse's velocity change, and the lower band lets that
+// fall.  So the main pulse is lowered towards its lower limit, its peak and its rise and fall kept;
+// the pulses before and after it follow the profile of their limits; their lengths share the
+// velocity so that both sides of the stroke are equal; and moves of the table centre it.
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "compensation/problem.h"
+
+namespace qarv::wave_def::compensation {
+
+/// Builds optimised attempts one by one, from the closest to the nominal pulse to the one that
+/// spends most of its tolerance, and hands each to `accept` until that says stop.
+/// @param[in] accept  whether to go no further
+void TryOptimised(const Pulse& pulse, const Settings& settings,
+                  const std::function<bool(const Attempt&)>& accept);
+
+}  // namespace qarv::wave_def::compensation

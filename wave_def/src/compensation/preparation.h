@@ -1,0 +1,38 @@
+// Levels, lengths and place of the compensation pulses of the types that are drawn: ramp, cosine,
+// flat cosine.
+//
+// Before the pulse the table has to reach a velocity, after it another one, and in between the
+// shock takes it from one to the other.  The levels follow from the limits, the lengths from the
+// area that each side has to cancel; where the sides may differ, areas and first moments are
+// matched to those of the pulse exactly, so that velocity and displacement return to zero before
+// any spectrum is touched.
+#pragma once
+
+#include <optional>
+
+#include "compensation/problem.h"
+
+namespace qarv::wave_def::compensation {
+
+/// What a side has and what it needs.  [sample]
+struct Room {
+  int64 needed;  // of the last arrangement that was tried; 0 if none was
+  int64 available;
+};
+
+/// What keeps a drawn compensation from being planned.
+struct Shortage {
+  double levelPre, levelPost;  // that the limits allow [ratio to A]
+  Room pre, post;
+};
+
+/// Plans and draws a compensation of CMP_RAMP, CMP_COSINE or CMP_FLAT_COSINE.
+/// @param[out] shortage  why there is none, if it is not null
+/// @return nothing if the frame has no room for pulses of the allowed levels
+std::optional<Attempt> PrepareDrawn(const Pulse& pulse, const Settings& settings,
+                                    Shortage* shortage);
+
+/// The pulse with its bands `shift` samples later.
+Pulse ShiftedBy(const Pulse& pulse, int64 shift);
+
+}  // namespace qarv::wave_def::compensation
