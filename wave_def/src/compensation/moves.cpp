@@ -11,6 +11,7 @@
 
 #include "common/numeric/calc_wave.h"
 #include "common/numeric/constants.h"
+#include "compensation/half_cycle.h"
 
 namespace qarv::wave_def::compensation {
 
@@ -45,10 +46,11 @@ Reach ReachOf(const Move& move, bool post, const Wave& c, const Limits& limits) 
     const double m = move.shape[j];
     if (m == 0.0) continue;
     const std::size_t i = post ? N - 1 - j : j;
-    const double toHi = (limits.hi[i] - c[i]) / m;
-    const double toLo = (limits.lo[i] - c[i]) / m;
-    up = std::min(up, m > 0.0 ? toHi : toLo);
-    down = std::max(down, m > 0.0 ? toLo : toHi);
+    const double inverse = 1.0 / m;
+    const double toHi = (limits.hi[i] - c[i]) * inverse;
+    const double toLo = (limits.lo[i] - c[i]) * inverse;
+    up = std::min(up, std::max(toHi, toLo));
+    down = std::max(down, std::min(toHi, toLo));
   }
   return {&move, std::max(up, 0.0), std::min(down, 0.0)};
 }
@@ -125,36 +127,48 @@ double Minimise(double a, double b, F f) {
   return atLeft <= atRight ? left : right;
 }
 
-/// The best factors for one pair of moves.
-MovesFound Pair(const Reach& pre, const Reach& post, const Wave& d, const MoveRules& rules) {
+/// The displacement with a pair of moves, at every sample.
+Wave Moved(const Wave& d, const MovesFound& found) {
+  Wave y(d);
+  const std::size_t N = y.size();
+  if (found.pre != nullptr) {
+    const Wave& travel = found.pre->travel;
+    for (std::size_t j = 0; j < travel.size(); ++j) y[j] += found.h1 * travel[j];
+    for (std::size_t j = travel.size(); j < N; ++j) y[j] += found.h1;
+  }
+  if (found.post != nullptr) {
+    const Wave& travel = found.post->travel;
+    for (std::size_t j = 0; j < travel.size(); ++j) y[N - 1 - j] += found.h2 * (travel[j] - 1.0);
+  }
+  return y;
+}
+
+/// The best factors for one pair of moves; `scale` is the largest |displacement| without them.
+MovesFound Pair(const Reach& pre, const Reach& post, const Wave& d, double scale,
+                const MoveRules& rules) {
   const std::size_t N = d.size();
   const double gap = -d.back();
   MovesFound found{.pre = pre.move, .post = post.move};
   double low = std::max(pre.down, post.down + gap);
   double high = std::min(pre.up, post.up + gap);
-  const double scale =
-      std::max(*std::max_element(d.begin(), d.end()), -*std::min_element(d.begin(), d.end()));
   found.home = low - high <= 1e-9 * scale;
   if (low > high) low = high = 0.5 * (low + high);
 
-  const auto sampled = [&](std::size_t stride, Wave* base, Wave* w) {
-    base->clear();
-    w->clear();
-    for (std::size_t i = 0; i < N; i += stride) {
-      const double post2 = TravelAt(post.move, true, i, N);
-      base->push_back(d[i] - gap * post2);
-      w->push_back(TravelAt(pre.move, false, i, N) + post2);
-    }
-  };
+  // With h2 = h1 - gap the displacement is base + h1 w; a thousand samples of it are enough to find
+  // h1.
   Wave base;
   Wave w;
   const std::size_t stride = std::max<std::size_t>(1, N / 1024);
-  sampled(stride, &base, &w);
+  for (std::size_t i = 0; i < N; i += stride) {
+    const double behind = TravelAt(post.move, true, i, N);
+    base.push_back(d[i] - gap * behind);
+    w.push_back(TravelAt(pre.move, false, i, N) + behind);
+  }
   found.h1 =
       Minimise(low, high, [&](double h) { return ExtremesOf(base, w, h).Stroke(rules.lead); });
   found.h2 = found.h1 - gap;
-  if (stride != 1) sampled(1, &base, &w);
-  const Extremes reached = ExtremesOf(base, w, found.h1);
+  const Wave moved = Moved(d, found);
+  const Extremes reached = ExtremesOf(moved, moved, 0.0);
   found.stroke = reached.Stroke(rules.lead);
   found.swing = reached.high - reached.low;
   return found;
@@ -176,9 +190,9 @@ Move MakeMove(int64 n, double part) {
   const auto half = [&](int64 from, int64 count, double sign) {
     const auto samples = static_cast<double>(count);
     const double amplitude = sign * (2.0 * std::tan(common::kPi / (2.0 * samples)) / length);
-    for (int64 j = 1; j < count; ++j) {
-      move.shape[At(from + j)] =
-          amplitude * std::sin(common::kPi * static_cast<double>(j) / samples);
+    HalfCycle cycle(samples);
+    for (int64 j = 0; j < count; ++j, cycle.Next()) {
+      move.shape[At(from + j)] = amplitude * cycle.Sin();
     }
     move.peak = std::max(move.peak, std::fabs(amplitude));
   };
@@ -205,11 +219,12 @@ std::vector<Move> MakeMoves(std::span<const double> lengths, std::span<const dou
 MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
                      const MoveRules& rules) {
   const Wave d = DisplacementOf(c);
+  const double scale = ExtremesOf(d, d, 0.0).Stroke(1.0);
+  const auto pres = BestReaches(moves.pre, false, c, limits, rules.top);
+  const auto posts = BestReaches(moves.post, true, c, limits, rules.top);
   std::vector<MovesFound> pairs;
-  for (const Reach& pre : BestReaches(moves.pre, false, c, limits, rules.top)) {
-    for (const Reach& post : BestReaches(moves.post, true, c, limits, rules.top)) {
-      pairs.push_back(Pair(pre, post, d, rules));
-    }
+  for (const Reach& pre : pres) {
+    for (const Reach& post : posts) pairs.push_back(Pair(pre, post, d, scale, rules));
   }
   const auto better = [](const MovesFound& a, const MovesFound& b) {
     return a.home != b.home ? a.home : a.stroke < b.stroke;

@@ -11,8 +11,8 @@
 #include <array>
 #include <cmath>
 
-#include "common/numeric/constants.h"
 #include "compensation/drawing.h"
+#include "compensation/half_cycle.h"
 #include "compensation/moves.h"
 #include "compensation/preparation.h"
 #include "compensation/tolerance.h"
@@ -114,7 +114,10 @@ class Side {
     if (n <= 0) return 0.0;
     const int64 t = TaperOf(n);
     double area = sums_[At(n - t)];
-    for (int64 k = 0; k < t; ++k) area += profile_[At(n - t + k)] * Window(k, t);
+    HalfCycle taper(static_cast<double>(t));
+    for (int64 j = n - t; j < n; ++j, taper.Next()) {
+      area += profile_[At(j)] * (0.5 + 0.5 * taper.Cos());
+    }
     return area;
   }
   /// The least length with at least this area; one more than the longest, if there is none.
@@ -127,10 +130,15 @@ class Side {
     }
     return high;
   }
-  /// The value at sample j of a pulse of n samples.
-  double ValueAt(int64 j, int64 n) const {
+  /// A pulse of n samples, from its inner end outwards, scaled by s.
+  Wave Draw(int64 n, double s) const {
+    Wave pulse(profile_.begin(), profile_.begin() + std::max<int64>(n, 0));
+    for (double& v : pulse) v *= s;
+    if (n <= 0) return pulse;
     const int64 t = TaperOf(n);
-    return j < n - t ? profile_[At(j)] : profile_[At(j)] * Window(j - (n - t), t);
+    HalfCycle taper(static_cast<double>(t));
+    for (int64 j = n - t; j < n; ++j, taper.Next()) pulse[At(j)] *= 0.5 + 0.5 * taper.Cos();
+    return pulse;
   }
   /// The least value over the flat part; over the first sample, where there is no flat part.
   double LevelOf(int64 n) const {
@@ -140,10 +148,6 @@ class Side {
   }
 
  private:
-  static double Window(int64 k, int64 t) {
-    return 0.5 + 0.5 * std::cos(static_cast<double>(k) * common::kPi / static_cast<double>(t));
-  }
-
   Wave profile_;
   double f_ = 0.0;
   Wave sums_;  // of the profile
@@ -155,6 +159,12 @@ struct Lengths {
   double s1, s2;
 };
 
+/// Lengths that bring the table home, and the stroke that they take.
+struct Trial {
+  Lengths lengths;
+  double stroke;
+};
+
 /// One plan that was built: the attempt and how good it is.
 struct Plan {
   Attempt attempt;
@@ -162,7 +172,7 @@ struct Plan {
   bool centred;
 };
 
-/// Builds the plans of one pulse in one place.
+/// Finds the plan of one pulse in one place.
 class Planner {
  public:
   Planner(const Pulse& pulse, const Settings& settings, const Spending& spending)
@@ -195,42 +205,56 @@ class Planner {
     post_ = Side(std::move(post), spending.f);
   }
 
-  /// The plan with the least stroke; nothing if the table cannot be brought home.
+  /// The lengths with the least stroke; nothing if the table cannot be brought home.
   /// @param[in] coarse  down to N / 64 samples only, to compare places
-  std::optional<Plan> Build(bool coarse) const {
-    std::optional<Plan> best;
-    const auto trial = [&](int64 n1) {
-      auto plan = TryLengths(LengthsFor(n1));
-      const double stroke = plan ? plan->stroke : HUGE_VAL;
-      if (plan && (!best || stroke < best->stroke)) best = std::move(plan);
-      return stroke;
-    };
+  std::optional<Trial> Search(bool coarse) const {
     if (settings_.IsSymmetric()) {
       const int64 n = pre_.LengthFor(T_ / 2.0);
       if (n > pre_.Longest()) return std::nullopt;
       const double s = T_ / 2.0 / pre_.AreaOf(n);
-      return TryLengths({n, n, s, s});
+      return Try({n, n, s, s});
     }
     // From the shortest pre pulse that leaves the post side what it can take, to the one that takes
     // all.
-    int64 low = 0;
-    if (post_.AreaOf(post_.Longest()) < T_)
-      low = pre_.LengthFor(T_ - post_.AreaOf(post_.Longest()));
+    const double most = post_.AreaOf(post_.Longest());
+    int64 low = most < T_ ? pre_.LengthFor(T_ - most) : 0;
     int64 high = std::min(pre_.LengthFor(T_), pre_.Longest());
-    if (low > pre_.Longest() || low > high) return std::nullopt;
+    if (low > high) return std::nullopt;
+    std::optional<Trial> best;
+    const auto strokeOf = [&](int64 n1) {
+      const auto trial = Try(LengthsFor(n1));
+      if (trial && (!best || trial->stroke < best->stroke)) best = trial;
+      return trial ? trial->stroke : HUGE_VAL;
+    };
     const int64 finest = coarse ? std::max<int64>(4, pulse_.N() / 64) : 4;
     while (high - low > finest) {
       const int64 third = (high - low) / 3;
-      if (trial(low + third) <= trial(high - third)) {
+      if (strokeOf(low + third) <= strokeOf(high - third)) {
         high -= third;
       } else {
         low += third;
       }
     }
-    trial(low);
-    trial((low + high) / 2);
-    trial(high);
+    for (const int64 n1 : {low, (low + high) / 2, high}) strokeOf(n1);
     return best;
+  }
+
+  /// The attempt of the lengths that Search has found.
+  Plan Finish(const Trial& trial) const {
+    const Lengths& n = trial.lengths;
+    const Wave pre = pre_.Draw(n.n1, n.s1);
+    const Wave post = post_.Draw(n.n2, n.s2);
+    Plan plan{{pulse_, WithPulses(pre, post), {}, 0}, trial.stroke, false};
+    const MoveSet moves = MovesFor(n);
+    const MovesFound found = BestMoves(plan.attempt.comp, limits_, moves, Rules());
+    AddMoves(found, &plan.attempt.comp);
+    const double S = SampleSum(pulse_.wave.data(), static_cast<uint64>(pulse_.at.iS),
+                               static_cast<uint64>(pulse_.at.iE));
+    plan.attempt.drawn = {
+        n.s1 * pre_.LevelOf(n.n1) / pulse_.A, n.s2 * post_.LevelOf(n.n2) / pulse_.A,
+        SampleSum(pre.data(), 0, pre.size()) / S, SampleSum(post.data(), 0, post.size()) / S};
+    plan.centred = found.stroke <= 0.53 * found.swing;
+    return plan;
   }
 
  private:
@@ -238,8 +262,11 @@ class Planner {
     const double area1 = pre_.AreaOf(n1);
     if (area1 > T_) return {n1, 0, T_ / area1, 0.0};
     const int64 n2 = post_.LengthFor(T_ - area1);
-    if (n2 > post_.Longest()) return {n1, -1, 0.0, 0.0};
-    return {n1, n2, 1.0, n2 != 0 ? (T_ - area1) / post_.AreaOf(n2) : 0.0};
+    return {n1, n2, 1.0, n2 != 0 && n2 <= post_.Longest() ? (T_ - area1) / post_.AreaOf(n2) : 0.0};
+  }
+
+  MoveRules Rules() const {
+    return {.lead = settings_.HasSideTest() ? 1.02 : 1.0, .top = 2, .gentle = 0.0};
   }
 
   /// Moves that lie clear of the pulse of n samples, or reach under its taper.
@@ -250,37 +277,26 @@ class Planner {
     constexpr std::array kParts{0.5};
     return MakeMoves(lengths, kParts, room);
   }
+  MoveSet MovesFor(const Lengths& n) const {
+    return {MovesBeside(pre_, n.n1, pulse_.at.iPS - 1),
+            MovesBeside(post_, n.n2, pulse_.N() - 2 - pulse_.at.iPE)};
+  }
 
-  std::optional<Plan> TryLengths(const Lengths& n) const {
-    if (n.n2 < 0) return std::nullopt;
-    Plan plan{{pulse_, lowered_, {}, 0}, 0.0, false};
-    Wave& comp = plan.attempt.comp;
-    double sum1 = 0.0;
-    double sum2 = 0.0;
-    for (int64 j = 0; j < n.n1; ++j) {
-      const double v = n.s1 * pre_.ValueAt(j, n.n1);
-      comp[At(pulse_.at.iPS - 1 - j)] -= v;
-      sum1 += v;
-    }
-    for (int64 j = 0; j < n.n2; ++j) {
-      const double v = n.s2 * post_.ValueAt(j, n.n2);
-      comp[At(pulse_.at.iPE + 1 + j)] -= v;
-      sum2 += v;
-    }
-    const MoveSet moves{
-        MovesBeside(pre_, n.n1, std::min(pulse_.at.iPS, pulse_.at.iS) - 1),
-        MovesBeside(post_, n.n2, pulse_.N() - 2 - std::max(pulse_.at.iPE, pulse_.at.iE))};
-    const MoveRules rules{.lead = settings_.HasSideTest() ? 1.02 : 1.0, .top = 2, .gentle = 0.0};
-    const MovesFound found = BestMoves(comp, limits_, moves, rules);
+  /// The lowered pulse with its compensation.
+  Wave WithPulses(const Wave& pre, const Wave& post) const {
+    Wave comp(lowered_);
+    for (std::size_t j = 0; j < pre.size(); ++j) comp[At(pulse_.at.iPS - 1) - j] -= pre[j];
+    for (std::size_t j = 0; j < post.size(); ++j) comp[At(pulse_.at.iPE + 1) + j] -= post[j];
+    return comp;
+  }
+
+  std::optional<Trial> Try(const Lengths& n) const {
+    if (n.n1 > pre_.Longest() || n.n2 > post_.Longest()) return std::nullopt;
+    const Wave comp = WithPulses(pre_.Draw(n.n1, n.s1), post_.Draw(n.n2, n.s2));
+    const MoveSet moves = MovesFor(n);
+    const MovesFound found = BestMoves(comp, limits_, moves, Rules());
     if (!found.home) return std::nullopt;
-    AddMoves(found, &comp);
-    const double S = SampleSum(pulse_.wave.data(), static_cast<uint64>(pulse_.at.iS),
-                               static_cast<uint64>(pulse_.at.iE));
-    plan.attempt.drawn = {n.s1 * pre_.LevelOf(n.n1) / pulse_.A,
-                          n.s2 * post_.LevelOf(n.n2) / pulse_.A, sum1 / S, sum2 / S};
-    plan.stroke = found.stroke;
-    plan.centred = found.stroke <= 0.53 * found.swing;
-    return plan;
+    return Trial{n, found.stroke};
   }
 
   const Pulse& pulse_;
@@ -291,16 +307,34 @@ class Planner {
   Side pre_, post_;
 };
 
-/// The plan in one place.
-std::optional<Plan> PlanAt(const Pulse& pulse, const Settings& settings, const Spending& spending,
-                           int64 shift, bool coarse) {
+/// The pulse in another place, where there is room for it and for compensation on both sides.
+std::optional<Pulse> Placed(const Pulse& pulse, int64 shift) {
   const int64 N = pulse.N();
   const Place at = pulse.at.Shifted(shift);
   if (at.iS < 1 || at.iE > N - 2 || at.iPS < 1 || at.iPE > N - 2) return std::nullopt;
-  const Pulse shifted = ShiftedBy(pulse, shift);
-  auto plan = Planner(shifted, settings, spending).Build(coarse);
-  if (plan) plan->attempt.shift = shift;
+  return ShiftedBy(pulse, shift);
+}
+
+/// The plan in one place.
+std::optional<Plan> PlanAt(const Pulse& pulse, const Settings& settings, const Spending& spending,
+                           int64 shift) {
+  const auto placed = Placed(pulse, shift);
+  if (!placed) return std::nullopt;
+  const Planner planner(*placed, settings, spending);
+  const auto trial = planner.Search(false);
+  if (!trial) return std::nullopt;
+  Plan plan = planner.Finish(*trial);
+  plan.attempt.shift = shift;
   return plan;
+}
+
+/// The stroke that a place gives, roughly; infinite where there is no plan.
+double StrokeAt(const Pulse& pulse, const Settings& settings, const Spending& spending,
+                int64 shift) {
+  const auto placed = Placed(pulse, shift);
+  if (!placed) return HUGE_VAL;
+  const auto trial = Planner(*placed, settings, spending).Search(true);
+  return trial ? trial->stroke : HUGE_VAL;
 }
 
 /// The plan in the place of least stroke; of nearly equal ones the least shift.
@@ -312,8 +346,7 @@ std::optional<Plan> PlanAnywhere(const Pulse& pulse, const Settings& settings,
     for (const auto& [known, stroke] : tried) {
       if (known == shift) return stroke;
     }
-    const auto plan = PlanAt(pulse, settings, spending, shift, true);
-    tried.emplace_back(shift, plan ? plan->stroke : HUGE_VAL);
+    tried.emplace_back(shift, StrokeAt(pulse, settings, spending, shift));
     return tried.back().second;
   };
   int64 step = std::max<int64>(1, N / 16);
@@ -332,7 +365,7 @@ std::optional<Plan> PlanAnywhere(const Pulse& pulse, const Settings& settings,
   for (const auto& [shift, stroke] : tried) {
     if (stroke <= nearly && std::abs(shift) < std::abs(best)) best = shift;
   }
-  return PlanAt(pulse, settings, spending, best, false);
+  return PlanAt(pulse, settings, spending, best);
 }
 
 }  // namespace
@@ -368,7 +401,7 @@ void TryOptimised(const Pulse& pulse, const Settings& settings,
     if (std::any_of(ladder.begin(), ladder.begin() + static_cast<std::ptrdiff_t>(i), same))
       continue;
     auto plan = ladder[i].anywhere ? PlanAnywhere(pulse, settings, ladder[i].spending)
-                                   : PlanAt(pulse, settings, ladder[i].spending, 0, false);
+                                   : PlanAt(pulse, settings, ladder[i].spending, 0);
     if (!plan) continue;
     if (!plan->centred) {
       aside.push_back(std::move(*plan));
