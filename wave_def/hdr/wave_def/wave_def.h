@@ -183,12 +183,18 @@ class QARV_WAVE_DEF_EXPORT CWaveDef {
 
   /// Defines a classical shock pulse with its own bands; the tolerance ratios take no part.
   ///
-  /// The sample interval comes from Fmax, not from Fsamp.  The stored set is the argument as the
-  /// generation left it.
+  /// The sample interval comes from Fmax, not from Fsamp.  With AddCmp the pulse gets compensation
+  /// before and after it, so that velocity and displacement end at 0 and the whole keeps within the
+  /// bands, scaled by CmpPre and CmpPost outside the pulse.  The stored set is the argument with
+  /// the results of the compensation: levels (CmpU1, CmpU2), shares of the main area (CmpRgm1,
+  /// CmpRgm2), gain (CmpCparam) and shift (WaveShift).
   /// @param[in] def  the parameters; not this object's own set
   /// @return false if TolKind or WaveKind is not set, MainAmpl, Fmax or Nsamp is 0, the pulse or a
-  ///         band does not fit the frame, the shape does not offer the tolerance kind, or AddCmp is
-  ///         set: pulses are generated without compensation yet
+  ///         band does not fit the frame, the shape does not offer the tolerance kind, or with
+  ///         AddCmp CmpType is not set, the frame has no room for the compensation, or it does not
+  ///         keep within the bands
+  // Deliberate: after a failed compensation the arrays hold the waveform that it has come to, while
+  // the object is undefined.
   bool SetDefClassical(const CWaveDefClassical& def);
 
   /// Where the main pulse of a classical waveform lies, from its parameters: MainWidth Fsamp

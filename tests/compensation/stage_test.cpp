@@ -1,0 +1,587 @@
+// The compensation as a whole: what holds for every compensated pulse, how it fails, and how close
+// it comes to the physical limit.
+#include "compensation/stage.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "classical/classical_pipeline.h"
+#include "compensation/drawing.h"
+#include "compensation/gain_search.h"
+#include "compensation/tolerance.h"
+#include "compensation_cases.h"
+#include "expect_wave.h"
+#include "random_classical.h"
+#include "reference_tolerance.h"
+#include "value_semantics.h"
+#include "wave_def/wave_def.h"
+
+namespace qarv::wave_def::compensation {
+namespace {
+
+using test::Compensate;
+using test::CompensationCase;
+using test::Quantile;
+using test::StrokeResult;
+using Def = CWaveDefClassical;
+
+Def WithoutCompensation(Def set) {
+  set.SetAddCmp(false);
+  return set;
+}
+
+double LargestOf(const Wave& x) {
+  double largest = 0;
+  for (const double v : x) largest = std::max(largest, std::fabs(v));
+  return largest;
+}
+
+/// Where the main pulse lies, from the definition.
+Place PlaceOf(const Def& set) {
+  const double dt = 1.0 / (2.56 * set.GetFmax());
+  const double T = set.GetNsamp() * dt;
+  const auto centre =
+      static_cast<int64>(std::floor((set.GetMainShift() * T + T * 0.5) / dt + 0.001));
+  const auto half = static_cast<int64>(std::floor(set.GetMainWidth() * 0.5 / dt));
+  return {centre - half, centre + half,
+          centre - half - static_cast<int64>(std::floor(set.GetRestPre() / dt)),
+          centre + half + static_cast<int64>(std::floor(set.GetRestPost() / dt))};
+}
+
+/// Sum and first moment about the middle of the frame.
+std::pair<double, double> MomentsOf(const Wave& x) {
+  double sum = 0;
+  double moment = 0;
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    sum += x[i];
+    moment += (static_cast<double>(i) - static_cast<double>(x.size()) / 2) * x[i];
+  }
+  return {sum, moment};
+}
+
+/// The pulses of the types that are drawn, from what the definition reports of them.
+Wave DrawnPulses(const Def& params, const Wave& nominal, double A, const Place& at) {
+  Wave target(nominal.size());
+  const auto iPre = static_cast<uint64>(at.iPS);
+  const auto iPost = static_cast<uint64>(at.iPE);
+  if (params.GetCmpType() == Def::CMP_RAMP) {
+    DrawRampCompensation(target.data(), target.size(), A, iPre, iPost, params.GetCmpU1(),
+                         params.GetCmpU2());
+  } else {
+    const double f = params.GetCmpType() == Def::CMP_COSINE ? 0.0 : 1.0;
+    const double S =
+        SampleSum(nominal.data(), static_cast<uint64>(at.iS), static_cast<uint64>(at.iE));
+    DrawCosineCompensation(target.data(), target.size(), A, S, iPre, iPost,
+                           {params.GetCmpU1(), params.GetCmpRgm1(), f},
+                           {params.GetCmpU2(), params.GetCmpRgm2(), f});
+  }
+  return target;
+}
+
+/// What holds for every compensated pulse.
+void ExpectHardRules(const Def& set, const StrokeResult& result) {
+  const StrokeResult nominal = Compensate(WithoutCompensation(set));
+  ASSERT_TRUE(nominal.done);
+  const auto N = static_cast<int64>(set.GetNsamp());
+  const Def& params = result.params;
+  const double shifted = params.GetWaveShift() * static_cast<double>(N);
+  const auto shift = static_cast<int64>(std::llround(shifted));
+  EXPECT_NEAR(shifted, static_cast<double>(shift), 1e-9) << "a whole number of samples";
+  const Place at = PlaceOf(set).Shifted(shift);
+  const double A = ExtremeOf(nominal.wave.data(), at.iS - shift, at.iE - shift);
+  const Wave& w = result.wave;
+  for (const Wave* array : {&result.wave, &result.upper, &result.lower}) {
+    for (const double v : *array) ASSERT_TRUE(std::isfinite(v));
+  }
+
+  // The table ends at rest where it began, by either rule of integration.
+  EXPECT_LE(result.endVelocity, 1e-9);
+  EXPECT_LE(result.endDisplacement, 1e-9);
+  Wave velocity(w);
+  for (std::size_t i = 1; i < w.size(); ++i) velocity[i] += velocity[i - 1];
+  Wave displacement(velocity);
+  for (std::size_t i = 1; i < w.size(); ++i) displacement[i] += displacement[i - 1];
+  EXPECT_LE(std::fabs(velocity.back()), 1e-9 * LargestOf(velocity));
+  EXPECT_LE(std::fabs(displacement.back()), 1e-9 * LargestOf(displacement));
+  EXPECT_LE(std::fabs(w.front()), 1e-9 * std::fabs(A));
+  EXPECT_LE(std::fabs(w.back()), 1e-9 * std::fabs(A));
+
+  EXPECT_NEAR(ExtremeOf(w.data(), at.iS, at.iE) / A, 1.0, 1e-12);
+  EXPECT_TRUE(test::ReferenceInTolerance(w, &result.upper, &result.lower, at.iS, at.iE,
+                                         set.GetCmpPre(), set.GetCmpPost(), 0.01));
+  Wave upper(nominal.upper);
+  Wave lower(nominal.lower);
+  ShiftWithHold(upper.data(), upper.size(), shift);
+  ShiftWithHold(lower.data(), lower.size(), shift);
+  test::ExpectSameWave(result.upper, upper);
+  test::ExpectSameWave(result.lower, lower);
+
+  const bool twoSided = set.GetCmpPre() != 0 && set.GetCmpPost() != 0;
+  if (!set.GetCmpNonSym() && twoSided && set.GetCmpType() != Def::CMP_OPTIMIZED) {
+    EXPECT_EQ(params.GetCmpU1(), params.GetCmpU2());
+    if (set.GetCmpType() != Def::CMP_RAMP) {
+      EXPECT_EQ(params.GetCmpRgm1(), params.GetCmpRgm2());
+    }
+  }
+  if (set.GetCmpType() != Def::CMP_OPTIMIZED) {
+    Wave moved(nominal.wave);
+    ShiftWithHold(moved.data(), moved.size(), shift);
+    const Wave pulses = DrawnPulses(params, moved, A, at);
+    const auto [waveSum, waveMoment] = MomentsOf(moved);
+    const auto [sum, moment] = MomentsOf(pulses);
+    EXPECT_NEAR(sum / waveSum, -1.0, 1e-9) << "the drawn pulses cancel the area";
+    if (set.GetCmpNonSym() && twoSided) {
+      EXPECT_LE(std::fabs(moment + waveMoment), 1e-9 * std::fabs(waveSum) * static_cast<double>(N));
+    }
+  }
+
+  const StrokeResult again = Compensate(set);
+  EXPECT_EQ(again.wave, w) << "the same call gives the same bits";
+  EXPECT_EQ(test::RecordOf(again.params), test::RecordOf(params));
+}
+
+/// A definition that asks for compensation, mostly with room for it.
+Def RandomCompensated(test::RandomValues* random, unsigned int longest) {
+  using namespace wave_def_sub;
+  Def set;
+  const auto shape = static_cast<WAVE_KIND>(1 + random->Below(6));
+  set.SetWaveKind(shape);
+  set.SetMainAmpl(random->Between(0.5, 100));
+  set.SetNsamp(static_cast<unsigned int>(
+      std::exp(random->Between(std::log(16.0), std::log(static_cast<double>(longest))))));
+  set.SetFmax(1000 / 2.56);
+  set.SetMainWidth(set.GetNsamp() / random->Between(4, 40) / 1000);
+  set.SetMainRise(random->Between(0.05, 0.4));
+  set.SetMainFall(random->Between(0.05, 0.4));
+  set.SetMainShift(random->OneIn(2) ? 0.0 : random->Between(-0.1, 0.1));
+  if (random->OneIn(3)) set.SetRestPre(random->Between(0, 0.3) * set.GetMainWidth());
+  if (random->OneIn(3)) set.SetRestPost(random->Between(0, 0.3) * set.GetMainWidth());
+  CWaveDefTolUserDef user;
+  const auto level = [&] { return random->Between(0.02, 0.3); };
+  user.SetTolLeftU(level());
+  user.SetTolLeftL(level());
+  user.SetTolFrontA(random->OneIn(2) ? 0.0 : level());
+  user.SetTolMainU(level());
+  user.SetTolMainL(level());
+  user.SetTolRightU(level());
+  user.SetTolRightL(level());
+  user.SetTolRearA(random->OneIn(2) ? 0.0 : level());
+  set.SetTolKind(Def::TOL_USER_DEF);
+  set.SetDefTolUserDef(user);
+  set.SetTolKind(Def::TOL_SPECIFY);
+  CWaveDefTolSpecify tol = test::RandomStandard(random, shape);
+  tol.SetMainPulseHi(1 + level());
+  tol.SetMainPulseLo(1 - level());
+  set.SetDefTolSpecify(tol);
+  set.SetTolKind(shape == TRIANGLE || shape == USER_TRAPEZOID
+                     ? Def::TOL_USER_DEF
+                     : static_cast<Def::TOL_KIND>(1 + random->Below(11)));
+  set.SetAddCmp(true);
+  set.SetCmpType(static_cast<Def::COMP_TYPE>(1 + random->Below(4)));
+  set.SetCmpNonSym(random->OneIn(2));
+  set.SetCmpPre(random->Pick({1.0, 1.0, 0.5, 0.0}));
+  set.SetCmpPost(random->Pick({1.0, 1.0, 0.5, 0.0}));
+  set.SetOptRatLevel(random->Pick({0.0, 0.5, 1.0}));
+  return set;
+}
+
+TEST(Compensation, LeavesTheTableAtRestWhereItBeganWithinItsBands) {
+  test::RandomValues random(31);
+  int done = 0;
+  for (int round = 0; round < 5000; ++round) {
+    const Def set = RandomCompensated(&random, round % 50 == 0 ? 8192 : 300);
+    SCOPED_TRACE(round);
+    const StrokeResult result = Compensate(set);
+    if (!result.done) {
+      EXPECT_EQ(test::RecordOf(result.params), test::RecordOf(set))
+          << "a failure leaves them alone";
+      continue;
+    }
+    ++done;
+    ExpectHardRules(set, result);
+    if (::testing::Test::HasFailure()) return;
+  }
+  EXPECT_GT(done, 1000);
+}
+
+TEST(Compensation, OfHostileSettingsHoldsTheRulesOrFails) {
+  test::RandomValues random(32);
+  const double nan = std::nan("");
+  int done = 0;
+  for (int round = 0; round < 5000; ++round) {
+    Def set = RandomCompensated(&random, 100);
+    switch (random.Below(8)) {
+      case 0:
+        set.SetCmpPre(random.Pick({0.0, -1.0, 5.0, 1e300, nan, HUGE_VAL, 1e-5}));
+        break;
+      case 1:
+        set.SetCmpPost(random.Pick({0.0, -1.0, 5.0, 1e300, nan, HUGE_VAL, 1e-5}));
+        break;
+      case 2:
+        set.SetRestPre(random.Pick({1e3, 1e30, -0.01, -1e30, nan, HUGE_VAL}));
+        break;
+      case 3:
+        set.SetRestPost(random.Pick({1e3, 1e30, -0.01, -1e30, nan, HUGE_VAL}));
+        break;
+      case 4:
+        set.SetOptRatLevel(random.Pick({nan, -3.0, 7.0, HUGE_VAL}));
+        break;
+      case 5:
+        set.SetMainWidth(
+            random.Pick({0.001, 0.002, 0.5 * set.GetNsamp() / 1000, 1.0 * set.GetNsamp() / 1000}));
+        break;
+      case 6: {
+        set.SetNsamp(2 + random.Below(30));
+        break;
+      }
+      default:
+        set.SetMainAmpl(random.Pick({1e-200, 1e150, -5.0}));
+        break;
+    }
+    SCOPED_TRACE(round);
+    const StrokeResult result = Compensate(set);
+    if (!result.done) {
+      EXPECT_EQ(result.params.GetCmpCparam(), 0.0);
+      continue;
+    }
+    ++done;
+    if (set.GetRestPre() > 1 ||
+        set.GetRestPost() > 1) {  // beyond the frame: only one side can be drawn
+      for (const double v : result.wave) ASSERT_TRUE(std::isfinite(v));
+      continue;
+    }
+    ExpectHardRules(set, result);
+    if (::testing::Test::HasFailure()) return;
+  }
+  EXPECT_GT(done, 300);
+}
+
+TEST(Compensation, ScalesWithTheAmplitude) {
+  test::RandomValues random(311);
+  int done = 0;
+  for (int round = 0; round < 600; ++round) {
+    Def set = RandomCompensated(&random, 300);
+    const StrokeResult one = Compensate(set);
+    set.SetMainAmpl(set.GetMainAmpl() * 4);
+    const StrokeResult four = Compensate(set);
+    ASSERT_EQ(one.done, four.done);
+    if (!one.done) continue;
+    ++done;
+    for (std::size_t i = 0; i < one.wave.size(); ++i) {
+      ASSERT_NEAR(four.wave[i], 4 * one.wave[i], 1e-9 * set.GetMainAmpl()) << round;
+    }
+  }
+  EXPECT_GT(done, 100);
+}
+
+TEST(Compensation, OfANegativePulseIsTheNegatedOne) {
+  test::RandomValues random(312);
+  int done = 0;
+  for (int round = 0; round < 2000; ++round) {
+    Def set = RandomCompensated(&random, 200);
+    if (set.GetCmpType() == Def::CMP_OPTIMIZED) continue;
+    set.SetWaveKind(random.Pick({wave_def_sub::HALF_SINE, wave_def_sub::HAVERSINE}));
+    set.SetTolKind(Def::TOL_USER_DEF);
+    const StrokeResult up = Compensate(set);
+    CWaveDefTolUserDef tol =
+        set.GetDefTolUserDef();  // the ratios swapped and negated, as the peak is negative
+    const CWaveDefTolUserDef& t = set.GetDefTolUserDef();
+    tol.SetTolLeftU(-t.GetTolLeftL());
+    tol.SetTolLeftL(-t.GetTolLeftU());
+    tol.SetTolMainU(-t.GetTolMainL());
+    tol.SetTolMainL(-t.GetTolMainU());
+    tol.SetTolRightU(-t.GetTolRightL());
+    tol.SetTolRightL(-t.GetTolRightU());
+    // Without transitions: their merging follows the ratios, which now fall where they rose.
+    tol.SetTolFrontA(0);
+    tol.SetTolRearA(0);
+    if (t.GetTolFrontA() != 0 || t.GetTolRearA() != 0) continue;
+    set.SetDefTolUserDef(tol);
+    set.SetMainAmpl(-set.GetMainAmpl());
+    const Def nominal = WithoutCompensation(set);
+    const StrokeResult bands = Compensate(nominal);
+    if (!bands.done) continue;
+    // Merging by band keeps the larger of 0 and a level: below 0 an upper band of a negative pulse
+    // stays 0.
+    const bool outside = LargestOf(Wave(bands.upper.begin(), bands.upper.begin() + 2)) != 0;
+    if (!outside) continue;
+    const StrokeResult down = Compensate(set);
+    if (!up.done || !down.done) continue;
+    ++done;
+    for (std::size_t i = 0; i < up.wave.size(); ++i) {
+      ASSERT_NEAR(down.wave[i], -up.wave[i], 1e-9 * std::fabs(set.GetMainAmpl()));
+    }
+  }
+  EXPECT_GT(done, 20);
+}
+
+// ---- The gain search
+// -----------------------------------------------------------------------------
+
+TEST(Compensation, ReportsTheLastGainThatPassedOfEightTries) {
+  test::RandomValues random(313);
+  int compared = 0;
+  for (int round = 0; round < 1000 && compared < 200; ++round) {
+    Def set = RandomCompensated(&random, 200);
+    if (set.GetCmpType() == Def::CMP_OPTIMIZED) continue;
+    const StrokeResult nominal = Compensate(WithoutCompensation(set));
+    if (!nominal.done) continue;
+    const Place at = PlaceOf(set);
+    const Settings settings{set.GetCmpType(),
+                            !set.GetCmpNonSym(),
+                            set.GetCmpPre(),
+                            set.GetCmpPost(),
+                            set.GetWaveKind(),
+                            set.GetTolKind(),
+                            CWaveDefTolSpecify::BASE_STD_NONE,
+                            0.0,
+                            1000.0,
+                            false};
+    const Pulse pulse{at, ExtremeOf(nominal.wave.data(), at.iS, at.iE), nominal.wave, nominal.upper,
+                      nominal.lower};
+    if (!(pulse.A > 0)) continue;
+    const auto attempt = PrepareDrawn(pulse, settings, nullptr);
+    if (!attempt) continue;
+    ++compared;
+    Reshaper reshaper(pulse.wave.size());
+    Candidates candidates(&reshaper, *attempt, settings);
+    const GainFound found = SearchGain(&candidates, settings);
+    // The same search, rule by rule.
+    double low = 0;
+    double step = std::log(1e8) / 2;
+    double gain = 1;
+    bool passed = false;
+    Wave candidate;
+    for (int tries = 0; tries < 8; ++tries, step /= 2) {
+      const bool ok = candidates.Make(std::exp(low), &candidate);
+      if (tries == 0) passed = ok;
+      if (!passed) break;
+      if (ok) gain = std::exp(low);
+      low += ok ? step : -step;
+    }
+    EXPECT_EQ(found.passed, passed);
+    EXPECT_NEAR(found.gain, gain, 1e-9 * gain);
+    Wave best;
+    EXPECT_EQ(candidates.Make(found.gain, &best), passed);
+    EXPECT_EQ(best, found.best);
+  }
+  EXPECT_GE(compared, 100);
+}
+
+TEST(Compensation, ThatPassesAtEveryGainEndsWithTheLastTry) {
+  // Bands that no candidate leaves.
+  const std::size_t N = 256;
+  Pulse pulse{{120, 136, 120, 136}, 1.0, Wave(N), Wave(N, kNoLimit), Wave(N, kNoLimit)};
+  for (std::size_t i = 120; i <= 136; ++i)
+    pulse.wave[i] = std::sin(3.14159 * static_cast<double>(i - 120) / 16);
+  const Settings settings{Def::CMP_COSINE,
+                          true,
+                          1,
+                          1,
+                          wave_def_sub::HALF_SINE,
+                          Def::TOL_USER_DEF,
+                          CWaveDefTolSpecify::BASE_STD_NONE,
+                          0,
+                          1000,
+                          false};
+  Results results;
+  Refusal refusal;
+  ASSERT_TRUE(compensation::Compensate(&pulse, settings, &results, &refusal));
+  EXPECT_NEAR(results.gain / std::pow(1e8, 127.0 / 128), 1.0, 1e-9);
+}
+
+// ---- Failures
+// --------------------------------------------------------------------------------------
+
+Def Everyday(int type) {
+  Def set;
+  set.SetWaveKind(wave_def_sub::HALF_SINE);
+  set.SetMainAmpl(50);
+  set.SetMainWidth(0.032);
+  set.SetFmax(1000 / 2.56);
+  set.SetNsamp(1024);
+  set.SetTolKind(Def::TOL_FIXED_4);
+  set.SetAddCmp(true);
+  set.SetCmpType(static_cast<Def::COMP_TYPE>(type));
+  set.SetCmpPre(1);
+  set.SetCmpPost(1);
+  return set;
+}
+
+TEST(Compensation, OfNoKnownTypeLeavesTheArraysAlone) {
+  for (const int type : {0, 5, -1}) {
+    Def set = Everyday(type);
+    common::CDataArrayFloatT<double> wave{7.0};
+    common::CDataArrayFloatT<double> upper{8.0};
+    common::CDataArrayFloatT<double> lower{9.0};
+    EXPECT_FALSE(GenerateClassical(set, 0, &wave, &upper, &lower, false));
+    EXPECT_EQ(wave, (common::CDataArrayFloatT<double>{7.0}));
+    EXPECT_EQ(upper, (common::CDataArrayFloatT<double>{8.0}));
+    EXPECT_EQ(lower, (common::CDataArrayFloatT<double>{9.0}));
+  }
+}
+
+TEST(Compensation, WithoutRoomLeavesThePulseAndItsBands) {
+  Def set = Everyday(2);
+  set.SetNsamp(64);
+  const StrokeResult nominal = Compensate(WithoutCompensation(set));
+  ASSERT_TRUE(nominal.done);
+  const StrokeResult result = Compensate(set);
+  EXPECT_FALSE(result.done);
+  EXPECT_EQ(result.wave, nominal.wave);
+  EXPECT_EQ(result.upper, nominal.upper);
+  EXPECT_EQ(result.lower, nominal.lower);
+  EXPECT_EQ(result.params, set);
+}
+
+// Deliberate: what a failed compensation has come to stays in the arrays.
+TEST(Compensation, OutOfToleranceLeavesItsFirstCandidate) {
+  Def set = Everyday(2);
+  set.SetTolKind(
+      Def::TOL_FIXED_1);  // bands of 0 outside: the reshaped pulse cannot stay on the bare one
+  const StrokeResult nominal = Compensate(WithoutCompensation(set));
+  const StrokeResult result = Compensate(set);
+  EXPECT_FALSE(result.done);
+  if (result.wave != nominal.wave) {
+    EXPECT_EQ(result.wave.size(), nominal.wave.size());
+    EXPECT_EQ(result.params, set);
+  }
+  CWaveDef def;
+  EXPECT_FALSE(def.SetDefClassical(set));
+  EXPECT_EQ(def.GetWaveType(), CWaveDef::WAVE_TYPE_NONE);
+  EXPECT_EQ(def.GetNsamp(), 1024U) << "the arrays are there, the definition is not";
+}
+
+TEST(Compensation, IsStoredWithItsResults) {
+  for (int type = 1; type <= 4; ++type) {
+    CWaveDef def;
+    ASSERT_TRUE(def.SetDefClassical(Everyday(type))) << type;
+    const Def& set = def.GetDefClassical();
+    EXPECT_GT(set.GetCmpU1(), 0.0);
+    EXPECT_GT(set.GetCmpRgm1(), 0.0);
+    EXPECT_GE(set.GetCmpCparam(), 1.0);
+    EXPECT_EQ(set.GetWaveShift(), 0.0);
+    common::CSerialData stream;
+    ASSERT_TRUE(def.Serialize(&stream));
+    stream.Finalize();
+    CWaveDef back;
+    ASSERT_TRUE(back.Serialize(&stream));
+    EXPECT_EQ(back, def);
+  }
+}
+
+// ---- How close to the limit
+// ------------------------------------------------------------------------
+
+const std::vector<CompensationCase>& Cases() {
+  static const auto cases =
+      test::ReadCompensationCases(QARV_TEST_DATA_DIR "/data/compensation_cases.csv");
+  return cases;
+}
+
+struct Goal {
+  int type;
+  double optRatLevel;
+  bool nonSymmetric;
+  int successes;
+  double nominalMedian, nominal90;  // stroke over the limit with the nominal pulse
+  double shapeMedian, shape90;      // and over that with a pulse of its shape
+};
+
+TEST(Compensation, ComesCloseToThePhysicalLimit) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "a thousand definitions of long frames: judged in the optimised builds";
+#endif
+  ASSERT_EQ(Cases().size(), 120U);
+  constexpr double kAny = 1e9;
+  const Goal goals[] = {
+      {1, 0, true, 95, 1.85, 3.9, kAny, kAny},     {1, 0, false, 79, 1.22, 3.5, kAny, kAny},
+      {2, 0, true, 97, 1.22, 1.53, kAny, kAny},    {2, 0, false, 81, 1.20, 1.51, kAny, kAny},
+      {3, 0, true, 105, 1.13, 1.72, kAny, kAny},   {3, 0, false, 93, 1.13, 1.54, kAny, kAny},
+      {4, 0, true, 116, 0.96, 1.08, kAny, kAny},   {4, 0, false, 111, 0.92, 1.08, kAny, kAny},
+      {4, 0.5, true, 116, 0.77, 0.88, 1.45, kAny}, {4, 0.5, false, 111, 0.76, 0.90, 1.44, kAny},
+      {4, 1, true, 116, 0.62, 0.74, 1.18, 1.30},   {4, 1, false, 111, 0.62, 0.77, 1.21, 1.38},
+  };
+  for (const Goal& goal : goals) {
+    SCOPED_TRACE(std::to_string(goal.type) + (goal.nonSymmetric ? " free " : " symmetric ") +
+                 std::to_string(goal.optRatLevel));
+    int done = 0;
+    std::vector<double> nominal;
+    std::vector<double> shape;
+    std::vector<double> everydayShape;
+    for (const CompensationCase& c : Cases()) {
+      const StrokeResult result =
+          Compensate(c.Definition(goal.type, goal.nonSymmetric, goal.optRatLevel));
+      if (c.IsEveryday()) {
+        EXPECT_TRUE(result.done) << c.At("seed");
+      }
+      if (!result.done) continue;
+      ++done;
+      const double leastNominal = c.LeastStroke("nominal", goal.nonSymmetric);
+      const double leastShape = c.LeastStroke("shape", goal.nonSymmetric);
+      if (std::isfinite(leastNominal)) nominal.push_back(result.stroke / leastNominal);
+      if (std::isfinite(leastShape)) shape.push_back(result.stroke / leastShape);
+      if (std::isfinite(leastShape) && c.IsEveryday())
+        everydayShape.push_back(result.stroke / leastShape);
+    }
+    EXPECT_GE(done, goal.successes);
+    EXPECT_LE(Quantile(nominal, 0.5), goal.nominalMedian);
+    EXPECT_LE(Quantile(nominal, 0.9), goal.nominal90);
+    EXPECT_LE(Quantile(shape, 0.5), goal.shapeMedian);
+    EXPECT_LE(Quantile(shape, 0.9), goal.shape90);
+    if (goal.optRatLevel == 1) {
+      EXPECT_LE(Quantile(everydayShape, 0.5), goal.nonSymmetric ? 1.15 : 1.18);
+    }
+  }
+}
+
+TEST(Compensation, TheOptimisedTypeNeedsLessStrokeThanTheDrawnOne) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "a thousand definitions of long frames: judged in the optimised builds";
+#endif
+  std::vector<double> spent;  // of the optimised type at OptRatLevel 1 over the flat cosine
+  int monotonic = 0;
+  int compared = 0;
+  int centred = 0;
+  int counted = 0;
+  int unshifted = 0;
+  int results = 0;
+  for (const CompensationCase& c : Cases()) {
+    for (const bool nonSymmetric : {true, false}) {
+      const StrokeResult drawn = Compensate(c.Definition(3, nonSymmetric, 0));
+      std::vector<StrokeResult> optimised;
+      for (const double level : {0.0, 0.5, 1.0})
+        optimised.push_back(Compensate(c.Definition(4, nonSymmetric, level)));
+      if (drawn.done && optimised[0].done) {
+        EXPECT_LE(optimised[0].stroke, 1.06 * drawn.stroke) << c.At("seed");
+      }
+      if (drawn.done && optimised[2].done) {
+        EXPECT_LE(optimised[2].stroke, drawn.stroke) << c.At("seed");
+        spent.push_back(optimised[2].stroke / drawn.stroke);
+      }
+      for (std::size_t i = 0; i + 1 < optimised.size(); ++i) {
+        if (!optimised[i].done || !optimised[i + 1].done) continue;
+        ++compared;
+        monotonic += optimised[i + 1].stroke <= 1.01 * optimised[i].stroke;
+      }
+      for (const StrokeResult* result :
+           std::vector<const StrokeResult*>{&drawn, &optimised[0], &optimised[1], &optimised[2]}) {
+        if (!result->done) continue;
+        ++results;
+        unshifted += result->params.GetWaveShift() == 0;
+        if (!c.IsEveryday()) continue;
+        ++counted;
+        centred += result->stroke <= 0.55 * result->swing;
+      }
+    }
+  }
+  EXPECT_LE(Quantile(spent, 0.5), 0.56);
+  EXPECT_GE(monotonic, compared * 95 / 100);
+  EXPECT_GE(centred, counted * 95 / 100);
+  EXPECT_GE(unshifted, results * 88 / 100);
+}
+
+}  // namespace
+}  // namespace qarv::wave_def::compensation
