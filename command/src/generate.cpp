@@ -9,6 +9,7 @@
 
 #include "csv_writer.h"
 #include "definition.h"
+#include "kinematics.h"
 #include "output_files.h"
 #include "plot.h"
 #include "record_file.h"
@@ -34,6 +35,25 @@ uint64 PeakSample(const CWaveDef& def) {
   return peak;
 }
 
+/// What was found for a compensated pulse, and what it asks of the shaker.
+std::string CompensationSummary(const CWaveDef& def) {
+  const wave_def::CWaveDefClassical& set = def.GetDefClassical();
+  const Kinematics k = KinematicsOf(def);
+  const uint64 last = def.GetNsamp() - 1;
+  std::string text = fmt::format("levels:    {:.4g} before, {:.4g} after the pulse\n",
+                                 set.GetCmpU1(), set.GetCmpU2());
+  text += fmt::format("shares:    {:.4g} before, {:.4g} after the pulse\n", set.GetCmpRgm1(),
+                      set.GetCmpRgm2());
+  text += fmt::format("gain:      {:.4g}\n", set.GetCmpCparam());
+  text += fmt::format("shift:     {:.6g} samples\n",
+                      std::round(set.GetWaveShift() * static_cast<double>(def.GetNsamp())));
+  text += fmt::format("velocity:  {:.6g} {} at most, {:.1e} at the end\n",
+                      k.velocity.GetAbsMax(0, 0), k.velocityUnit, k.velocity[last]);
+  text += fmt::format("stroke:    {:.6g} {} at most to one side, {:.1e} at the end\n",
+                      k.displacement.GetAbsMax(0, 0), k.displacementUnit, k.displacement[last]);
+  return text;
+}
+
 std::string Summary(const CWaveDef& def) {
   const double fsamp = SampleRateOf(def);
   const auto seconds = [&](uint64 samples) {
@@ -50,7 +70,7 @@ std::string Summary(const CWaveDef& def) {
   text += fmt::format("peak:      {:.6g}{} at {}\n", def.GetWave()[i], unit, seconds(i));
   text += fmt::format("band:      {:.6g} to {:.6g}{} at the peak\n", def.GetTolL()[i],
                       def.GetTolU()[i], unit);
-  return text;
+  return IsCompensated(def) ? text + CompensationSummary(def) : text;
 }
 
 /// Warns of bands that no waveform can lie between.

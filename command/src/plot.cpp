@@ -8,9 +8,10 @@
 #include <cstdio>
 #include <filesystem>
 #include <iterator>
-#include <memory>
+#include <vector>
 
 #include "definition.h"
+#include "kinematics.h"
 #include "text.h"
 
 namespace qarv::command {
@@ -46,11 +47,25 @@ struct Range {
   }
 };
 
+/// A curve of a picture.
+struct Curve {
+  const char* name;   // of its data in the script
+  const char* label;  // in the legend
+  const char* style;
+  const Samples* samples;
+};
+
+/// One diagram: an axis and its curves.
+struct Panel {
+  std::string label;  // of the axis
+  std::vector<Curve> curves;
+};
+
 /// The range of the vertical axis: all that is finite, and some air.
-Range AxisOf(const CWaveDef& def) {
+Range AxisOf(const Panel& panel) {
   Range range;
-  for (const Samples* array : {&def.GetWave(), &def.GetTolU(), &def.GetTolL()}) {
-    for (const double v : *array) range.Add(v);
+  for (const Curve& curve : panel.curves) {
+    for (const double v : *curve.samples) range.Add(v);
   }
   if (range.low > range.high) return {-1.0, 1.0};
   const double air = (range.high / 20 - range.low / 20);
@@ -90,35 +105,68 @@ void AppendBlock(const std::string& name, const Samples& samples, double fsamp,
   fmt::format_to(out, "EOD\n");
 }
 
+constexpr const char* kSolid = "linecolor rgb \"#1f4e9c\" linewidth 1.8";
+constexpr const char* kUpper = "linecolor rgb \"#c0392b\" dashtype (7,4) linewidth 1.4";
+constexpr const char* kLower = "linecolor rgb \"#d68910\" dashtype (7,4) linewidth 1.4";
+
+/// The waveform between its bands; of a compensated pulse also what it makes of the table.
+std::vector<Panel> PanelsOf(const CWaveDef& def, const Kinematics& kinematics) {
+  const std::string unit = def.GetUnitAmpl().GetText();
+  std::vector<Panel> panels{{unit.empty() ? "Amplitude" : "Amplitude [" + unit + "]",
+                             {{"upper", "upper band", kUpper, &def.GetTolU()},
+                              {"wave", "waveform", kSolid, &def.GetWave()},
+                              {"lower", "lower band", kLower, &def.GetTolL()}}}};
+  if (!IsCompensated(def)) return panels;
+  panels.push_back({"Velocity [" + kinematics.velocityUnit + "]",
+                    {{"velocity", "", kSolid, &kinematics.velocity}}});
+  panels.push_back({"Displacement [" + kinematics.displacementUnit + "]",
+                    {{"displacement", "", kSolid, &kinematics.displacement}}});
+  return panels;
+}
+
 std::string Script(const CWaveDef& def, const std::string& title, PlotFormat format,
                    const std::string& file) {
   const double fsamp = SampleRateOf(def);
   const double duration = static_cast<double>(def.GetNsamp()) / fsamp;
   const bool hasDuration = std::isfinite(duration) && duration > 0.0;
-  const Range axis = AxisOf(def);
-  const std::string unit = def.GetUnitAmpl().GetText();
+  const Kinematics kinematics = IsCompensated(def) ? KinematicsOf(def) : Kinematics{};
+  const std::vector<Panel> panels = PanelsOf(def, kinematics);
   fmt::memory_buffer script;
   const auto out = std::back_inserter(script);
-  fmt::format_to(out, "set terminal {} size 1000,600 font \"DejaVu Sans,11\" noenhanced\n",
-                 format == PlotFormat::Png ? "pngcairo" : "svg");
-  fmt::format_to(out, "set output {}\n", Quoted(file));
-  fmt::format_to(out, "set encoding utf8\nset title {}\n", Quoted(title));
-  fmt::format_to(out, "set xlabel \"Time [s]\"\nset ylabel {}\n",
-                 Quoted(unit.empty() ? "Amplitude" : "Amplitude [" + unit + "]"));
-  fmt::format_to(out, "set xrange [0:{}]\nset yrange [{}:{}]\n", hasDuration ? duration : 1.0,
-                 axis.low, axis.high);
+  fmt::format_to(out, "set terminal {} size 1000,{} font \"DejaVu Sans,11\" noenhanced\n",
+                 format == PlotFormat::Png ? "pngcairo" : "svg", panels.size() == 1 ? 600 : 1000);
+  fmt::format_to(out, "set output {}\nset encoding utf8\n", Quoted(file));
+  fmt::format_to(out, "set xrange [0:{}]\n", hasDuration ? duration : 1.0);
   fmt::format_to(out,
                  "set grid linetype 1 linewidth 0.5 linecolor rgb \"#c8c8c8\"\n"
-                 "set bmargin 5\nset key at screen 0.5, 0.03 center horizontal\n");
-  AppendBlock("wave", def.GetWave(), fsamp, &script);
-  AppendBlock("upper", def.GetTolU(), fsamp, &script);
-  AppendBlock("lower", def.GetTolL(), fsamp, &script);
-  constexpr const char* kBandLine = "linecolor rgb \"{}\" dashtype (7,4) linewidth 1.4";
-  fmt::format_to(out,
-                 "plot $upper with lines {} title \"upper band\","
-                 " $wave with lines linecolor rgb \"#1f4e9c\" linewidth 1.8 title \"waveform\","
-                 " $lower with lines {} title \"lower band\"\n",
-                 fmt::format(kBandLine, "#c0392b"), fmt::format(kBandLine, "#d68910"));
+                 "set lmargin 10\n");
+  for (const Panel& panel : panels) {
+    for (const Curve& curve : panel.curves) {
+      AppendBlock(curve.name, *curve.samples, fsamp, &script);
+    }
+  }
+  if (panels.size() > 1) {
+    fmt::format_to(out, "set multiplot layout {},1\n", panels.size());
+  }
+  for (const Panel& panel : panels) {
+    const bool first = &panel == &panels.front();
+    const bool last = &panel == &panels.back();  // has the time axis, and the legend below it
+    const Range axis = AxisOf(panel);
+    fmt::format_to(out, "set title {}\nset ylabel {}\nset yrange [{}:{}]\n",
+                   Quoted(first ? title : ""), Quoted(panel.label), axis.low, axis.high);
+    fmt::format_to(out, "set xlabel {}\nset bmargin {}\n", Quoted(last ? "Time [s]" : ""),
+                   last ? 5 : 2);
+    fmt::format_to(out, "{}\nplot",
+                   first ? fmt::format("set key at screen 0.5, {} center horizontal",
+                                       panels.size() == 1 ? 0.03 : 0.012)
+                         : "unset key");
+    for (const Curve& curve : panel.curves) {
+      fmt::format_to(out, "{} ${} with lines {} title {}",
+                     &curve == &panel.curves.front() ? "" : ",", curve.name, curve.style,
+                     Quoted(curve.label));
+    }
+    fmt::format_to(out, "\n");
+  }
   return fmt::to_string(script);
 }
 

@@ -266,7 +266,14 @@ TEST_F(Generate, WhatTheLibraryRefusesIsExplained) {
             changed + "}",
         reason);
   };
-  classical(R"(, "AddCmp": true)", "AddCmp");
+  classical(R"(, "AddCmp": true)", "CmpType is not set");
+  classical(
+      R"(, "AddCmp": true, "CmpType": "CMP_COSINE", "CmpPre": 1, "CmpPost": 1)",
+      "no room for the compensation: before the pulse 343 samples are needed and 19 available, "
+      "after the pulse 57 samples are needed and 18 available");
+  classical(
+      R"(, "AddCmp": true, "CmpType": "CMP_COSINE", "CmpPre": 1, "CmpPost": 1, "RestPre": -1)",
+      "the rests leave no place");
   classical(R"(, "MainShift": 0.5)", "MainShift");
   classical(R"(, "MainShift": -0.4)", "begins before the frame");
   classical(R"(, "MainShift": 0.4)", "do not fit the frame");
@@ -338,6 +345,36 @@ TEST_F(Generate, AClosedStandardOutputIsAnError) {
   const int status = std::system(line.c_str());
   EXPECT_EQ(WEXITSTATUS(status), 2);
   EXPECT_NE(ReadText(folder / "err").find("standard output"), std::string::npos);
+}
+
+TEST_F(Generate, ACompensationThatCannotBeSaysWhy) {
+  const auto refused = [&](const std::string& rest, const std::string& reason) {
+    ExpectRefused(
+        R"({"Classical": {"WaveKind": "HALF_SINE", "MainAmpl": 50, "MainWidth": 0.02, "Fmax": 1000,
+                      "AddCmp": true, "CmpPre": 1, "CmpPost": 1, )" +
+            rest + "}}",
+        1, {"def.json: Classical: AddCmp: ", reason});
+  };
+  refused(R"("Nsamp": 1024, "TolKind": "TOL_FIXED_1", "CmpType": "CMP_COSINE")", "floor of 1 %");
+  refused(R"("Nsamp": 96, "TolKind": "TOL_FIXED_4", "CmpType": "CMP_OPTIMIZED")",
+          "brings the table home");
+  refused(R"("Nsamp": 16384, "TolKind": "TOL_FIXED_1", "CmpType": "CMP_COSINE")",
+          "leaves its band at gain 1, first at sample ");
+}
+
+TEST_F(Generate, ACompensatedPulseSaysWhatItAsksOfTheShaker) {
+  const auto result =
+      RunCommand({"generate", QARV_SOURCE_DIR "/examples/definitions/compensated_flat_cosine.json",
+                  "--plot", folder / "w.svg"});
+  EXPECT_EQ(result.code, 0) << result.err;
+  for (const char* const text :
+       {"levels:    0.04", "shares:    0.3", "gain:      ", "shift:     0 samples",
+        "velocity:  2.1", " m/s at most, ", "stroke:    18.0", " mm at most to one side, "}) {
+    EXPECT_NE(result.out.find(text), std::string::npos) << text << "\n" << result.out;
+  }
+  const std::string svg = ReadText(folder / "w.svg");
+  EXPECT_NE(svg.find("Velocity [m/s]"), std::string::npos);
+  EXPECT_NE(svg.find("Displacement [mm]"), std::string::npos);
 }
 
 TEST_F(Generate, ClassicalPulsesTakeTheirRateFromTheAnalysisFrequency) {

@@ -110,7 +110,7 @@ TEST(Show, NoTruncationOfARecordIsTaken) {
   EXPECT_EQ(command::ReadRecord(folder / "r"), def);
 }
 
-// ---- Definitions with arbitrary values in every field -------------------------------------------
+// ---- Definitions with arbitrary values in every field ------------------------------------------
 
 /// Puts an arbitrary bit pattern, often a special one, into every double of a shown definition,
 /// keeps the keys, and checks that reading and writing it again changes nothing.

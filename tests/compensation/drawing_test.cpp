@@ -136,6 +136,23 @@ TEST(Compensations, MatchTheSecondComputationForArbitraryArguments) {
   }
 }
 
+TEST(DrawCompensation, DrawsItsThreeTypesAndNoOther) {
+  const Place at{20, 30, 18, 32};
+  const Drawn drawn{0.4, 0.3, 0.5, 0.5};
+  for (int type = -1; type <= 5; ++type) {
+    Wave target(60);
+    const bool done = DrawCompensation(target.data(), 60, 10, 70,
+                                       static_cast<CWaveDefClassical::COMP_TYPE>(type), at, drawn);
+    EXPECT_EQ(done, type >= 1 && type <= 3) << type;
+    Wave expected(60);
+    if (type == 1) expected = Ramps(expected, 10, 18, 32, 0.4, 0.3);
+    if (type == 2) expected = Cosines(expected, 10, 70, 18, 32, {0.4, 0.5, 0.0}, {0.3, 0.5, 0.0});
+    if (type == 3) expected = Cosines(expected, 10, 70, 18, 32, {0.4, 0.5, 1.0}, {0.3, 0.5, 1.0});
+    test::ExpectSameWave(target, expected);
+  }
+  EXPECT_FALSE(DrawCompensation(nullptr, 60, 10, 70, CWaveDefClassical::CMP_RAMP, at, drawn));
+}
+
 TEST(SampleSum, LeavesTheEndOut) {
   const double x[] = {1, 2, 4, 8};
   EXPECT_EQ(SampleSum(x, 1, 3), 6.0);

@@ -64,19 +64,11 @@ std::pair<double, double> MomentsOf(const Wave& x) {
 /// The pulses of the types that are drawn, from what the definition reports of them.
 Wave DrawnPulses(const Def& params, const Wave& nominal, double A, const Place& at) {
   Wave target(nominal.size());
-  const auto iPre = static_cast<uint64>(at.iPS);
-  const auto iPost = static_cast<uint64>(at.iPE);
-  if (params.GetCmpType() == Def::CMP_RAMP) {
-    DrawRampCompensation(target.data(), target.size(), A, iPre, iPost, params.GetCmpU1(),
-                         params.GetCmpU2());
-  } else {
-    const double f = params.GetCmpType() == Def::CMP_COSINE ? 0.0 : 1.0;
-    const double S =
-        SampleSum(nominal.data(), static_cast<uint64>(at.iS), static_cast<uint64>(at.iE));
-    DrawCosineCompensation(target.data(), target.size(), A, S, iPre, iPost,
-                           {params.GetCmpU1(), params.GetCmpRgm1(), f},
-                           {params.GetCmpU2(), params.GetCmpRgm2(), f});
-  }
+  const double S =
+      SampleSum(nominal.data(), static_cast<uint64>(at.iS), static_cast<uint64>(at.iE));
+  EXPECT_TRUE(DrawCompensation(
+      target.data(), target.size(), A, S, params.GetCmpType(), at,
+      {params.GetCmpU1(), params.GetCmpU2(), params.GetCmpRgm1(), params.GetCmpRgm2()}));
   return target;
 }
 
@@ -317,8 +309,7 @@ TEST(Compensation, OfANegativePulseIsTheNegatedOne) {
   EXPECT_GT(done, 20);
 }
 
-// ---- The gain search
-// -----------------------------------------------------------------------------
+// ---- The gain search ---------------------------------------------------------------------------
 
 TEST(Compensation, ReportsTheLastGainThatPassedOfEightTries) {
   test::RandomValues random(313);
@@ -392,8 +383,7 @@ TEST(Compensation, ThatPassesAtEveryGainEndsWithTheLastTry) {
   EXPECT_NEAR(results.gain / std::pow(1e8, 127.0 / 128), 1.0, 1e-9);
 }
 
-// ---- Failures
-// --------------------------------------------------------------------------------------
+// ---- Failures ----------------------------------------------------------------------------------
 
 Def Everyday(int type) {
   Def set;
@@ -472,8 +462,7 @@ TEST(Compensation, IsStoredWithItsResults) {
   }
 }
 
-// ---- How close to the limit
-// ------------------------------------------------------------------------
+// ---- How close to the limit --------------------------------------------------------------------
 
 const std::vector<CompensationCase>& Cases() {
   static const auto cases =

@@ -83,8 +83,7 @@ Frame FrameOf(const Def& def, bool upper, uint64 centre, double dt) {
           upper ? Keep::Larger : Keep::Smaller};
 }
 
-// ---- User
-// ----------------------------------------------------------------------------------------
+// ---- User --------------------------------------------------------------------------------------
 
 void UserBand(const Def& def, const Frame& f, const Wave& wave, Wave* out) {
   const auto& tol = def.GetDefTolUserDef();
@@ -130,8 +129,7 @@ void UserBand(const Def& def, const Frame& f, const Wave& wave, Wave* out) {
   DrawLevel(out, rearEnd, f.N - 1, rv * f.A, f.keep);
 }
 
-// ---- Half-sine
-// -----------------------------------------------------------------------------------
+// ---- Half-sine ---------------------------------------------------------------------------------
 
 double FrontOf(int kind) {
   if (kind == 3 || kind == 4) return 0.3;
@@ -213,8 +211,7 @@ void HalfSineStandardBand(const Std& tol, const Frame& f, const Wave& wave, Wave
   DrawLevel(out, f.end, f.N - 1, E * f.A, f.keep);
 }
 
-// ---- Haversine
-// -----------------------------------------------------------------------------------
+// ---- Haversine ---------------------------------------------------------------------------------
 
 void HaversineBand(const Def& def, const Frame& f, const Wave& wave, Wave* out) {
   const auto& tol = def.GetDefTolUserDef();
@@ -242,8 +239,7 @@ void HaversineBand(const Def& def, const Frame& f, const Wave& wave, Wave* out) 
   DrawLine(out, f.end, M * f.A, f.N - 1, R * f.A, R <= M ? Keep::Larger : Keep::Smaller);
 }
 
-// ---- Sawtooth
-// ------------------------------------------------------------------------------------
+// ---- Sawtooth ----------------------------------------------------------------------------------
 
 struct Fractions {
   double rise, fall;
@@ -385,8 +381,7 @@ void SawtoothStandardBand(const Std& tol, uint64 p, const Frame& f, const Wave& 
   DropAndRight(f, e, T, e + 1, E * f.A, out);
 }
 
-// ---- Pulses
-// --------------------------------------------------------------------------------------
+// ---- Pulses ------------------------------------------------------------------------------------
 
 void CosinePulse(const Def& def, uint64 centre, double dt, Wave* wave) {
   const double peak = def.GetMainAmpl();

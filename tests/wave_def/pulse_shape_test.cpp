@@ -27,8 +27,7 @@ using test::Wave;
 using Set = CWaveDefClassical;
 using namespace wave_def_sub;
 
-// ---- Half width
-// ----------------------------------------------------------------------------------
+// ---- Half width --------------------------------------------------------------------------------
 
 TEST(PulseHalfWidth, IsHalfTheWidthInSamplesWithAGuard) {
   const auto half = CalcPulseHalfWidth(0.01, 0.001, 64);
@@ -57,8 +56,7 @@ TEST(PulseHalfWidth, ClampedToTheFrameBecomesATime) {
   EXPECT_EQ(CalcPulseHalfWidth(0.0, 0.001, 2).has_value(), false);
 }
 
-// ---- Half-sine and haversine
-// ---------------------------------------------------------------------
+// ---- Half-sine and haversine -------------------------------------------------------------------
 
 TEST(HalfSinePulse, IsHalfAPeriodAboutItsCentre) {
   Wave wave(32);
@@ -123,8 +121,7 @@ TEST(HalfSinePulse, ClampedToTheFrameUsesTheTimeForItsStep) {
   EXPECT_EQ(wave[0], 0.0);
 }
 
-// ---- Sawtooth
-// --------------------------------------------------------------------------------------
+// ---- Sawtooth ----------------------------------------------------------------------------------
 
 TEST(SawtoothPulse, RisesOverItsWholeWidthOrNineTenths) {
   const auto instant = Generate(ClassicalSet(TERMINAL_PEAK_SAWTOOTH, Set::TOL_FIXED_1));
@@ -162,8 +159,7 @@ TEST(SawtoothPulse, IsNotOfferedForKinds2And3) {
   EXPECT_FALSE(Generate(ClassicalSet(TERMINAL_PEAK_SAWTOOTH, Set::TOL_FIXED_3)));
 }
 
-// ---- Trapezoid family
-// ------------------------------------------------------------------------------
+// ---- Trapezoid family --------------------------------------------------------------------------
 
 Set UserTrapezoid(double rise, double fall) {
   Set set = ClassicalSet(USER_TRAPEZOID, Set::TOL_USER_DEF);

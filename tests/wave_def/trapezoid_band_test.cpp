@@ -61,8 +61,7 @@ const Row kRows[] = {
     {9, 0.05, 0.4, 0.15, 0.15, 0.15, 0.2, -0.3},
 };
 
-// ---- The figure
-// ----------------------------------------------------------------------------------
+// ---- The figure --------------------------------------------------------------------------------
 
 TEST(TrapezoidBand, HasTheLevelsOfItsKind) {
   for (const Row& row : kRows) {
@@ -133,8 +132,7 @@ TEST(TrapezoidBand, OfTheUserIsTheUsers) {
   ExpectLevel(g->upper, kStart + 4, kEnd - 4, 15);
 }
 
-// ---- Properties
-// ----------------------------------------------------------------------------------
+// ---- Properties --------------------------------------------------------------------------------
 
 Set RandomFixed(test::RandomValues* random) {
   Set set =
@@ -223,8 +221,7 @@ TEST(TrapezoidBand, HasNoLimitBeyondItsPlateaus) {
   });
 }
 
-// ---- Refusals
-// ------------------------------------------------------------------------------------
+// ---- Refusals ----------------------------------------------------------------------------------
 
 TEST(TrapezoidBand, OfAStandardForAnotherShapeOrOfNoFamilyIsRefused) {
   Std tol = Standard();

@@ -1,4 +1,9 @@
 // The key "Classical".
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "classical/classical_pipeline.h"
 #include "com_def/com_def_system_const.h"
 #include "definition.h"
 #include "families/pulse_shapes.h"
@@ -9,6 +14,9 @@ using wave_def::CWaveDef;
 using Set = wave_def::CWaveDefClassical;
 using User = wave_def::CWaveDefTolUserDef;
 using Std = wave_def::CWaveDefTolSpecify;
+using wave_def::GenerateClassical;
+using wave_def::compensation::Refusal;
+using wave_def::compensation::Room;
 
 namespace {
 
@@ -157,6 +165,54 @@ bool IsOffered(const Set& set) {
   }
 }
 
+bool HasCompensationType(const Set& set) {
+  return set.GetCmpType() >= Set::CMP_RAMP && set.GetCmpType() <= Set::CMP_OPTIMIZED;
+}
+
+/// One side of a frame that is too short.
+std::string RoomText(const char* side, const Room& room, double level) {
+  std::string text = fmt::format("{} the pulse {} samples are needed and {} available", side,
+                                 room.needed, std::max<common::int64>(room.available, 0));
+  if (room.needed != 0 && level <= 0.01) {
+    text += " (the level is at its floor of 1 %, as the lower band there is 0)";
+  }
+  return text;
+}
+
+std::string RefusalText(const Refusal& refusal, const Set& set) {
+  const auto& [levelPre, levelPost, pre, post] = refusal.shortage;
+  switch (refusal.reason) {
+    case Refusal::NotAPulse:
+      return "AddCmp: the rests leave no place for a compensation, or the pulse has no area";
+    case Refusal::NoRoom:
+      if (set.GetCmpType() == Set::CMP_OPTIMIZED) {
+        return "AddCmp: no room: no compensation within the bands brings the table home in this "
+               "frame";
+      }
+      return fmt::format("AddCmp: no room for the compensation: {}, {}",
+                         RoomText("before", pre, levelPre), RoomText("after", post, levelPost));
+    case Refusal::OutOfTolerance:
+      return fmt::format(
+          "AddCmp: the compensated pulse leaves its band at gain 1, first at sample {} by "
+          "{:.3g} % of the peak",
+          refusal.worst, 100.0 * refusal.excess);
+    case Refusal::None:
+      break;
+  }
+  return {};
+}
+
+/// Why a pulse that can be drawn cannot be compensated; empty if it can, or cannot be drawn.
+std::string WhyNotCompensated(Set set, double fsamp) {
+  common::CDataArrayFloatT<double> wave;
+  common::CDataArrayFloatT<double> upper;
+  common::CDataArrayFloatT<double> lower;
+  Refusal refusal;
+  const bool done =
+      set.GetAddCmp() && GenerateClassical(set, fsamp, &wave, &upper, &lower, false, &refusal);
+  return done ? std::string() : RefusalText(refusal, set);
+}
+
 std::string Define(const Json& json, const Place& at, bool hasFsamp, CWaveDef& def) {
   Set set;
   ReadFields(kFields, json, at, set);
@@ -167,6 +223,7 @@ std::string Define(const Json& json, const Place& at, bool hasFsamp, CWaveDef& d
   const auto kind = set.GetTolKind();
   const bool usesStandard = kind == Set::TOL_SPECIFY && shape != HAVERSINE;
   const double centre = (set.GetMainShift() + 0.5) * set.GetNsamp() / fsamp;  // [s]
+  const std::string compensation = WhyNotCompensated(set, def.GetFsamp());
   return DefineSet(def, set, &CWaveDef::SetDefClassical,
                    {{shape < HALF_SINE || shape > HAVERSINE, "WaveKind is not set"},
                     {kind < Set::TOL_FIXED_1 || kind > Set::TOL_SPECIFY, "TolKind is not set"},
@@ -174,7 +231,6 @@ std::string Define(const Json& json, const Place& at, bool hasFsamp, CWaveDef& d
                     {set.GetMainWidth() == 0.0, "MainWidth is 0"},
                     {set.GetFmax() == 0.0, "Fmax is 0"},
                     {set.GetNsamp() < 2, "Nsamp is below 2"},
-                    {set.GetAddCmp(), "AddCmp: pulses are generated without compensation yet"},
                     {!IsOffered(set), "the shape does not offer this TolKind"},
                     {usesStandard && set.GetDefTolSpecify().GetWaveKind() != shape,
                      "TolSpecify.WaveKind is not the shape of the pulse"},
@@ -182,6 +238,8 @@ std::string Define(const Json& json, const Place& at, bool hasFsamp, CWaveDef& d
                      "TolSpecify.BaseStandard is not set"},
                     {set.GetMainShift() >= 0.5, "MainShift moves the pulse behind the frame"},
                     {centre < 0.5 * set.GetMainWidth(), "the pulse begins before the frame"},
+                    {set.GetAddCmp() && !HasCompensationType(set), "CmpType is not set"},
+                    {set.GetAddCmp() && !compensation.empty(), compensation},
                     {true, "the pulse or its bands do not fit the frame"}});
 }
 

@@ -55,6 +55,33 @@ void DrawCosineCompensation(double* target, uint64 N, double A, double S, uint64
   DrawCosinePulse(target, N, A, r, post, iPost + 1, false);
 }
 
+bool DrawCompensation(double* target, uint64 N, double A, double S,
+                      CWaveDefClassical::COMP_TYPE type, const Place& at, const Drawn& drawn) {
+  const auto iPre = static_cast<uint64>(at.iPS);
+  const auto iPost = static_cast<uint64>(at.iPE);
+  const auto cosines = [&](double f) {
+    DrawCosineCompensation(target, N, A, S, iPre, iPost, {drawn.levelPre, drawn.sharePre, f},
+                           {drawn.levelPost, drawn.sharePost, f});
+  };
+  if (target == nullptr) return false;
+  switch (type) {
+    case CWaveDefClassical::CMP_RAMP:
+      DrawRampCompensation(target, N, A, iPre, iPost, drawn.levelPre, drawn.levelPost);
+      return true;
+    case CWaveDefClassical::CMP_COSINE:
+      cosines(0.0);
+      return true;
+    case CWaveDefClassical::CMP_FLAT_COSINE:
+      cosines(1.0);
+      return true;
+    case CWaveDefClassical::CMP_NONE:
+    case CWaveDefClassical::CMP_OPTIMIZED:  // follows its bands, and is no drawing of levels and
+                                            // shares
+      break;
+  }
+  return false;
+}
+
 double SampleSum(const double* samples, uint64 first, uint64 end) {
   double sum = 0.0;
   if (samples == nullptr) return sum;

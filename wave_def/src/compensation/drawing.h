@@ -30,6 +30,15 @@ struct CosinePulse {
 void DrawCosineCompensation(double* target, uint64 N, double A, double S, uint64 iPre, uint64 iPost,
                             const CosinePulse& pre, const CosinePulse& post);
 
+/// Draws the compensation of a drawn type: ramps, cosines without a flat part, cosines with one as
+/// long as their taper.
+/// @param[in,out] target  N samples; those that are not drawn keep their values
+/// @param[in] S           sum of the main pulse's samples [amplitude unit]
+/// @param[in] drawn       levels and shares of the two pulses
+/// @return false, with nothing drawn, if the target is missing or the type is none of these
+bool DrawCompensation(double* target, uint64 N, double A, double S,
+                      CWaveDefClassical::COMP_TYPE type, const Place& at, const Drawn& drawn);
+
 /// The sum of the samples first .. end - 1; 0 if they are missing or there are none.
 double SampleSum(const double* samples, uint64 first, uint64 end);
 

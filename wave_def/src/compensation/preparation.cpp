@@ -104,8 +104,23 @@ Levels PairLevels(const UnitPulse& pre, const UnitPulse& post, const Place& at,
   return {(wave.tot * A22 - A12 * R) / det, (A11 * R - A21 * wave.tot) / det};
 }
 
-// ---- Ramps
-// -------------------------------------------------------------------------------------------
+/// The sum of the main pulse's samples, its last one left out.
+double MainSum(const Pulse& pulse) {
+  return SampleSum(pulse.wave.data(), static_cast<uint64>(pulse.at.iS),
+                   static_cast<uint64>(pulse.at.iE));
+}
+
+/// Draws the compensation of an attempt and adds it to the wave.
+void Combine(const Settings& settings, Attempt* attempt) {
+  const Pulse& pulse = attempt->pulse;
+  Wave& comp = attempt->comp;
+  comp.assign(pulse.wave.size(), 0.0);
+  DrawCompensation(comp.data(), comp.size(), pulse.A, MainSum(pulse), settings.type, pulse.at,
+                   attempt->drawn);
+  for (std::size_t i = 0; i < comp.size(); ++i) comp[i] += pulse.wave[i];
+}
+
+// ---- Ramps -------------------------------------------------------------------------------------
 
 UnitPulse RampOf(int64 n) {
   const auto length = static_cast<double>(n);
@@ -151,16 +166,10 @@ std::optional<Attempt> PrepareRamps(const Pulse& pulse, const Settings& settings
     if (!accepted(p.pre, pm.pre, settings.pre) || !accepted(p.post, pm.post, settings.post))
       return std::nullopt;
     Attempt attempt{ShiftedBy(pulse, shift), {}, {p.pre, p.post, 0.0, 0.0}, shift};
-    const double r = SampleSum(attempt.pulse.wave.data(), static_cast<uint64>(at.iS),
-                               static_cast<uint64>(at.iE)) /
-                     pulse.A;
+    const double r = MainSum(attempt.pulse) / pulse.A;
     attempt.drawn.sharePre = p.pre * RampOf(n1).a / r;
     attempt.drawn.sharePost = p.post * RampOf(n2).a / r;
-    Wave target(pulse.wave.size());
-    DrawRampCompensation(target.data(), target.size(), pulse.A, static_cast<uint64>(at.iPS),
-                         static_cast<uint64>(at.iPE), p.pre, p.post);
-    attempt.comp = attempt.pulse.wave;
-    for (std::size_t i = 0; i < target.size(); ++i) attempt.comp[i] += target[i];
+    Combine(settings, &attempt);
     return attempt;
   };
   for (int64 distance = 0; distance < N; ++distance) {
@@ -171,8 +180,7 @@ std::optional<Attempt> PrepareRamps(const Pulse& pulse, const Settings& settings
   return std::nullopt;
 }
 
-// ---- Cosines
-// -----------------------------------------------------------------------------------------
+// ---- Cosines -----------------------------------------------------------------------------------
 
 int64 FlatOf(double f, int64 t) {
   return static_cast<int64>(std::floor(static_cast<double>(t) * f + 0.5));
@@ -247,7 +255,15 @@ std::optional<Attempt> PrepareCosines(const Pulse& pulse, const Settings& settin
   const Levels pm = LevelLimits(pulse, settings).Shifted(0);
   const int64 room1 = pulse.at.iPS - 1;
   const int64 room2 = N - 2 - pulse.at.iPE;
-  if (shortage != nullptr) *shortage = {pm.pre, pm.post, {0, room1}, {0, room2}};
+  if (shortage != nullptr) {  // what the levels ask for, should there be no plan at all
+    const bool both = settings.pre != 0.0 && settings.post != 0.0;
+    const auto needed = [&](double level) -> int64 {
+      if (level == 0.0) return 0;
+      const int64 t = LeastTaper(f, both ? wave.tot / 2.0 : wave.tot, 0.95 * level);
+      return t + FlatOf(f, t);
+    };
+    *shortage = {pm.pre, pm.post, {needed(pm.pre), room1}, {needed(pm.post), room2}};
+  }
   for (const double phi : {0.95, 0.98}) {
     const Levels P{phi * pm.pre, phi * pm.post};
     const auto plan = PlanCosines(pulse, settings, f, P, wave);
@@ -270,20 +286,14 @@ std::optional<Attempt> PrepareCosines(const Pulse& pulse, const Settings& settin
     if (!fits1 || !fits2 || at.iS < 1 || at.iE > N - 2) continue;
 
     Attempt attempt{ShiftedBy(pulse, shift), {}, {}, shift};
-    const double S = SampleSum(attempt.pulse.wave.data(), static_cast<uint64>(at.iS),
-                               static_cast<uint64>(at.iE));
-    const double r = S / pulse.A;
+    const double r = MainSum(attempt.pulse) / pulse.A;
+    // With this share the drawing comes to exactly the taper that was planned.
     const auto share = [&](int64 t, double p) {
       return static_cast<double>(t) * (f + 0.5) * p / r;
     };
     attempt.drawn = {plan->p.pre, plan->p.post, share(plan->t1, plan->p.pre),
                      share(plan->t2, plan->p.post)};
-    attempt.comp = attempt.pulse.wave;
-    Wave target(pulse.wave.size());
-    DrawCosineCompensation(target.data(), target.size(), pulse.A, S, static_cast<uint64>(at.iPS),
-                           static_cast<uint64>(at.iPE), {plan->p.pre, attempt.drawn.sharePre, f},
-                           {plan->p.post, attempt.drawn.sharePost, f});
-    for (std::size_t i = 0; i < target.size(); ++i) attempt.comp[i] += target[i];
+    Combine(settings, &attempt);
     return attempt;
   }
   return std::nullopt;

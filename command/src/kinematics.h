@@ -1,0 +1,24 @@
+// What a waveform makes of the table: velocity and displacement, in the units of the field.
+#pragma once
+
+#include <string>
+
+#include "common/data_array/data_array_float_t.h"
+#include "wave_def/wave_def.h"
+
+namespace qarv::command {
+
+/// Velocity and displacement of a waveform that is an acceleration, from rest, by the trapezoidal
+/// rule.
+struct Kinematics {
+  common::CDataArrayFloatT<double> velocity, displacement;
+  std::string velocityUnit,
+      displacementUnit;  // m/s and mm, where the amplitude unit is known as an acceleration
+};
+
+Kinematics KinematicsOf(const wave_def::CWaveDef& def);
+
+/// Whether the waveform is made to leave the table where it was: a compensated classical pulse.
+bool IsCompensated(const wave_def::CWaveDef& def);
+
+}  // namespace qarv::command
