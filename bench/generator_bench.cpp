@@ -236,6 +236,25 @@ void BM_SetDefClassical(benchmark::State& state) {
 }
 BENCHMARK(BM_SetDefClassical)->Arg(10000)->Arg(1000000);
 
+/// A half-sine in a frame of 128 widths, compensated.
+void BM_SetDefCompensated(benchmark::State& state) {
+  CWaveDefClassical set;
+  set.SetWaveKind(wave_def_sub::HALF_SINE);
+  set.SetTolKind(CWaveDefClassical::TOL_FIXED_4);
+  set.SetMainAmpl(50.0);
+  set.SetFmax(1000.0 / 2.56);
+  set.SetNsamp(8192);
+  set.SetMainWidth(0.064);
+  set.SetAddCmp(true);
+  set.SetCmpType(static_cast<CWaveDefClassical::COMP_TYPE>(state.range(0)));
+  set.SetCmpNonSym(true);
+  set.SetCmpPre(1.0);
+  set.SetCmpPost(1.0);
+  set.SetOptRatLevel(1.0);
+  RunWarm(state, &CWaveDef::SetDefClassical, set);
+}
+BENCHMARK(BM_SetDefCompensated)->ArgName("type")->DenseRange(1, 4)->Unit(benchmark::kMillisecond);
+
 void BM_SetDefMeasure(benchmark::State& state) {
   const common::CDataArrayFloatT<double> samples(static_cast<common::uint64>(state.range(0)));
   CWaveDef def = Settings();

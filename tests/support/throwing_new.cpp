@@ -10,5 +10,8 @@ void* operator new(std::size_t n) {
   if (p == nullptr) throw std::bad_alloc();
   return p;
 }
+void* operator new(std::size_t n, const std::nothrow_t& /*tag*/) noexcept {
+  return std::malloc(n == 0 ? 1 : n);
+}
 void operator delete(void* p) noexcept { std::free(p); }
 void operator delete(void* p, std::size_t) noexcept { std::free(p); }

@@ -184,7 +184,7 @@ double AccelerationOf(const MovesFound& found) {
 Move MakeMove(int64 n, double part) {
   const auto length = static_cast<double>(n);
   // Rounded half up; both halves have at least three samples.
-  const int64 n1 = std::clamp<int64>(static_cast<int64>(std::floor(length * part + 0.5)), 3, n - 3);
+  const int64 n1 = std::clamp<int64>(LengthOf(length * part + 0.5), 3, n - 3);
   const int64 n2 = n - n1;
   Move move{n, 0.0, Wave(At(n) + 1), {}};
   const auto half = [&](int64 from, int64 count, double sign) {
@@ -208,7 +208,7 @@ std::vector<Move> MakeMoves(std::span<const double> lengths, std::span<const dou
   std::vector<int64> made;
   for (const double length : lengths) {
     if (!(length >= static_cast<double>(kShortest))) continue;
-    const int64 n = std::min(static_cast<int64>(length), room);
+    const int64 n = std::min(LengthOf(length), room);
     if (n < kShortest || std::find(made.begin(), made.end(), n) != made.end()) continue;
     made.push_back(n);
     for (const double part : parts) moves.push_back(MakeMove(n, part));

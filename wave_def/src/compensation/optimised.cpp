@@ -107,7 +107,7 @@ class Side {
 
   int64 Longest() const { return static_cast<int64>(profile_.size()); }
   int64 TaperOf(int64 n) const {
-    const auto t = static_cast<int64>(std::floor(static_cast<double>(n) / (f_ + 1.0) + 0.5));
+    const int64 t = LengthOf(static_cast<double>(n) / (f_ + 1.0) + 0.5);  // rounded half up
     return std::min(n, std::max<int64>(1, t));
   }
   double AreaOf(int64 n) const {

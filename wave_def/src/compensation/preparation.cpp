@@ -154,7 +154,7 @@ std::optional<Attempt> PrepareRamps(const Pulse& pulse, const Settings& settings
     const Levels pm = limits.Shifted(shift);
     if (shortage != nullptr && shift == 0) {
       const auto length = [](double area, double level) {  // that a ramp of this level takes
-        return level > 0.0 ? static_cast<int64>(std::min(2.0 * area / level + 1.0, 1e15)) : 0;
+        return level > 0.0 ? LengthOf(2.0 * area / level + 1.0) : 0;
       };
       const bool both = settings.pre != 0.0 && settings.post != 0.0;
       const double area = both ? wave.tot / 2.0 : wave.tot;
@@ -183,7 +183,7 @@ std::optional<Attempt> PrepareRamps(const Pulse& pulse, const Settings& settings
 // ---- Cosines -----------------------------------------------------------------------------------
 
 int64 FlatOf(double f, int64 t) {
-  return static_cast<int64>(std::floor(static_cast<double>(t) * f + 0.5));
+  return LengthOf(static_cast<double>(t) * f + 0.5);  // rounded half up
 }
 
 /// The pulse of a taper t as it is drawn; the taper's samples sum up to t / 2 + 1 / 2.
@@ -202,7 +202,7 @@ UnitPulse CosineOf(double f, int64 t) {
 /// The least taper with which a pulse of level P has the area x.
 int64 LeastTaper(double f, double x, double P) {
   const double t = std::ceil((x / P - 0.5) / (f + 0.5));
-  return t < 1.0 ? 1 : static_cast<int64>(std::min(t, 1e15));
+  return t < 1.0 ? 1 : LengthOf(t);
 }
 
 struct CosinePlan {
@@ -239,8 +239,7 @@ std::optional<CosinePlan> PlanCosines(const Pulse& pulse, const Settings& settin
       return CosinePlan{t1, t2, p};
     }
     const auto longer = [](int64 t, double ratio) {
-      const double grown = std::floor(static_cast<double>(t) * std::sqrt(ratio));
-      return std::max(t + 1, static_cast<int64>(std::min(grown, 1e15)));
+      return std::max(t + 1, LengthOf(static_cast<double>(t) * std::sqrt(ratio)));
     };
     if (!fits1) t1 = longer(t1, p.pre / P.pre);
     if (!fits2) t2 = longer(t2, p.post / P.post);

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "common/int_types.h"
+#include "common/numeric/index_conv.h"
 #include "wave_def/wave_def_classical.h"
 
 namespace qarv::wave_def::compensation {
@@ -26,6 +27,14 @@ inline constexpr double kNoLimit = std::numeric_limits<double>::lowest();
 /// The least limit outside the main pulse, a share of the peak: what a shaker's noise and ringing
 /// need.
 inline constexpr double kLeastLimit = 0.01;
+
+/// A length in samples, rounded down.  What no frame has (a NaN, a negative length, an endless one)
+/// becomes longer than every frame.
+inline int64 LengthOf(double samples) {
+  constexpr uint64 kLongest = uint64{1} << 50;
+  const uint64 n = common::FloorToIndex(samples);
+  return static_cast<int64>(n < kLongest ? n : kLongest);
+}
 
 /// Where the main pulse lies.  [sample] Signed, because a rest may reach beyond the frame.
 struct Place {
