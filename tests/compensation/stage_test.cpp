@@ -526,6 +526,40 @@ TEST(Compensation, ComesCloseToThePhysicalLimit) {
   }
 }
 
+TEST(Compensation, TheOptimisedTypeSucceedsWhereverThePulseFitsAndKeepsToItsSide) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "hundreds of definitions of long frames: judged in the optimised builds";
+#endif
+  int feasible = 0;
+  int done = 0;
+  int steered = 0;
+  int onSide = 0;
+  for (const bool nonSymmetric : {true, false}) {
+    std::vector<double> overFree;
+    for (const CompensationCase& c : Cases()) {
+      const Def set = c.Definition(4, nonSymmetric, 1.0);
+      const StrokeResult result = Compensate(set);
+      if (std::isfinite(c.LeastStroke("nominal", nonSymmetric))) {
+        ++feasible;
+        done += result.done;
+      }
+      if (!result.done) continue;
+      const double least = c.LeastStroke("free", nonSymmetric);
+      if (std::isfinite(least)) overFree.push_back(result.stroke / least);
+      const int kind = set.GetTolKind();
+      const int base = kind == Def::TOL_SPECIFY ? set.GetDefTolSpecify().GetBaseStandard() : 0;
+      if (kind == Def::TOL_FIXED_5 || kind == Def::TOL_FIXED_7 || base == 2 || base == 5) {
+        ++steered;
+        onSide += result.up >= result.swing - result.up;
+      }
+    }
+    EXPECT_LE(Quantile(overFree, 0.5), nonSymmetric ? 1.22 : 1.26);
+  }
+  EXPECT_GE(done, feasible * 99 / 100);
+  EXPECT_GE(steered, 50);
+  EXPECT_GE(onSide, steered * 97 / 100);
+}
+
 TEST(Compensation, TheOptimisedTypeNeedsLessStrokeThanTheDrawnOne) {
 #ifdef __SANITIZE_ADDRESS__
   GTEST_SKIP() << "a thousand definitions of long frames: judged in the optimised builds";

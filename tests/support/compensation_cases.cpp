@@ -120,6 +120,7 @@ StrokeResult Compensate(const CWaveDefClassical& definition) {
   common::CCalcWave::IntegTime(x.size(), x.data(), x.data(), 1.0);
   const auto [low, high] = std::minmax_element(x.begin(), x.end());
   result.stroke = std::max(*high, -*low) / A;
+  result.up = *high / A;
   result.swing = (*high - *low) / A;
   result.endDisplacement = std::fabs(x.back()) / A / result.stroke;
   return result;

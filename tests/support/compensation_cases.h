@@ -42,6 +42,7 @@ std::vector<CompensationCase> ReadCompensationCases(const std::string& file);
 struct StrokeResult {
   bool done;
   double stroke;                        // largest |displacement| over A dt^2
+  double up;                            // largest displacement to the positive side
   double swing;                         // largest less least displacement
   double velocity;                      // largest |velocity| over A dt
   double endVelocity, endDisplacement;  // at the end, over the largest of each

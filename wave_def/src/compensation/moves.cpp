@@ -127,9 +127,15 @@ double Minimise(double a, double b, F f) {
   return atLeft <= atRight ? left : right;
 }
 
+/// Memory that the pairs of one search share.
+struct Scratch {
+  Wave base, w, moved;
+};
+
 /// The displacement with a pair of moves, at every sample.
-Wave Moved(const Wave& d, const MovesFound& found) {
-  Wave y(d);
+void Displace(const Wave& d, const MovesFound& found, Wave* moved) {
+  moved->assign(d.begin(), d.end());
+  Wave& y = *moved;
   const std::size_t N = y.size();
   if (found.pre != nullptr) {
     const Wave& travel = found.pre->travel;
@@ -140,12 +146,11 @@ Wave Moved(const Wave& d, const MovesFound& found) {
     const Wave& travel = found.post->travel;
     for (std::size_t j = 0; j < travel.size(); ++j) y[N - 1 - j] += found.h2 * (travel[j] - 1.0);
   }
-  return y;
 }
 
 /// The best factors for one pair of moves; `scale` is the largest |displacement| without them.
 MovesFound Pair(const Reach& pre, const Reach& post, const Wave& d, double scale,
-                const MoveRules& rules) {
+                const MoveRules& rules, Scratch* scratch) {
   const std::size_t N = d.size();
   const double gap = -d.back();
   MovesFound found{.pre = pre.move, .post = post.move};
@@ -156,18 +161,19 @@ MovesFound Pair(const Reach& pre, const Reach& post, const Wave& d, double scale
 
   // With h2 = h1 - gap the displacement is base + h1 w; a thousand samples of it are enough to find
   // h1.
-  Wave base;
-  Wave w;
+  auto& [base, w, moved] = *scratch;
+  base.clear();
+  w.clear();
   const std::size_t stride = std::max<std::size_t>(1, N / 1024);
   for (std::size_t i = 0; i < N; i += stride) {
     const double behind = TravelAt(post.move, true, i, N);
     base.push_back(d[i] - gap * behind);
     w.push_back(TravelAt(pre.move, false, i, N) + behind);
   }
-  found.h1 =
-      Minimise(low, high, [&](double h) { return ExtremesOf(base, w, h).Stroke(rules.lead); });
+  const auto strokeAt = [&](double h) { return ExtremesOf(base, w, h).Stroke(rules.lead); };
+  found.h1 = Minimise(low, high, strokeAt);
   found.h2 = found.h1 - gap;
-  const Wave moved = Moved(d, found);
+  Displace(d, found, &moved);
   const Extremes reached = ExtremesOf(moved, moved, 0.0);
   found.stroke = reached.Stroke(rules.lead);
   found.swing = reached.high - reached.low;
@@ -222,9 +228,12 @@ MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
   const double scale = ExtremesOf(d, d, 0.0).Stroke(1.0);
   const auto pres = BestReaches(moves.pre, false, c, limits, rules.top);
   const auto posts = BestReaches(moves.post, true, c, limits, rules.top);
+  Scratch scratch;
   std::vector<MovesFound> pairs;
   for (const Reach& pre : pres) {
-    for (const Reach& post : posts) pairs.push_back(Pair(pre, post, d, scale, rules));
+    for (const Reach& post : posts) {
+      pairs.push_back(Pair(pre, post, d, scale, rules, &scratch));
+    }
   }
   const auto better = [](const MovesFound& a, const MovesFound& b) {
     return a.home != b.home ? a.home : a.stroke < b.stroke;

@@ -63,9 +63,16 @@ bool Solve(Matrix4 G, Vector4 b, Vector4* x) {
 
 Reshaper::Reshaper(uint64 N) : plan_(N) {
   const uint64 lines = com_def::comdefsystemconst::ConvNsampToNlineByVal(N) + 1;
-  for (Wave* array : {&cos_, &sin_, &tan_, &re_, &im_, &shapedRe_, &shapedIm_})
-    array->resize(lines);
-  work_.resize(plan_.GetWorkSize());
+  const std::array parts{&cos_, &sin_, &tan_, &re_, &im_, &shapedRe_, &shapedIm_};
+  block_.resize(parts.size() * lines + plan_.GetWorkSize());
+  std::span<double> rest(block_);
+  const auto take = [&rest](uint64 n) {
+    const std::span<double> part = rest.first(n);
+    rest = rest.subspan(n);
+    return part;
+  };
+  for (Lines* const part : parts) *part = take(lines);
+  work_ = take(plan_.GetWorkSize());
   for (uint64 k = 0; k < lines; ++k) {
     common::CMatFFT::GetCosSinI(static_cast<int64>(k), static_cast<int64>(N), &cos_[k], &sin_[k]);
     const bool hasSine = k != 0 && 2 * k != N;

@@ -13,6 +13,8 @@
 // lines.
 #pragma once
 
+#include <span>
+
 #include "common/numeric/mat_fft.h"
 #include "compensation/problem.h"
 
@@ -22,6 +24,9 @@ class Reshaper {
  public:
   /// For frames of N samples.
   explicit Reshaper(uint64 N);
+  Reshaper(const Reshaper&) = delete;  // its parts point into its own block
+  Reshaper& operator=(const Reshaper&) = delete;
+  ~Reshaper() = default;
 
   /// Takes the waveform to reshape: N samples.
   void SetWave(const Wave& comp);
@@ -32,11 +37,14 @@ class Reshaper {
   bool Reshape(double g, Wave* out);
 
  private:
+  using Lines = std::span<double>;  // one value per spectral line
+
   common::FftPlan plan_;
-  Wave cos_, sin_, tan_;  // per line: cos and sin of theta = 2 pi k / N, and (1 + cos) / sin
-  Wave work_;
-  Wave re_, im_;              // spectrum of the waveform
-  Wave shapedRe_, shapedIm_;  // and of the result
+  Wave block_;                 // all work memory; the parts below lie in it
+  std::span<double> work_;     // of the transforms
+  Lines cos_, sin_, tan_;      // cos and sin of theta = 2 pi k / N, and (1 + cos) / sin
+  Lines re_, im_;              // spectrum of the waveform
+  Lines shapedRe_, shapedIm_;  // and of the result
 };
 
 }  // namespace qarv::wave_def::compensation
