@@ -2,7 +2,7 @@
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${PROJECT_NAME})
-install(TARGETS qarv_common EXPORT ${PROJECT_NAME} FILE_SET HEADERS)
+install(TARGETS qarv_common qarv_analysis EXPORT ${PROJECT_NAME} FILE_SET HEADERS)
 install(TARGETS qarv_vib_ctrl_wave_def EXPORT ${PROJECT_NAME}
   FILE_SET HEADERS
   FILE_SET generated)

@@ -1,0 +1,68 @@
+// Shock response spectra: the largest responses of oscillators to a shock, over their natural
+// frequency.
+#pragma once
+
+#include <array>
+#include <span>
+#include <vector>
+
+namespace qarv::analysis {
+
+/// Which response of the oscillator to the acceleration of its base.
+enum class SrsResponse {
+  AbsoluteAcceleration,  ///< of the mass [unit of the input]
+  RelativeDisplacement,  ///< of the mass against its base [unit of the input x s^2]
+  PseudoVelocity,        ///< 2 pi f times the relative displacement [unit of the input x s]
+};
+
+/// The recursive filter of one oscillator, ramp invariant: exact at the samples for an input that
+/// is straight in between (ISO 18431-4).
+///
+///   y[k] = b0 x[k] + b1 x[k - 1] + b2 x[k - 2] - a1 y[k - 1] - a2 y[k - 2]
+struct SrsFilter {
+  double b0, b1, b2, a1, a2;
+};
+
+/// @param[in] frequency  natural frequency [Hz], above 0 and below fsamp / 2
+/// @param[in] zeta       damping ratio, 0 <= zeta < 1
+SrsFilter MakeSrsFilter(double frequency, double zeta, double fsamp, SrsResponse response);
+
+/// The largest responses of a stretch of time: to the positive side and to the negative, 0 if there
+/// is none.
+struct SrsExtremes {
+  double positive = 0.0;
+  double negative = 0.0;  // as a negative number
+  double Maximax() const { return positive > -negative ? positive : -negative; }
+};
+
+/// One line of a spectrum.
+struct SrsPoint {
+  double frequency;      // [Hz]
+  SrsExtremes primary;   // while the shock lasts, between its samples by a parabola
+  SrsExtremes residual;  // afterwards, from the free decay in closed form
+  SrsExtremes Total() const;
+};
+
+/// The spectrum of a shock.
+///
+/// The oscillators start at rest.  The shock lasts to its last sample and is 0 from the next one
+/// on. The primary response is exact at the samples for an input that is straight in between; its
+/// peaks are taken on parabolas through three samples.  Below 10 samples a cycle they get
+/// uncertain.
+/// @param[in] shock        acceleration of the base, taken at fsamp [Hz]
+/// @param[in] frequencies  natural frequencies [Hz]
+/// @return a point for each frequency; none if fsamp is not a positive number, zeta is not in 0 <=
+/// zeta < 1 or a
+///         frequency is not above 0 and below fsamp / 2
+///
+/// Cost: frequencies times samples, eight frequencies side by side.
+std::vector<SrsPoint> CalcSrs(std::span<const double> shock, double fsamp,
+                              std::span<const double> frequencies, double zeta,
+                              SrsResponse response);
+
+/// Frequencies from low to high [Hz], evenly spaced on a logarithmic scale, `perOctave` in each
+/// octave; the last one is the largest that is not above high.
+/// @return none unless 0 < low <= high, both are numbers, and perOctave is above 0
+std::vector<double> SrsFrequencies(double low, double high, double perOctave);
+
+}  // namespace qarv::analysis
