@@ -15,22 +15,6 @@ using Samples = common::CDataArrayFloatT<double>;
 
 namespace {
 
-/// One amplitude unit in m/s^2; 0 if it is not known as an acceleration.
-double MetresPerSecondSquared(const CWaveDef& def) {
-  constexpr std::array<std::pair<const char*, double>, 7> kUnits{{{"m/s^2", 1.0},
-                                                                  {"g", 9.80665},
-                                                                  {"Gal", 0.01},
-                                                                  {"cm/s^2", 0.01},
-                                                                  {"mm/s^2", 0.001},
-                                                                  {"ft/s^2", 0.3048},
-                                                                  {"in/s^2", 0.0254}}};
-  const std::string text = def.GetUnitAmpl().GetText();
-  for (const auto& [unit, factor] : kUnits) {
-    if (text == unit) return factor;
-  }
-  return 0.0;
-}
-
 Samples Integrated(const Samples& x, double rate, double factor) {
   Samples out(x.GetSize());
   common::CCalcWave::IntegTime(x.GetSize(), out.GetData(), x.GetData(), rate);
@@ -40,10 +24,24 @@ Samples Integrated(const Samples& x, double rate, double factor) {
 
 }  // namespace
 
+double MetresPerSecondSquared(const std::string& unit) {
+  constexpr std::array<std::pair<const char*, double>, 7> kUnits{{{"m/s^2", 1.0},
+                                                                  {"g", 9.80665},
+                                                                  {"Gal", 0.01},
+                                                                  {"cm/s^2", 0.01},
+                                                                  {"mm/s^2", 0.001},
+                                                                  {"ft/s^2", 0.3048},
+                                                                  {"in/s^2", 0.0254}}};
+  for (const auto& [name, factor] : kUnits) {
+    if (unit == name) return factor;
+  }
+  return 0.0;
+}
+
 Kinematics KinematicsOf(const CWaveDef& def) {
   const double rate = SampleRateOf(def);
-  const double acceleration = MetresPerSecondSquared(def);
   const std::string unit = def.GetUnitAmpl().GetText();
+  const double acceleration = MetresPerSecondSquared(unit);
   const bool known = acceleration != 0.0;
   Kinematics k{Integrated(def.GetWave(), rate, known ? acceleration : 1.0),
                {},

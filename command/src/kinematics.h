@@ -18,6 +18,9 @@ struct Kinematics {
 
 Kinematics KinematicsOf(const wave_def::CWaveDef& def);
 
+/// One unit of that text in m/s^2; 0 if it is not known as an acceleration.
+double MetresPerSecondSquared(const std::string& unit);
+
 /// Whether the waveform is made to leave the table where it was: a compensated classical pulse.
 bool IsCompensated(const wave_def::CWaveDef& def);
 

@@ -8,6 +8,7 @@
 
 #include "generate.h"
 #include "show.h"
+#include "srs.h"
 #include "text.h"
 
 namespace {
@@ -35,6 +36,27 @@ int Run(int argc, char** argv) {
   showCommand->add_option("--samples", show.samples,
                           "where the samples of a measured waveform go (RECORD.samples.csv)");
   showCommand->callback([&] { Show(show); });
+
+  SrsOptions srs;
+  auto* const srsCommand = app.add_subcommand("srs", "Calculate a shock response spectrum");
+  srsCommand
+      ->add_option("INPUT", srs.input, "definition (.json), measured samples (.csv) or record")
+      ->required();
+  srsCommand->add_option("--response", srs.response,
+                         "acceleration (absolute), displacement (relative) or pseudo-velocity");
+  auto* const q = srsCommand->add_option("--q", srs.q, "quality factor (10)");
+  srsCommand->add_option("--damping", srs.damping, "damping ratio, instead of --q")->excludes(q);
+  srsCommand->add_option("--from", srs.from, "lowest natural frequency [Hz] (5)");
+  srsCommand->add_option("--to", srs.to, "highest [Hz] (a tenth of the sampling frequency)");
+  auto* const perOctave =
+      srsCommand->add_option("--per-octave", srs.perOctave, "lines per octave (12)");
+  srsCommand->add_option("--points", srs.points, "number of lines, instead of --per-octave")
+      ->excludes(perOctave);
+  srsCommand->add_flag("--tripartite", srs.tripartite,
+                       "pseudo velocity, with lines of displacement and acceleration in the plot");
+  srsCommand->add_option("--csv", srs.csv, "write all responses over frequency");
+  srsCommand->add_option("--plot", srs.plot, "write a picture, .png or .svg");
+  srsCommand->callback([&] { Srs(srs); });
 
   try {
     app.parse(argc, argv);

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "definition.h"
+#include "gnuplot.h"
 #include "kinematics.h"
 #include "text.h"
 
@@ -23,19 +24,6 @@ using Samples = common::CDataArrayFloatT<double>;
 namespace {
 
 constexpr uint64 kColumns = 1500;  // of the picture that hold data; finer detail is not seen
-
-/// A text as a double-quoted gnuplot string.
-std::string Quoted(const std::string& text) {
-  std::string out = "\"";
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    // Bytes of UTF-8 pass; what could end or change the string goes by its number.
-    const bool plain =
-        byte >= 0x20 && byte != 0x7F && c != '"' && c != '\\' && c != '`' && c != '$';
-    out += plain ? std::string(1, c) : fmt::format("\\{:03o}", byte);
-  }
-  return out + '"';
-}
 
 struct Range {
   double low = HUGE_VAL;
@@ -133,9 +121,7 @@ std::string Script(const CWaveDef& def, const std::string& title, PlotFormat for
   const std::vector<Panel> panels = PanelsOf(def, kinematics);
   fmt::memory_buffer script;
   const auto out = std::back_inserter(script);
-  fmt::format_to(out, "set terminal {} size 1000,{} font \"DejaVu Sans,11\" noenhanced\n",
-                 format == PlotFormat::Png ? "pngcairo" : "svg", panels.size() == 1 ? 600 : 1000);
-  fmt::format_to(out, "set output {}\nset encoding utf8\n", Quoted(file));
+  script.append(Terminal(format, 1000, panels.size() == 1 ? 600 : 1000, file));
   fmt::format_to(out, "set xrange [0:{}]\n", hasDuration ? duration : 1.0);
   fmt::format_to(out,
                  "set grid linetype 1 linewidth 0.5 linecolor rgb \"#c8c8c8\"\n"
@@ -172,24 +158,9 @@ std::string Script(const CWaveDef& def, const std::string& title, PlotFormat for
 
 }  // namespace
 
-PlotFormat PlotFormatOf(const std::string& file) {
-  const std::string extension = std::filesystem::path(file).extension().string();
-  if (extension == ".png") return PlotFormat::Png;
-  if (extension == ".svg") return PlotFormat::Svg;
-  throw CommandError(kBadInput, OneLine(file + ": a plot ends with .png or .svg"));
-}
-
 void PlotWave(const CWaveDef& def, const std::string& title, PlotFormat format,
               const std::string& file) {
-  const std::string script = Script(def, title, format, file);
-  std::FILE* const gnuplot = popen("gnuplot >/dev/null 2>&1", "w");
-  const bool sent =
-      gnuplot != nullptr && std::fwrite(script.data(), 1, script.size(), gnuplot) == script.size();
-  const bool done = gnuplot != nullptr && pclose(gnuplot) == 0;
-  std::error_code error;
-  if (!sent || !done || std::filesystem::file_size(file, error) == 0 || error) {
-    throw CommandError(kBadInput, "gnuplot, which draws the plots, is missing or has failed");
-  }
+  RunGnuplot(Script(def, title, format, file), file);
 }
 
 }  // namespace qarv::command

@@ -3,14 +3,10 @@
 
 #include <string>
 
+#include "gnuplot.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::command {
-
-enum class PlotFormat { Png, Svg };
-
-/// The format that a file name ends with.  Ends the command where it is neither .png nor .svg.
-PlotFormat PlotFormatOf(const std::string& file);
 
 /// Plots the waveform, its bands dashed, over time.
 /// Ends the command where gnuplot is missing or does not succeed.

@@ -1,0 +1,233 @@
+// qarv-wave srs: the shock response spectrum of a waveform.
+#include "srs.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <iterator>
+#include <vector>
+
+#include "analysis/srs.h"
+#include "common/numeric/constants.h"
+#include "gnuplot.h"
+#include "input_wave.h"
+#include "kinematics.h"
+#include "output_files.h"
+#include "text.h"
+
+namespace qarv::command {
+
+using analysis::SrsPoint;
+using analysis::SrsResponse;
+
+namespace {
+
+constexpr double kSamplesPerCycle = 10.0;  // below it the peaks get uncertain
+
+/// A response by name, and the unit of its values.
+struct Response {
+  const char* name;
+  SrsResponse response;
+  const char* title;
+  const char* knownUnit;   // where the input is known as an acceleration
+  double factor;           // from m/s^2 x s^n to it; 0: the input's own unit
+  const char* unitOfTime;  // what the unit of the input is multiplied by otherwise
+};
+
+constexpr std::array<Response, 3> kResponses{{
+    {"acceleration", SrsResponse::AbsoluteAcceleration, "absolute acceleration", "", 0.0, ""},
+    {"displacement", SrsResponse::RelativeDisplacement, "relative displacement", "mm", 1000.0,
+     " s^2"},
+    {"pseudo-velocity", SrsResponse::PseudoVelocity, "pseudo velocity", "m/s", 1.0, " s"},
+}};
+
+/// What a run works with, checked.
+struct Task {
+  const Response* response;
+  double zeta;
+  std::vector<double> frequencies;
+  double factor;     // of the results
+  std::string unit;  // of the results
+};
+
+[[noreturn]] void Refuse(const std::string& what) { throw CommandError(kBadInput, OneLine(what)); }
+
+Task Prepare(const SrsOptions& options, const InputWave& wave) {
+  Task task{};
+  for (const Response& response : kResponses) {
+    if (options.response == response.name) task.response = &response;
+  }
+  if (options.tripartite) task.response = &kResponses[2];
+  if (task.response == nullptr) {
+    Refuse("--response: is none of acceleration, displacement, pseudo-velocity");
+  }
+  if (!(options.q > 0.5)) Refuse("--q: is not above 0.5");
+  task.zeta = options.damping.value_or(0.5 / options.q);
+  if (!(task.zeta >= 0.0 && task.zeta < 1.0)) Refuse("--damping: is not within 0 to 1");
+
+  const double highest = 0.499 * wave.fsamp;
+  const double to = options.to.value_or(wave.fsamp / kSamplesPerCycle);
+  const double from = options.from.value_or(std::min(5.0, to / 10.0));
+  if (!(from > 0.0 && from <= to)) Refuse("--from, --to: are not 0 < from <= to");
+  if (!(to <= highest)) {
+    Refuse(fmt::format("--to: {:g} Hz is not below half the sampling frequency of {:g} Hz", to,
+                       wave.fsamp));
+  }
+  double perOctave = options.perOctave;
+  if (options.points) {
+    if (*options.points < 1 || *options.points > 100000)
+      Refuse("--points: is not within 1 to 100000");
+    perOctave =
+        *options.points > 1 && to > from ? (*options.points - 1) / std::log2(to / from) : 1.0;
+  }
+  task.frequencies = options.points == 1 ? std::vector<double>{from}
+                                         : analysis::SrsFrequencies(from, to, perOctave);
+  if (task.frequencies.empty()) Refuse("--per-octave: gives no frequencies");
+
+  const double acceleration = MetresPerSecondSquared(wave.unit);
+  const bool known = acceleration != 0.0 && task.response->factor != 0.0;
+  task.factor = known ? acceleration * task.response->factor : 1.0;
+  task.unit = known ? task.response->knownUnit : wave.unit + task.response->unitOfTime;
+  return task;
+}
+
+void WriteSpectrumCsv(const std::vector<SrsPoint>& points, double factor, const std::string& file) {
+  fmt::memory_buffer text;
+  const auto out = std::back_inserter(text);
+  fmt::format_to(out,
+                 "frequency,maximax,positive,negative,primary_positive,primary_negative,"
+                 "residual_positive,residual_negative\n");
+  for (const SrsPoint& p : points) {
+    const analysis::SrsExtremes total = p.Total();
+    fmt::format_to(out, "{},{},{},{},{},{},{},{}\n", p.frequency, factor * total.Maximax(),
+                   factor * total.positive, factor * total.negative, factor * p.primary.positive,
+                   factor * p.primary.negative, factor * p.residual.positive,
+                   factor * p.residual.negative);
+  }
+  WriteFile(file, text.data(), text.size());
+}
+
+/// The lines of constant displacement and acceleration through a plot of pseudo velocity.
+struct FourWay {
+  std::string labels, curves;  // of the script
+};
+
+/// At powers of ten, in mm and g where the velocity is in m/s.
+FourWay FourWayLines(const Task& task, double low, double high) {
+  const bool known = task.unit == "m/s";
+  const double displacement = common::kTwoPi * (known ? 1e-3 : 1.0);     // velocity over f, of 1
+  const double acceleration = (known ? 9.80665 : 1.0) / common::kTwoPi;  // velocity times f, of 1
+  const double from = task.frequencies.front();
+  const double to = task.frequencies.back();
+  const double middle = std::sqrt(from * to);
+  FourWay out;
+  const auto add = [&](const std::string& curve, double v, const std::string& label) {
+    out.curves +=
+        fmt::format(", {} with lines linecolor rgb \"#b0b0b0\" linewidth 0.8 notitle", curve);
+    if (v < low || v > high) return;
+    out.labels += fmt::format("set label {} at {},{} textcolor rgb \"#707070\" font \",8\"\n",
+                              Quoted(label), middle, v);
+  };
+  for (int power = -9; power <= 9; ++power) {
+    const double one = std::pow(10.0, power);
+    const double d = one * displacement;
+    const double a = one * acceleration;
+    if (d * to >= low && d * from <= high) {
+      add(fmt::format("{} * x", d), d * middle, fmt::format("{:g}{}", one, known ? " mm" : " x s"));
+    }
+    if (a / from >= low && a / to <= high) {
+      add(fmt::format("{} / x", a), a / middle, fmt::format("{:g}{}", one, known ? " g" : " / s"));
+    }
+  }
+  return out;
+}
+
+void PlotSpectrum(const std::vector<SrsPoint>& points, const Task& task, const std::string& title,
+                  bool tripartite, PlotFormat format, const std::string& file) {
+  fmt::memory_buffer script;
+  const auto out = std::back_inserter(script);
+  script.append(Terminal(format, 1000, tripartite ? 800 : 600, file));
+  double low = HUGE_VAL;
+  double high = 0.0;
+  for (const SrsPoint& p : points) {
+    const double v = task.factor * p.Total().Maximax();
+    if (!(v > 0.0 && std::isfinite(v))) continue;
+    low = std::min(low, v);
+    high = std::max(high, v);
+  }
+  if (low > high) low = high = 1.0;
+  low = std::pow(10.0, std::floor(std::log10(low)));
+  high = std::pow(10.0, std::ceil(std::log10(high) + 1e-9));
+  fmt::format_to(out, "set logscale xy\nset title {}\nset xlabel \"Natural frequency [Hz]\"\n",
+                 Quoted(title));
+  const std::string unit = task.unit.empty() ? "" : " [" + task.unit + "]";
+  fmt::format_to(out, "set ylabel {}\n", Quoted(std::string(task.response->title).append(unit)));
+  const double from = points.front().frequency;
+  const double to = std::max(points.back().frequency, from * 1.01);
+  fmt::format_to(out, "set xrange [{}:{}]\nset yrange [{}:{}]\nset bmargin 5\n", from, to, low,
+                 high > low ? high : 10 * low);
+  fmt::format_to(
+      out,
+      "set grid xtics ytics mxtics mytics linetype 1 linewidth 0.5 linecolor rgb \"#d8d8d8\"\n"
+      "set key at screen 0.5, 0.03 center horizontal\n$srs << EOD\n");
+  for (const SrsPoint& p : points) {
+    const auto positive = [&](double v) {
+      return v > 0.0 ? fmt::format("{}", task.factor * v) : "NaN";
+    };
+    fmt::format_to(out, "{} {} {} {}\n", p.frequency, positive(p.Total().Maximax()),
+                   positive(p.primary.Maximax()), positive(p.residual.Maximax()));
+  }
+  const FourWay fourWay = tripartite ? FourWayLines(task, low, high) : FourWay{};
+  fmt::format_to(
+      out,
+      "EOD\n{}plot $srs using 1:3 with lines linecolor rgb \"#c0392b\" dashtype (7,4) title "
+      "\"primary\","
+      " $srs using 1:4 with lines linecolor rgb \"#d68910\" dashtype (7,4) title \"residual\","
+      " $srs using 1:2 with lines linecolor rgb \"#1f4e9c\" linewidth 1.8 title \"maximax\"{}\n",
+      fourWay.labels, fourWay.curves);
+  RunGnuplot(fmt::to_string(script), file);
+}
+
+}  // namespace
+
+void Srs(const SrsOptions& options) {
+  const InputWave wave = LoadInputWave(options.input);
+  if (wave.samples.GetSize() == 0) Refuse(options.input + ": has no samples");
+  const Task task = Prepare(options, wave);
+  const auto points = analysis::CalcSrs({wave.samples.begin(), wave.samples.end()}, wave.fsamp,
+                                        task.frequencies, task.zeta, task.response->response);
+  if (points.empty()) Refuse(options.input + ": its sampling frequency is not a positive number");
+  OutputFiles files(options.input);
+  if (!options.csv.empty()) WriteSpectrumCsv(points, task.factor, files.Reserve(options.csv));
+  if (!options.plot.empty()) {
+    const PlotFormat format = PlotFormatOf(options.plot);
+    const std::string title =
+        fmt::format("{}: shock response spectrum, damping {:.4g}",
+                    std::filesystem::path(options.input).stem().string(), task.zeta);
+    PlotSpectrum(points, task, title, options.tripartite, format, files.Reserve(options.plot));
+  }
+  const double highest = task.frequencies.back();
+  if (highest * kSamplesPerCycle > wave.fsamp * (1.0 + 1e-9)) {
+    fmt::print(stderr, "qarv-wave: warning: {}: fewer than {:g} samples per cycle above {:g} Hz\n",
+               OneLine(options.input), kSamplesPerCycle, wave.fsamp / kSamplesPerCycle);
+  }
+  const auto largest =
+      std::max_element(points.begin(), points.end(), [](const SrsPoint& a, const SrsPoint& b) {
+        return a.Total().Maximax() < b.Total().Maximax();
+      });
+  const std::string unit = task.unit.empty() ? "" : " " + task.unit;
+  std::string text = fmt::format("response:  {}\n", task.response->title);
+  text += fmt::format("damping:   {:.4g} (Q {:.4g})\n", task.zeta, 0.5 / task.zeta);
+  text += fmt::format("lines:     {} from {:.6g} to {:.6g} Hz\n", points.size(),
+                      task.frequencies.front(), highest);
+  text += fmt::format("largest:   {:.6g}{} at {:.6g} Hz\n",
+                      task.factor * largest->Total().Maximax(), unit, largest->frequency);
+  WriteBytes(stdout, text.data(), text.size(), "standard output");
+  files.Commit();
+}
+
+}  // namespace qarv::command

@@ -1,0 +1,24 @@
+// qarv-wave srs: the shock response spectrum of a waveform.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace qarv::command {
+
+struct SrsOptions {
+  std::string input;
+  std::string response = "acceleration";
+  double q = 10.0;                 // quality factor, 1 / (2 damping)
+  std::optional<double> damping;   // ratio; in the place of q
+  std::optional<double> from, to;  // [Hz]
+  double perOctave = 12.0;
+  std::optional<int> points;  // in the place of perOctave
+  bool tripartite = false;    // pseudo velocity on axes of displacement and acceleration too
+  std::string csv, plot;      // files to write; empty for none
+};
+
+/// Calculates the spectrum, writes the files that are asked for, and prints a short summary.
+void Srs(const SrsOptions& options);
+
+}  // namespace qarv::command
