@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <iterator>
+#include <span>
 #include <vector>
 
 #include "analysis/srs.h"
@@ -123,24 +124,28 @@ FourWay FourWayLines(const Task& task, double low, double high) {
   const double acceleration = (known ? 9.80665 : 1.0) / common::kTwoPi;  // velocity times f, of 1
   const double from = task.frequencies.front();
   const double to = task.frequencies.back();
-  const double middle = std::sqrt(from * to);
+  // The two families of lines have their labels in different columns.
+  const double left = from * std::pow(to / from, 0.25);
+  const double right = from * std::pow(to / from, 0.75);
   FourWay out;
-  const auto add = [&](const std::string& curve, double v, const std::string& label) {
+  const auto add = [&](const std::string& curve, double at, double v, const std::string& label) {
     out.curves +=
         fmt::format(", {} with lines linecolor rgb \"#b0b0b0\" linewidth 0.8 notitle", curve);
     if (v < low || v > high) return;
     out.labels += fmt::format("set label {} at {},{} textcolor rgb \"#707070\" font \",8\"\n",
-                              Quoted(label), middle, v);
+                              Quoted(label), at, v);
   };
   for (int power = -9; power <= 9; ++power) {
     const double one = std::pow(10.0, power);
     const double d = one * displacement;
     const double a = one * acceleration;
     if (d * to >= low && d * from <= high) {
-      add(fmt::format("{} * x", d), d * middle, fmt::format("{:g}{}", one, known ? " mm" : " x s"));
+      add(fmt::format("{} * x", d), left, d * left,
+          fmt::format("{:g}{}", one, known ? " mm" : " x s"));
     }
     if (a / from >= low && a / to <= high) {
-      add(fmt::format("{} / x", a), a / middle, fmt::format("{:g}{}", one, known ? " g" : " / s"));
+      add(fmt::format("{} / x", a), right, a / right,
+          fmt::format("{:g}{}", one, known ? " g" : " / s"));
     }
   }
   return out;
@@ -192,14 +197,21 @@ void PlotSpectrum(const std::vector<SrsPoint>& points, const Task& task, const s
   RunGnuplot(fmt::to_string(script), file);
 }
 
+/// The samples up to the last one that is not 0: behind it the response is residual.
+std::span<const double> ShockOf(const InputWave& wave) {
+  std::span<const double> shock(wave.samples.begin(), wave.samples.end());
+  while (shock.size() > 1 && shock.back() == 0.0) shock = shock.first(shock.size() - 1);
+  return shock;
+}
+
 }  // namespace
 
 void Srs(const SrsOptions& options) {
   const InputWave wave = LoadInputWave(options.input);
   if (wave.samples.GetSize() == 0) Refuse(options.input + ": has no samples");
   const Task task = Prepare(options, wave);
-  const auto points = analysis::CalcSrs({wave.samples.begin(), wave.samples.end()}, wave.fsamp,
-                                        task.frequencies, task.zeta, task.response->response);
+  const auto points = analysis::CalcSrs(ShockOf(wave), wave.fsamp, task.frequencies, task.zeta,
+                                        task.response->response);
   if (points.empty()) Refuse(options.input + ": its sampling frequency is not a positive number");
   OutputFiles files(options.input);
   if (!options.csv.empty()) WriteSpectrumCsv(points, task.factor, files.Reserve(options.csv));

@@ -161,7 +161,8 @@ MovesFound Pair(const Reach& pre, const Reach& post, const Wave& d, double scale
 
   // With h2 = h1 - gap the displacement is base + h1 w; a thousand samples of it are enough to find
   // h1.
-  auto& [base, w, moved] = *scratch;
+  Wave& base = scratch->base;
+  Wave& w = scratch->w;
   base.clear();
   w.clear();
   const std::size_t stride = std::max<std::size_t>(1, N / 1024);
@@ -173,8 +174,8 @@ MovesFound Pair(const Reach& pre, const Reach& post, const Wave& d, double scale
   const auto strokeAt = [&](double h) { return ExtremesOf(base, w, h).Stroke(rules.lead); };
   found.h1 = Minimise(low, high, strokeAt);
   found.h2 = found.h1 - gap;
-  Displace(d, found, &moved);
-  const Extremes reached = ExtremesOf(moved, moved, 0.0);
+  Displace(d, found, &scratch->moved);
+  const Extremes reached = ExtremesOf(scratch->moved, scratch->moved, 0.0);
   found.stroke = reached.Stroke(rules.lead);
   found.swing = reached.high - reached.low;
   return found;

@@ -1,0 +1,129 @@
+// qarv-wave srs: its files, its units, and what it refuses.
+#include "analysis/srs.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <sstream>
+
+#include "run_command.h"
+
+namespace qarv::test {
+namespace {
+
+const std::string kHalfSine = QARV_SOURCE_DIR "/examples/definitions/half_sine_fixed.json";
+
+/// The rows of a CSV file behind its header.
+std::vector<std::vector<double>> Rows(const std::string& file) {
+  std::istringstream in(ReadText(file));
+  std::vector<std::vector<double>> rows;
+  std::string line;
+  std::getline(in, line);
+  while (std::getline(in, line)) {
+    std::istringstream items(line);
+    rows.emplace_back();
+    for (std::string item; std::getline(items, item, ',');)
+      rows.back().push_back(std::strtod(item.c_str(), nullptr));
+  }
+  return rows;
+}
+
+TEST(SrsCommand, WritesTheSpectrumOfADefinition) {
+  const TempFolder folder;
+  const auto result =
+      RunCommand({"srs", kHalfSine, "--csv", folder / "s.csv", "--plot", folder / "s.png", "--from",
+                  "10", "--to", "80", "--per-octave", "6", "--q", "10"});
+  ASSERT_EQ(result.code, 0) << result.err;
+  EXPECT_EQ(result.err, "");
+  EXPECT_NE(result.out.find("response:  absolute acceleration\ndamping:   0.05 (Q 10)\nlines:     "
+                            "19 from 10 to 80 Hz\n"),
+            std::string::npos)
+      << result.out;
+  EXPECT_TRUE(ReadText(folder / "s.csv")
+                  .starts_with("frequency,maximax,positive,negative,primary_positive,"));
+  const auto rows = Rows(folder / "s.csv");
+  ASSERT_EQ(rows.size(), 19U);
+  // 50 g, 11 ms: the closed form, as far as 141 samples of the pulse go.
+  EXPECT_EQ(rows.front()[0], 10.0);
+  EXPECT_NEAR(rows.front()[1], 20.259, 0.05);
+  EXPECT_NEAR(rows.back()[1], 82.414, 0.05);
+  for (const auto& row : rows) {
+    ASSERT_EQ(row.size(), 8U);
+    EXPECT_EQ(row[1], std::max(row[2], -row[3]));
+    EXPECT_EQ(row[2], std::max(row[4], row[6]));
+    EXPECT_EQ(row[3], std::min(row[5], row[7]));
+  }
+  EXPECT_TRUE(ReadText(folder / "s.png").starts_with("\x89PNG"));
+}
+
+TEST(SrsCommand, TakesRecordsAndMeasuredSamplesToo) {
+  const TempFolder folder;
+  ASSERT_EQ(RunCommand({"generate", kHalfSine, "--record", folder / "r.rec"}).code, 0);
+  const auto definition = RunCommand({"srs", kHalfSine, "--csv", folder / "a.csv"});
+  const auto record = RunCommand({"srs", folder / "r.rec", "--csv", folder / "b.csv"});
+  EXPECT_EQ(definition.out, record.out);
+  EXPECT_EQ(ReadText(folder / "a.csv"), ReadText(folder / "b.csv"));
+  const auto measured =
+      RunCommand({"srs", QARV_SOURCE_DIR "/examples/definitions/measured_shock.csv"});
+  EXPECT_EQ(measured.code, 0) << measured.err;
+  EXPECT_NE(measured.out.find("from 5 to 479.458 Hz"), std::string::npos) << measured.out;
+}
+
+TEST(SrsCommand, ConvertsDisplacementsAndVelocities) {
+  const TempFolder folder;
+  const auto largest = [&](const std::string& response) {
+    const auto result = RunCommand({"srs", kHalfSine, "--response", response, "--from", "50",
+                                    "--points", "1", "--damping", "0", "--csv", folder / "s.csv"});
+    EXPECT_EQ(result.code, 0) << result.err;
+    return Rows(folder / "s.csv").at(0)[1];
+  };
+  const double w = 2 * std::acos(-1.0) * 50;
+  const double g = largest("acceleration");  // undamped: w^2 times the displacement
+  EXPECT_NEAR(largest("displacement"), g * 9.80665 / (w * w) * 1000, 0.01);
+  EXPECT_NEAR(largest("pseudo-velocity"), g * 9.80665 / w, 1e-3);
+}
+
+TEST(SrsCommand, DrawsFourWayAxes) {
+  const TempFolder folder;
+  const auto result = RunCommand({"srs", kHalfSine, "--tripartite", "--plot", folder / "s.svg"});
+  ASSERT_EQ(result.code, 0) << result.err;
+  const std::string svg = ReadText(folder / "s.svg");
+  for (const char* const text : {"pseudo velocity [m/s]", "10 mm", "10 g", "maximax", "residual"}) {
+    EXPECT_NE(svg.find(text), std::string::npos) << text;
+  }
+}
+
+TEST(SrsCommand, WarnsBelowTenSamplesPerCycle) {
+  const auto result = RunCommand({"srs", kHalfSine, "--to", "2000"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_NE(result.err.find("fewer than 10 samples per cycle above 1280 Hz"), std::string::npos)
+      << result.err;
+}
+
+TEST(SrsCommand, RefusesWhatIsNoSpectrum) {
+  const TempFolder folder;
+  const auto refused = [&](const std::vector<std::string>& options, const std::string& text) {
+    std::vector<std::string> arguments{"srs", kHalfSine, "--csv", folder / "s.csv"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    const auto result = RunCommand(arguments);
+    EXPECT_EQ(result.code, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_NE(result.err.find(text), std::string::npos) << result.err;
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+    EXPECT_TRUE(folder.List().empty());
+  };
+  refused({"--response", "jerk"}, "--response");
+  refused({"--q", "0.4"}, "--q");
+  refused({"--damping", "1"}, "--damping");
+  refused({"--damping", "0.05", "--q", "10"}, "--damping");
+  refused({"--from", "0"}, "--from");
+  refused({"--from", "100", "--to", "50"}, "--from");
+  refused({"--to", "6400"}, "--to");
+  refused({"--points", "0"}, "--points");
+  refused({"--per-octave", "0"}, "--per-octave");
+  refused({"--plot", folder / "s.jpg"}, "s.jpg");
+  EXPECT_EQ(RunCommand({"srs", folder / "none.json"}).code, 2);
+}
+
+}  // namespace
+}  // namespace qarv::test
