@@ -101,7 +101,8 @@ void Generate(const GenerateOptions& options) {
   if (!options.plot.empty()) {
     const std::string name = std::filesystem::path(options.definition).stem().string();
     const PlotFormat format = PlotFormatOf(options.plot);
-    PlotWave(def, name + ": " + FamilyOf(def).title, format, files.Reserve(options.plot));
+    const Motion motion = IsCompensated(def) ? Motion::Shown : Motion::Hidden;
+    PlotWave(def, name + ": " + FamilyOf(def).title, motion, format, files.Reserve(options.plot));
   }
   WarnOfCrossedBands(def, options.definition);
   const std::string summary = Summary(def);

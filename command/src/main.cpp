@@ -7,6 +7,7 @@
 #include <new>
 
 #include "generate.h"
+#include "report.h"
 #include "show.h"
 #include "srs.h"
 #include "text.h"
@@ -36,6 +37,14 @@ int Run(int argc, char** argv) {
   showCommand->add_option("--samples", show.samples,
                           "where the samples of a measured waveform go (RECORD.samples.csv)");
   showCommand->callback([&] { Show(show); });
+
+  ReportOptions report;
+  auto* const reportCommand = app.add_subcommand(
+      "report", "Report what a waveform asks of the shaker and how it lies in its bands");
+  reportCommand->add_option("INPUT", report.input, "definition (.json) or record")->required();
+  reportCommand->add_option("--json", report.json, "write the numbers as JSON");
+  reportCommand->add_option("--html", report.html, "write one page with numbers and plots");
+  reportCommand->callback([&] { Report(report); });
 
   SrsOptions srs;
   auto* const srsCommand = app.add_subcommand("srs", "Calculate a shock response spectrum");

@@ -61,9 +61,19 @@ std::string OutputFiles::Reserve(const std::string& target) {
   return entries_.back().temporary;
 }
 
+std::string OutputFiles::Scratch(const std::string& target) {
+  entries_.push_back({"", MakeTemporary(fs::absolute(target))});
+  return entries_.back().temporary;
+}
+
 void OutputFiles::Commit() {
   while (!entries_.empty()) {
     const Entry& entry = entries_.back();
+    if (entry.target.empty()) {
+      unlink(entry.temporary.c_str());
+      entries_.pop_back();
+      continue;
+    }
     if (std::rename(entry.temporary.c_str(), entry.target.c_str()) != 0)
       FailWithErrno(entry.target);
     entries_.pop_back();

@@ -26,12 +26,15 @@ class OutputFiles {
   /// @return the temporary name to write to; the file is there, and empty
   std::string Reserve(const std::string& target);
 
+  /// A file beside a target that is there for the run only.
+  std::string Scratch(const std::string& target);
+
   /// Puts every reserved file in its place.
   void Commit();
 
  private:
   struct Entry {
-    std::string target, temporary;
+    std::string target, temporary;  // no target: a file for the run only
   };
   std::string input_;
   std::vector<Entry> entries_;

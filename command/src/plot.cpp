@@ -97,14 +97,14 @@ constexpr const char* kSolid = "linecolor rgb \"#1f4e9c\" linewidth 1.8";
 constexpr const char* kUpper = "linecolor rgb \"#c0392b\" dashtype (7,4) linewidth 1.4";
 constexpr const char* kLower = "linecolor rgb \"#d68910\" dashtype (7,4) linewidth 1.4";
 
-/// The waveform between its bands; of a compensated pulse also what it makes of the table.
-std::vector<Panel> PanelsOf(const CWaveDef& def, const Kinematics& kinematics) {
+/// The waveform between its bands, and what it makes of the table.
+std::vector<Panel> PanelsOf(const CWaveDef& def, Motion motion, const Kinematics& kinematics) {
   const std::string unit = def.GetUnitAmpl().GetText();
   std::vector<Panel> panels{{unit.empty() ? "Amplitude" : "Amplitude [" + unit + "]",
                              {{"upper", "upper band", kUpper, &def.GetTolU()},
                               {"wave", "waveform", kSolid, &def.GetWave()},
                               {"lower", "lower band", kLower, &def.GetTolL()}}}};
-  if (!IsCompensated(def)) return panels;
+  if (motion == Motion::Hidden) return panels;
   panels.push_back({"Velocity [" + kinematics.velocityUnit + "]",
                     {{"velocity", "", kSolid, &kinematics.velocity}}});
   panels.push_back({"Displacement [" + kinematics.displacementUnit + "]",
@@ -112,13 +112,13 @@ std::vector<Panel> PanelsOf(const CWaveDef& def, const Kinematics& kinematics) {
   return panels;
 }
 
-std::string Script(const CWaveDef& def, const std::string& title, PlotFormat format,
+std::string Script(const CWaveDef& def, const std::string& title, Motion motion, PlotFormat format,
                    const std::string& file) {
   const double fsamp = SampleRateOf(def);
   const double duration = static_cast<double>(def.GetNsamp()) / fsamp;
   const bool hasDuration = std::isfinite(duration) && duration > 0.0;
-  const Kinematics kinematics = IsCompensated(def) ? KinematicsOf(def) : Kinematics{};
-  const std::vector<Panel> panels = PanelsOf(def, kinematics);
+  const Kinematics kinematics = motion == Motion::Shown ? KinematicsOf(def) : Kinematics{};
+  const std::vector<Panel> panels = PanelsOf(def, motion, kinematics);
   fmt::memory_buffer script;
   const auto out = std::back_inserter(script);
   script.append(Terminal(format, 1000, panels.size() == 1 ? 600 : 1000, file));
@@ -158,9 +158,9 @@ std::string Script(const CWaveDef& def, const std::string& title, PlotFormat for
 
 }  // namespace
 
-void PlotWave(const CWaveDef& def, const std::string& title, PlotFormat format,
+void PlotWave(const CWaveDef& def, const std::string& title, Motion motion, PlotFormat format,
               const std::string& file) {
-  RunGnuplot(Script(def, title, format, file), file);
+  RunGnuplot(Script(def, title, motion, format, file), file);
 }
 
 }  // namespace qarv::command

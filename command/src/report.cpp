@@ -1,0 +1,274 @@
+// qarv-wave report: what a waveform asks of the shaker, and how it lies in its bands.
+//
+// The report is one list of entries; text, JSON and HTML are three ways to write it.
+#include "report.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <span>
+#include <vector>
+
+#include "analysis/shock.h"
+#include "common/numeric/constants.h"
+#include "common/numeric/index_conv.h"
+#include "definition.h"
+#include "input_file.h"
+#include "kinematics.h"
+#include "output_files.h"
+#include "plot.h"
+#include "record_file.h"
+
+namespace qarv::command {
+
+using analysis::SampleAt;
+using wave_def::CWaveDef;
+using wave_def::CWaveDefClassical;
+
+namespace {
+
+/// One line of the report.
+struct Entry {
+  std::string key;    // in JSON
+  std::string label;  // for people
+  Json value;         // number or text
+  std::string unit;
+};
+using Entries = std::vector<Entry>;
+
+/// Units and rate of a waveform.
+struct Scale {
+  double fsamp;
+  std::string unit;     // of the amplitude
+  double velocity;      // from amplitude x s to the unit below
+  double displacement;  // and from amplitude x s^2
+  std::string velocityUnit, displacementUnit;
+};
+
+Scale ScaleOf(const CWaveDef& def) {
+  const std::string unit = def.GetUnitAmpl().GetText();
+  const double acceleration = MetresPerSecondSquared(unit);
+  if (acceleration != 0.0)
+    return {SampleRateOf(def), unit, acceleration, 1000.0 * acceleration, "m/s", "mm"};
+  const std::string space = unit.empty() ? "" : " ";
+  return {SampleRateOf(def), unit, 1.0, 1.0, unit + space + "s", unit + space + "s^2"};
+}
+
+std::span<const double> SpanOf(const common::CDataArrayFloatT<double>& samples) {
+  return {samples.begin(), samples.end()};
+}
+
+void AddWave(const CWaveDef& def, const Scale& scale, Entries* out) {
+  const auto wave = SpanOf(def.GetWave());
+  const SampleAt peak = analysis::PeakOf(wave);
+  out->push_back({"family", "family", FamilyOf(def).title, ""});
+  out->push_back({"samples", "samples", def.GetNsamp(), ""});
+  out->push_back({"sampling_frequency", "sampling frequency", WriteValue(scale.fsamp), "Hz"});
+  out->push_back(
+      {"duration", "duration", WriteValue(static_cast<double>(def.GetNsamp()) / scale.fsamp), "s"});
+  out->push_back({"peak", "peak", WriteValue(peak.value), scale.unit});
+  out->push_back({"peak_time", "time of the peak",
+                  WriteValue(static_cast<double>(peak.index) / scale.fsamp), "s"});
+  const auto margin = [&](const char* side, const SampleAt& least) {
+    const double percent = 100.0 * least.value / std::fabs(peak.value);
+    out->push_back({fmt::format("{}_margin", side),
+                    fmt::format("least margin to the {} band", side), WriteValue(percent),
+                    "% of the peak"});
+    out->push_back({fmt::format("{}_margin_time", side), "  at",
+                    WriteValue(static_cast<double>(least.index) / scale.fsamp), "s"});
+  };
+  margin("upper", analysis::MarginToUpper(wave, SpanOf(def.GetTolU())));
+  margin("lower", analysis::MarginToLower(wave, SpanOf(def.GetTolL())));
+}
+
+void AddMotion(const CWaveDef& def, const Scale& scale, Entries* out) {
+  const analysis::Motion motion = analysis::MotionOf(SpanOf(def.GetWave()), scale.fsamp);
+  const auto velocity = [&](const char* key, const char* label, double v) {
+    out->push_back({key, label, WriteValue(scale.velocity * v), scale.velocityUnit});
+  };
+  const auto displacement = [&](const char* key, const char* label, double v) {
+    out->push_back({key, label, WriteValue(scale.displacement * v), scale.displacementUnit});
+  };
+  velocity("peak_velocity", "peak velocity", motion.peakVelocity);
+  displacement("peak_displacement", "peak displacement", motion.peakDisplacement);
+  displacement("peak_to_peak_displacement", "peak-to-peak displacement",
+               motion.peakToPeakDisplacement);
+  velocity("residual_velocity", "velocity at the end", motion.residualVelocity);
+  displacement("residual_displacement", "displacement at the end", motion.residualDisplacement);
+}
+
+/// The share of peak times width that the area of a classical pulse nominally is; 0 for no shape.
+double NominalArea(const CWaveDefClassical& set) {
+  using namespace wave_def::wave_def_sub;
+  const bool standard = set.GetTolKind() == CWaveDefClassical::TOL_SPECIFY;
+  const auto& tol = set.GetDefTolSpecify();
+  switch (set.GetWaveKind()) {
+    case HALF_SINE:
+      return 2.0 / common::kPi;
+    case HAVERSINE:
+    case TERMINAL_PEAK_SAWTOOTH:
+    case TRIANGLE:
+      return 0.5;
+    case TRAPEZOID:
+      return standard ? 1.0 - (tol.GetPulseRiseWidth() + tol.GetPulseFallWidth()) / 2.0 : 0.9;
+    case USER_TRAPEZOID:
+      return 1.0 - (set.GetMainRise() + set.GetMainFall()) / 2.0;
+  }
+  return 0.0;
+}
+
+void AddClassical(const CWaveDef& def, const Scale& scale, Entries* out) {
+  const CWaveDefClassical& set = def.GetDefClassical();
+  const auto wave = SpanOf(def.GetWave());
+  const double frame = set.GetNsamp();
+  // The pulse with a sample to each side, so that it is whole; a classical definition has its pulse
+  // in its frame.
+  const double centre = std::floor((0.5 + set.GetMainShift()) * frame + 0.001) +
+                        std::round(set.GetWaveShift() * frame);
+  const double half = std::floor(set.GetMainWidth() * scale.fsamp / 2.0 + 0.01);
+  const auto sample = [&](double i) {
+    return static_cast<std::size_t>(common::TruncToIndex(std::clamp(i, 0.0, frame - 1.0)));
+  };
+  const std::size_t first = sample(centre - half - 1.0);
+  const std::size_t last = sample(centre + half + 1.0);
+  const double change = scale.velocity * analysis::VelocityChange(wave, scale.fsamp, first, last);
+  const double nominal = scale.velocity * NominalArea(set) * set.GetMainAmpl() * set.GetMainWidth();
+  out->push_back({"pulse_width", "pulse width at 10 % of the peak",
+                  WriteValue(analysis::WidthAtLevel(wave, 0.1) / scale.fsamp), "s"});
+  out->push_back(
+      {"velocity_change", "velocity change of the pulse", WriteValue(change), scale.velocityUnit});
+  out->push_back({"velocity_change_nominal", "  nominal", WriteValue(nominal), scale.velocityUnit});
+  out->push_back({"velocity_change_deviation", "  deviation",
+                  WriteValue(100.0 * (change / nominal - 1.0)), "%"});
+  out->push_back({"level_outside", "largest level outside the pulse",
+                  WriteValue(analysis::LargestOutside(wave, first, last).value), scale.unit});
+  if (!set.GetAddCmp()) return;
+  const auto add = [&](const char* key, const char* label, double v, const char* unit) {
+    out->push_back({key, label, WriteValue(v), unit});
+  };
+  add("compensation_level_pre", "compensation level before", set.GetCmpU1(), "of the peak");
+  add("compensation_level_post", "compensation level after", set.GetCmpU2(), "of the peak");
+  add("compensation_share_pre", "share of the area before", set.GetCmpRgm1(), "");
+  add("compensation_share_post", "share of the area after", set.GetCmpRgm2(), "");
+  add("compensation_gain", "gain", set.GetCmpCparam(), "");
+  add("compensation_shift", "shift of the pulse", std::round(set.GetWaveShift() * frame),
+      "samples");
+}
+
+Entries ReportOf(const CWaveDef& def) {
+  const Scale scale = ScaleOf(def);
+  Entries entries;
+  AddWave(def, scale, &entries);
+  if (def.GetWaveType() == CWaveDef::WAVE_TYPE_CLASSICAL) AddClassical(def, scale, &entries);
+  AddMotion(def, scale, &entries);
+  return entries;
+}
+
+/// A value for people.
+std::string ValueText(const Entry& entry) {
+  const std::string value = entry.value.is_number_float()
+                                ? fmt::format("{:.6g}", entry.value.get<double>())
+                            : entry.value.is_string() ? entry.value.get<std::string>()
+                                                      : entry.value.dump();
+  return entry.unit.empty() ? value : value + " " + entry.unit;
+}
+
+std::string AsText(const Entries& entries) {
+  std::string text;
+  for (const Entry& entry : entries)
+    text += fmt::format("{:<34} {}\n", entry.label, ValueText(entry));
+  return text;
+}
+
+std::string AsJson(const Entries& entries) {
+  Json json = Json::object();
+  for (const Entry& entry : entries) {
+    Json item = Json::object();
+    item["value"] = entry.value;
+    if (!entry.unit.empty()) item["unit"] = entry.unit;
+    json[entry.key] = item;
+  }
+  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::string HtmlText(const std::string& text) {
+  std::string out;
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        out.append("&amp;");
+        break;
+      case '<':
+        out.append("&lt;");
+        break;
+      case '>':
+        out.append("&gt;");
+        break;
+      default:
+        out.push_back(c);
+    }
+  }
+  return out;
+}
+
+/// One page with everything in it, to open from a file or to print.
+std::string AsHtml(const Entries& entries, const std::string& title, const std::string& svg) {
+  std::string rows;
+  for (const Entry& entry : entries) {
+    rows += fmt::format("<tr><th>{}</th><td>{}</td></tr>\n", HtmlText(entry.label),
+                        HtmlText(ValueText(entry)));
+  }
+  const std::string heading = HtmlText(OneLine(title));
+  return fmt::format(
+      "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta "
+      "charset=\"utf-8\">\n<title>{0}</title>\n<style>\n"
+      "body {{ font-family: sans-serif; max-width: 64em; margin: 2em auto; color: #222; }}\n"
+      "table {{ border-collapse: collapse; }}\n"
+      "th, td {{ text-align: left; padding: 0.2em 1.5em 0.2em 0; border-bottom: 1px solid #ddd; "
+      "font-weight: normal; }}\n"
+      "td {{ font-variant-numeric: tabular-nums; }}\nsvg {{ width: 100%; height: auto; }}\n"
+      "@media print {{ body {{ margin: 0; }} svg {{ break-inside: avoid; }} }}\n"
+      "</style>\n</head>\n<body>\n<h1>{0}</h1>\n{1}\n<table>\n{2}</table>\n</body>\n</html>\n",
+      heading, svg, rows);
+}
+
+/// The picture of the waveform and its motion, as an element of a page.
+std::string Picture(const CWaveDef& def, const std::string& title, OutputFiles* files,
+                    const std::string& beside) {
+  const std::string file = files->Scratch(beside);
+  PlotWave(def, title, Motion::Shown, PlotFormat::Svg, file);
+  const std::vector<unsigned char> bytes = ReadFile(file);
+  const std::string svg(bytes.begin(), bytes.end());
+  const auto element = svg.find("<svg");
+  return element == std::string::npos ? svg : svg.substr(element);
+}
+
+}  // namespace
+
+void Report(const ReportOptions& options) {
+  const bool isJson = std::filesystem::path(options.input).extension() == ".json";
+  const CWaveDef def = isJson ? LoadDefinition(options.input) : ReadRecord(options.input);
+  if (def.GetNsamp() == 0)
+    throw CommandError(kBadInput, OneLine(options.input + ": has no samples"));
+  const Entries entries = ReportOf(def);
+  OutputFiles files(options.input);
+  if (!options.json.empty()) {
+    const std::string json = AsJson(entries);
+    WriteFile(files.Reserve(options.json), json.data(), json.size());
+  }
+  if (!options.html.empty()) {
+    const std::string target = files.Reserve(options.html);
+    const std::string title =
+        std::filesystem::path(options.input).stem().string() + ": " + FamilyOf(def).title;
+    const std::string html = AsHtml(entries, title, Picture(def, title, &files, options.html));
+    WriteFile(target, html.data(), html.size());
+  }
+  const std::string text = AsText(entries);
+  WriteBytes(stdout, text.data(), text.size(), "standard output");
+  files.Commit();
+}
+
+}  // namespace qarv::command

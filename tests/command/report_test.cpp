@@ -1,0 +1,135 @@
+// qarv-wave report: its numbers, its files, and what it refuses.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "run_command.h"
+
+namespace qarv::test {
+namespace {
+
+const std::string kDefinitions = QARV_SOURCE_DIR "/examples/definitions/";
+
+nlohmann::json ReportOf(const std::string& input, const TempFolder& folder) {
+  const auto result = RunCommand({"report", input, "--json", folder / "r.json"});
+  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_EQ(result.err, "");
+  return nlohmann::json::parse(ReadText(folder / "r.json"));
+}
+
+double Value(const nlohmann::json& report, const std::string& key) {
+  return report.at(key).at("value").get<double>();
+}
+
+TEST(ReportCommand, HasTheVelocityChangeOfEveryShape) {
+  // 50 g, 11 ms: the share of peak times width that the area is.
+  const double base = 50 * 9.80665 * 0.011;
+  const double kPi = std::acos(-1.0);
+  const std::pair<const char*, double> shapes[] = {
+      {"half_sine_fixed", 2 / kPi}, {"haversine_fixed", 0.5}, {"sawtooth_fixed", 0.5},
+      {"triangle_user", 0.5},       {"trapezoid_fixed", 0.9}, {"trapezoid_standard", 0.825},
+      {"user_trapezoid_user", 0.7}};
+  const TempFolder folder;
+  for (const auto& [name, share] : shapes) {
+    const auto report = ReportOf(kDefinitions + name + ".json", folder);
+    EXPECT_NEAR(Value(report, "velocity_change_nominal"), base * share, 1e-9) << name;
+    // Within what 141 samples of a pulse leave.
+    EXPECT_NEAR(Value(report, "velocity_change_deviation"), 0.0, 1.5) << name;
+    EXPECT_EQ(report.at("velocity_change").at("unit"), "m/s");
+    EXPECT_EQ(Value(report, "peak"), 50.0);
+    EXPECT_EQ(Value(report, "level_outside"), 0.0) << name;
+  }
+}
+
+TEST(ReportCommand, MeasuresPulseAndMargins) {
+  const TempFolder folder;
+  const auto report = ReportOf(kDefinitions + "half_sine_fixed.json", folder);
+  EXPECT_NEAR(Value(report, "pulse_width"), 0.011 * (1 - 2 * std::asin(0.1) / std::acos(-1.0)),
+              1e-4);
+  EXPECT_EQ(Value(report, "peak_time"), 0.02);
+  EXPECT_NEAR(Value(report, "upper_margin"), 5.0, 1e-9) << "the left level";
+  EXPECT_NEAR(Value(report, "lower_margin"), 5.0, 1e-9);
+  EXPECT_NEAR(Value(report, "residual_velocity"), Value(report, "velocity_change"), 1e-9);
+}
+
+TEST(ReportCommand, OfACompensatedPulseEndsAtRest) {
+  const TempFolder folder;
+  const auto report = ReportOf(kDefinitions + "compensated_cosine.json", folder);
+  EXPECT_LT(std::fabs(Value(report, "residual_velocity")), 1e-9);
+  EXPECT_LT(std::fabs(Value(report, "residual_displacement")), 1e-9);
+  EXPECT_NEAR(Value(report, "peak_to_peak_displacement"), 2 * Value(report, "peak_displacement"),
+              0.1 * Value(report, "peak_displacement"))
+      << "centred";
+  EXPECT_NEAR(Value(report, "compensation_level_pre"), 0.0475, 0.0005);
+  EXPECT_GE(Value(report, "lower_margin"), 0.0);
+}
+
+TEST(ReportCommand, ReportsEveryFamily) {
+  for (const char* const name :
+       {"single", "gradual", "sine_beat", "symmetry_half_sine", "damped_sine", "measured"}) {
+    const TempFolder folder;
+    const auto report = ReportOf(kDefinitions + name + ".json", folder);
+    EXPECT_GT(Value(report, "peak_velocity"), 0.0);
+    EXPECT_FALSE(report.contains("velocity_change"));
+  }
+}
+
+TEST(ReportCommand, OfARecordIsThatOfItsDefinition) {
+  const TempFolder folder;
+  const std::string definition = kDefinitions + "sawtooth_fixed.json";
+  ASSERT_EQ(RunCommand({"generate", definition, "--record", folder / "r.rec"}).code, 0);
+  EXPECT_EQ(RunCommand({"report", definition}).out, RunCommand({"report", folder / "r.rec"}).out);
+}
+
+TEST(ReportCommand, KeepsOtherUnitsAsTheyAre) {
+  const TempFolder folder;
+  WriteText(
+      folder / "d.json",
+      R"({"Fsamp": 100, "UnitAmpl": "V", "Single": {"Period": 1, "PeakLevel": 2, "Nsamp": 100}})");
+  const auto report = ReportOf(folder / "d.json", folder);
+  EXPECT_EQ(report.at("peak_velocity").at("unit"), "V s");
+  EXPECT_NEAR(Value(report, "peak_velocity"), 2 / std::acos(-1.0), 0.01);
+}
+
+TEST(ReportCommand, WritesOnePageThatNeedsNothingElse) {
+  const TempFolder folder;
+  const auto result =
+      RunCommand({"report", kDefinitions + "compensated_cosine.json", "--html", folder / "r.html"});
+  ASSERT_EQ(result.code, 0) << result.err;
+  const std::string html = ReadText(folder / "r.html");
+  EXPECT_TRUE(html.starts_with("<!DOCTYPE html>"));
+  EXPECT_TRUE(html.ends_with("</html>\n"));
+  for (const char* const text : {"<svg", "Velocity [m/s]", "Displacement [mm]", "peak displacement",
+                                 "compensation level before"}) {
+    EXPECT_NE(html.find(text), std::string::npos) << text;
+  }
+  for (const char* const text : {"src=", "<script", "<link", "@import", "url(http"}) {
+    EXPECT_EQ(html.find(text), std::string::npos) << text;
+  }
+  EXPECT_EQ(folder.List(), std::vector<std::string>{"r.html"});
+}
+
+TEST(ReportCommand, NamesCannotReachThePage) {
+  const TempFolder folder;
+  const std::string name = folder / "a<b>&c.json";
+  WriteText(name, R"({"Fsamp": 100, "Single": {"Period": 1, "PeakLevel": 2, "Nsamp": 10}})");
+  ASSERT_EQ(RunCommand({"report", name, "--html", folder / "r.html"}).code, 0);
+  EXPECT_NE(ReadText(folder / "r.html").find("<h1>a&lt;b&gt;&amp;c: single sine wave</h1>"),
+            std::string::npos);
+}
+
+TEST(ReportCommand, RefusesWithNothingWritten) {
+  const TempFolder folder;
+  EXPECT_EQ(RunCommand({"report", folder / "none.json", "--json", folder / "r.json"}).code, 2);
+  EXPECT_EQ(RunCommand({"report", kDefinitions + "single.json", "--json", folder / "r.json",
+                        "--html", folder / "no/r.html"})
+                .code,
+            2);
+  WriteText(folder / "m.csv", "1\n");
+  EXPECT_EQ(RunCommand({"report", folder / "m.csv"}).code, 2);
+  EXPECT_EQ(folder.List(), std::vector<std::string>{"m.csv"});
+}
+
+}  // namespace
+}  // namespace qarv::test
