@@ -20,8 +20,7 @@ class CompensationCase {
   wave_def::CWaveDefClassical Definition(int type, bool nonSymmetric, double optRatLevel) const;
 
   /// The least stroke with the main pulse free between its bands ("free"), keeping its shape
-  /// ("shape"), or as it is
-  /// ("nominal"), over A dt^2; infinite where there is none.
+  /// ("shape"), or as it is ("nominal"), over A dt^2; infinite where there is none.
   double LeastStroke(const char* pulse, bool nonSymmetric) const;
 
   double At(const std::string& column) const { return values_.at(column); }

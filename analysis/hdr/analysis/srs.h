@@ -51,9 +51,8 @@ struct SrsPoint {
 /// uncertain.
 /// @param[in] shock        acceleration of the base, taken at fsamp [Hz]
 /// @param[in] frequencies  natural frequencies [Hz]
-/// @return a point for each frequency; none if fsamp is not a positive number, zeta is not in 0 <=
-/// zeta < 1 or a
-///         frequency is not above 0 and below fsamp / 2
+/// @return a point for each frequency; none if fsamp is not a positive number, zeta is not within
+///         0 to below 1, or a frequency is not above 0 and below fsamp / 2
 ///
 /// Cost: frequencies times samples, eight frequencies side by side.
 std::vector<SrsPoint> CalcSrs(std::span<const double> shock, double fsamp,

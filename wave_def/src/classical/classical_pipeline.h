@@ -20,12 +20,11 @@ namespace qarv::wave_def {
 /// @param[in]     autoFsamp  kept for the caller; changes nothing
 /// @param[out]    refusal    why a compensation failed; may be null
 /// @return false if an array is missing, TolKind, WaveKind or with AddCmp CmpType is none,
-/// MainAmpl,
-///         Fmax or Nsamp is 0, the sample interval or the number of lines comes out as 0, the pulse
-///         begins before the frame, the pulse or a band does not fit it, or the shape does not
-///         offer the tolerance kind: the arrays are as they were then.  And if the compensation
-///         finds no room or does not keep within the bands: the arrays hold what it has come to
-///         then.
+///         MainAmpl, Fmax or Nsamp is 0, the sample interval or the number of lines comes out as 0,
+///         the pulse begins before the frame, the pulse or a band does not fit it, or the shape
+///         does not offer the tolerance kind; the arrays are as they were then.  Also if the
+///         compensation finds no room or does not keep within the bands; the arrays hold what it
+///         has come to then.
 [[nodiscard]] bool GenerateClassical(CWaveDefClassical& params, double fsamp,
                                      common::CDataArrayFloatT<double>* wave,
                                      common::CDataArrayFloatT<double>* tolU,

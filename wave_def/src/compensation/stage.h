@@ -24,11 +24,9 @@ struct Refusal {
 
 /// Compensates a pulse in place.
 /// @param[in,out] pulse  the nominal pulse with its bands, upright; then the compensated one, with
-/// the bands where
-///                       the pulse is
+///                       the bands where the pulse is
 /// @return false if there is no room (pulse unchanged) or its candidate fails at gain 1 (pulse
-/// holds that candidate,
-///         with its bands)
+///         holds that candidate, with its bands)
 bool Compensate(Pulse* pulse, const Settings& settings, Results* results, Refusal* refusal);
 
 }  // namespace qarv::wave_def::compensation

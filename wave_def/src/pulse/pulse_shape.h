@@ -58,8 +58,7 @@ std::optional<TrapezoidFractions> FractionsOf(const CWaveDefClassical& def);
 /// @param[in]  centre  centre of the pulse [sample]
 /// @param[in]  dt      sample interval [s]
 /// @return false, with what was drawn so far left in the arrays, if the pulse or a band does not
-/// fit
-///         the frame, or the shape does not offer the tolerance kind
+///         fit the frame, or the shape does not offer the tolerance kind
 [[nodiscard]] bool BuildHalfSinePulse(const CWaveDefClassical& def, common::uint64 centre,
                                       double dt, const PulseArrays& out);
 [[nodiscard]] bool BuildSawtoothPulse(const CWaveDefClassical& def, common::uint64 centre,

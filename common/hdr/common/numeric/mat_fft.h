@@ -38,9 +38,8 @@ class FftPlan {
 
   /// @param[out] wave         n samples
   /// @param      work         GetWorkSize() doubles, which are overwritten
-  /// @param[in]  spec1,spec2  real and imaginary parts, n / 2 + 1 lines each; the imaginary parts
-  /// that
-  ///                          a real wave does not have are not read
+  /// @param[in]  spec1,spec2  real and imaginary parts, n / 2 + 1 lines each; imaginary parts
+  ///                          that a real wave does not have are not read
   /// @return false, with nothing written, if a pointer is null or n is 0
   bool Inverse(double* wave, double* work, const double* spec1, const double* spec2) const;
 
