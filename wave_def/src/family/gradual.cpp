@@ -8,6 +8,7 @@
 //   Ps  period of the sine, not rounded [sample]
 #include "family/gradual.h"
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -54,18 +55,20 @@ bool GradualGenerate(const CWaveDefGradual& def, double fsamp,
   const double r = Nr != 0 ? (E - B) / static_cast<double>(Nr) : 0.0;
   const double Ps = def.GetPeriod() / dt;
 
-  // Deliberate: the fall ends at LevelEnd / (N - Ne) in the last sample, not at 0.
-  const auto envelope = [=](uint64 k) {
-    if (k < P0) return static_cast<double>(k) * a;
-    if (k < Ne) return static_cast<double>(k - P0) * r + B;
-    return (static_cast<double>(k) - static_cast<double>(N)) * b;
-  };
   wave->Resize(N);
   double* const x = wave->GetData();
-  for (uint64 k = 0; k < N; ++k) {
-    const double c = std::sin(static_cast<double>(k) / Ps * common::kTwoPi);
-    x[k] = envelope(k) * c;
-  }
+  // The samples of one section, as far as the frame goes.
+  const auto draw = [=](uint64 first, uint64 end, auto envelope) {
+    for (uint64 k = first; k < std::min(end, N); ++k) {
+      const double c = std::sin(static_cast<double>(k) / Ps * common::kTwoPi);
+      x[k] = envelope(k) * c;
+    }
+  };
+  draw(0, P0, [=](uint64 k) { return static_cast<double>(k) * a; });
+  draw(P0, Ne, [=](uint64 k) { return static_cast<double>(k - P0) * r + B; });
+  // Deliberate: the fall ends at LevelEnd / (N - Ne) in the last sample, not at 0.
+  draw(std::max(P0, Ne), N,
+       [=](uint64 k) { return (static_cast<double>(k) - static_cast<double>(N)) * b; });
   return true;
 }
 
