@@ -10,6 +10,7 @@
 #include <cstddef>
 
 #include "common/numeric/constants.h"
+#include "common/numeric/index_conv.h"
 
 namespace qarv::analysis {
 
@@ -244,10 +245,12 @@ std::vector<SrsPoint> CalcSrs(std::span<const double> shock, double fsamp,
 std::vector<double> SrsFrequencies(double low, double high, double perOctave) {
   constexpr double kMost = 1e6;  // lines; more is a mistake
   if (!(low > 0.0 && low <= high && std::isfinite(high) && perOctave > 0.0)) return {};
-  const double steps = std::floor(std::log2(high / low) * perOctave + 1e-9);
+  const double steps = std::log2(high / low) * perOctave + 1e-9;
   if (!(steps < kMost)) return {};
-  std::vector<double> frequencies;
-  for (double k = 0.0; k <= steps; k += 1.0) frequencies.push_back(low * std::exp2(k / perOctave));
+  std::vector<double> frequencies(common::FloorToIndex(steps) + 1);
+  for (std::size_t k = 0; k < frequencies.size(); ++k) {
+    frequencies[k] = low * std::exp2(static_cast<double>(k) / perOctave);
+  }
   return frequencies;
 }
 

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "analysis/shock.h"
 #include "csv_writer.h"
 #include "definition.h"
 #include "kinematics.h"
@@ -20,20 +21,6 @@ using common::uint64;
 using wave_def::CWaveDef;
 
 namespace {
-
-/// The sample of the largest magnitude, the first of equal ones; NaN samples are passed over.
-uint64 PeakSample(const CWaveDef& def) {
-  const double* const x = def.GetWave().GetData();
-  uint64 peak = 0;
-  double largest = -1.0;
-  for (uint64 i = 0; i < def.GetNsamp(); ++i) {
-    if (std::fabs(x[i]) > largest) {
-      peak = i;
-      largest = std::fabs(x[i]);
-    }
-  }
-  return peak;
-}
 
 /// What was found for a compensated pulse, and what it asks of the shaker.
 std::string CompensationSummary(const CWaveDef& def) {
@@ -66,8 +53,9 @@ std::string Summary(const CWaveDef& def) {
   text += fmt::format("samples:   {} at {:.6g} Hz\n", n, fsamp);
   text += fmt::format("duration:  {}\n", seconds(n));
   if (n == 0) return text;
-  const uint64 i = PeakSample(def);
-  text += fmt::format("peak:      {:.6g}{} at {}\n", def.GetWave()[i], unit, seconds(i));
+  const auto peak = analysis::PeakOf({def.GetWave().begin(), def.GetWave().end()});
+  const uint64 i = peak.index;
+  text += fmt::format("peak:      {:.6g}{} at {}\n", peak.value, unit, seconds(i));
   text += fmt::format("band:      {:.6g} to {:.6g}{} at the peak\n", def.GetTolL()[i],
                       def.GetTolU()[i], unit);
   return IsCompensated(def) ? text + CompensationSummary(def) : text;

@@ -29,7 +29,7 @@ std::string MakeTemporary(const fs::path& target) {
   for (int attempt = 0;; ++attempt) {
     const std::string name =
         fmt::format(".{}.{}-{}", target.filename().string(), getpid(), attempt);
-    const std::string path = (target.parent_path() / name).string();
+    std::string path = (target.parent_path() / name).string();
     const int fd = open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
     if (fd >= 0) {
       close(fd);

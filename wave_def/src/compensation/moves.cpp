@@ -59,6 +59,7 @@ Reach ReachOf(const Move& move, bool post, const Wave& c, const Limits& limits) 
 std::vector<Reach> BestReaches(const std::vector<Move>& moves, bool post, const Wave& c,
                                const Limits& limits, int top) {
   std::vector<Reach> reaches;
+  reaches.reserve(moves.size());
   for (const Move& move : moves) reaches.push_back(ReachOf(move, post, c, limits));
   std::stable_sort(reaches.begin(), reaches.end(),
                    [](const Reach& a, const Reach& b) { return a.up > b.up; });
