@@ -83,6 +83,7 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
   // A reader that goes away early is an error of the write, not the end of the command.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);  // so is a file that gets too large
   try {
     return Run(argc, argv);
   } catch (const CommandError& e) {

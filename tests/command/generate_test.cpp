@@ -337,6 +337,22 @@ TEST_F(Generate, OutputsReplaceFilesAndFollowLinks) {
   EXPECT_TRUE(ReadText(folder / "real.csv").starts_with("time,"));
 }
 
+TEST_F(Generate, AFileThatGetsTooLargeLeavesNothing) {
+  const std::string def = Definition(kSingle);
+  WriteText(folder / "w.csv", "old");
+  std::string line = "ulimit -f 8; ";  // blocks of 512 bytes, fewer than the samples take
+  line.append(ShellQuoted(QARV_WAVE_COMMAND)).append(" generate ").append(ShellQuoted(def));
+  line.append(" --record ").append(ShellQuoted(folder / "w.rec"));
+  line.append(" --csv ").append(ShellQuoted(folder / "w.csv"));
+  line.append(" >/dev/null 2>").append(ShellQuoted(folder / "err"));
+  const int status = std::system(line.c_str());
+  EXPECT_EQ(WEXITSTATUS(status), 2);
+  EXPECT_NE(ReadText(folder / "err").find("File too large"), std::string::npos)
+      << ReadText(folder / "err");
+  EXPECT_EQ(ReadText(folder / "w.csv"), "old");
+  EXPECT_EQ(folder.List(), (std::vector<std::string>{"def.json", "err", "w.csv"}));
+}
+
 TEST_F(Generate, AClosedStandardOutputIsAnError) {
   const std::string def = Definition(kSingle);
   const std::string line = ShellQuoted(QARV_WAVE_COMMAND) + " generate " + ShellQuoted(def) +
