@@ -47,16 +47,21 @@ wave_def::CWaveDef LoadDefinition(const std::string& file);
 /// A definition as JSON text, with every field.
 std::string DefinitionText(const wave_def::CWaveDef& def, const std::string& samplesFile);
 
-/// The library's definition call for a set, and the reason where it refuses.
-template <class Set>
-std::string DefineSet(wave_def::CWaveDef& def, const Set& set,
-                      bool (wave_def::CWaveDef::*define)(const Set&),
-                      const std::vector<std::pair<bool, std::string>>& rules) {
-  if ((def.*define)(set)) return {};
+/// What makes a definition fail, with the reason for each; the first broken one counts.
+using Rules = std::vector<std::pair<bool, std::string>>;
+
+inline std::string BrokenRule(const Rules& rules) {
   for (const auto& [broken, reason] : rules) {
     if (broken) return reason;
   }
   return "the parameters give no waveform";
+}
+
+/// The library's definition call for a set, and the reason where it refuses.
+template <class Set>
+std::string DefineSet(wave_def::CWaveDef& def, const Set& set,
+                      bool (wave_def::CWaveDef::*define)(const Set&), const Rules& rules) {
+  return (def.*define)(set) ? std::string() : BrokenRule(rules);
 }
 
 }  // namespace qarv::command

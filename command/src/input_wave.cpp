@@ -9,14 +9,25 @@
 
 namespace qarv::command {
 
+namespace {
+
+std::string ExtensionOf(const std::string& file) {
+  return std::filesystem::path(file).extension().string();
+}
+
+}  // namespace
+
+wave_def::CWaveDef LoadDefinitionOrRecord(const std::string& file) {
+  return ExtensionOf(file) == ".json" ? LoadDefinition(file) : ReadRecord(file);
+}
+
 InputWave LoadInputWave(const std::string& file) {
-  const std::string extension = std::filesystem::path(file).extension().string();
-  if (extension == ".csv") {
+  if (ExtensionOf(file) == ".csv") {
     MeasuredCsv csv = ReadCsv(file);
     const double fsamp = SampleRateOf(csv);
     return {std::move(csv.values), fsamp, ""};
   }
-  const wave_def::CWaveDef def = extension == ".json" ? LoadDefinition(file) : ReadRecord(file);
+  const wave_def::CWaveDef def = LoadDefinitionOrRecord(file);
   return {def.GetWave(), SampleRateOf(def), def.GetUnitAmpl().GetText()};
 }
 

@@ -22,8 +22,7 @@ Samples Integrated(const Samples& x, double rate, double factor) {
   return out;
 }
 
-}  // namespace
-
+/// One unit of that text in m/s^2; 0 if it is not known as an acceleration.
 double MetresPerSecondSquared(const std::string& unit) {
   constexpr std::array<std::pair<const char*, double>, 7> kUnits{{{"m/s^2", 1.0},
                                                                   {"g", 9.80665},
@@ -38,16 +37,23 @@ double MetresPerSecondSquared(const std::string& unit) {
   return 0.0;
 }
 
+}  // namespace
+
+MotionUnits MotionUnitsOf(const std::string& amplitudeUnit) {
+  const double acceleration = MetresPerSecondSquared(amplitudeUnit);
+  if (acceleration != 0.0) return {true, acceleration, 1000.0 * acceleration, "m/s", "mm"};
+  const std::string unit = amplitudeUnit.empty() ? "" : amplitudeUnit + " ";
+  return {false, 1.0, 1.0, unit + "s", unit + "s^2"};
+}
+
 Kinematics KinematicsOf(const CWaveDef& def) {
   const double rate = SampleRateOf(def);
-  const std::string unit = def.GetUnitAmpl().GetText();
-  const double acceleration = MetresPerSecondSquared(unit);
-  const bool known = acceleration != 0.0;
-  Kinematics k{Integrated(def.GetWave(), rate, known ? acceleration : 1.0),
+  const MotionUnits units = MotionUnitsOf(def.GetUnitAmpl().GetText());
+  Kinematics k{Integrated(def.GetWave(), rate, units.velocity),
                {},
-               known ? "m/s" : (unit.empty() ? "s" : unit + " s"),
-               known ? "mm" : (unit.empty() ? "s^2" : unit + " s^2")};
-  k.displacement = Integrated(k.velocity, rate, known ? 1000.0 : 1.0);
+               units.velocityUnit,
+               units.displacementUnit};
+  k.displacement = Integrated(k.velocity, rate, units.displacement / units.velocity);
   return k;
 }
 

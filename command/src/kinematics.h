@@ -18,8 +18,14 @@ struct Kinematics {
 
 Kinematics KinematicsOf(const wave_def::CWaveDef& def);
 
-/// One unit of that text in m/s^2; 0 if it is not known as an acceleration.
-double MetresPerSecondSquared(const std::string& unit);
+/// The units of velocity and displacement for an amplitude unit: m/s and mm, where it is known as
+/// an acceleration, otherwise its own times s and s^2.
+struct MotionUnits {
+  bool known;
+  double velocity, displacement;  // from the amplitude times s and s^2 to the units below
+  std::string velocityUnit, displacementUnit;
+};
+MotionUnits MotionUnitsOf(const std::string& amplitudeUnit);
 
 /// Whether the waveform is made to leave the table where it was: a compensated classical pulse.
 bool IsCompensated(const wave_def::CWaveDef& def);

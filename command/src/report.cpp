@@ -17,10 +17,10 @@
 #include "common/numeric/index_conv.h"
 #include "definition.h"
 #include "input_file.h"
+#include "input_wave.h"
 #include "kinematics.h"
 #include "output_files.h"
 #include "plot.h"
-#include "record_file.h"
 
 namespace qarv::command {
 
@@ -39,22 +39,16 @@ struct Entry {
 };
 using Entries = std::vector<Entry>;
 
-/// Units and rate of a waveform.
+/// Rate and units of a waveform.
 struct Scale {
   double fsamp;
-  std::string unit;     // of the amplitude
-  double velocity;      // from amplitude x s to the unit below
-  double displacement;  // and from amplitude x s^2
-  std::string velocityUnit, displacementUnit;
+  std::string unit;  // of the amplitude
+  MotionUnits motion;
 };
 
 Scale ScaleOf(const CWaveDef& def) {
   const std::string unit = def.GetUnitAmpl().GetText();
-  const double acceleration = MetresPerSecondSquared(unit);
-  if (acceleration != 0.0)
-    return {SampleRateOf(def), unit, acceleration, 1000.0 * acceleration, "m/s", "mm"};
-  const std::string space = unit.empty() ? "" : " ";
-  return {SampleRateOf(def), unit, 1.0, 1.0, unit + space + "s", unit + space + "s^2"};
+  return {SampleRateOf(def), unit, MotionUnitsOf(unit)};
 }
 
 std::span<const double> SpanOf(const common::CDataArrayFloatT<double>& samples) {
@@ -87,10 +81,11 @@ void AddWave(const CWaveDef& def, const Scale& scale, Entries* out) {
 void AddMotion(const CWaveDef& def, const Scale& scale, Entries* out) {
   const analysis::Motion motion = analysis::MotionOf(SpanOf(def.GetWave()), scale.fsamp);
   const auto velocity = [&](const char* key, const char* label, double v) {
-    out->push_back({key, label, WriteValue(scale.velocity * v), scale.velocityUnit});
+    out->push_back({key, label, WriteValue(scale.motion.velocity * v), scale.motion.velocityUnit});
   };
   const auto displacement = [&](const char* key, const char* label, double v) {
-    out->push_back({key, label, WriteValue(scale.displacement * v), scale.displacementUnit});
+    out->push_back(
+        {key, label, WriteValue(scale.motion.displacement * v), scale.motion.displacementUnit});
   };
   velocity("peak_velocity", "peak velocity", motion.peakVelocity);
   displacement("peak_displacement", "peak displacement", motion.peakDisplacement);
@@ -134,13 +129,16 @@ void AddClassical(const CWaveDef& def, const Scale& scale, Entries* out) {
   };
   const std::size_t first = sample(centre - half - 1.0);
   const std::size_t last = sample(centre + half + 1.0);
-  const double change = scale.velocity * analysis::VelocityChange(wave, scale.fsamp, first, last);
-  const double nominal = scale.velocity * NominalArea(set) * set.GetMainAmpl() * set.GetMainWidth();
+  const double change =
+      scale.motion.velocity * analysis::VelocityChange(wave, scale.fsamp, first, last);
+  const double nominal =
+      scale.motion.velocity * NominalArea(set) * set.GetMainAmpl() * set.GetMainWidth();
   out->push_back({"pulse_width", "pulse width at 10 % of the peak",
                   WriteValue(analysis::WidthAtLevel(wave, 0.1) / scale.fsamp), "s"});
+  out->push_back({"velocity_change", "velocity change of the pulse", WriteValue(change),
+                  scale.motion.velocityUnit});
   out->push_back(
-      {"velocity_change", "velocity change of the pulse", WriteValue(change), scale.velocityUnit});
-  out->push_back({"velocity_change_nominal", "  nominal", WriteValue(nominal), scale.velocityUnit});
+      {"velocity_change_nominal", "  nominal", WriteValue(nominal), scale.motion.velocityUnit});
   out->push_back({"velocity_change_deviation", "  deviation",
                   WriteValue(100.0 * (change / nominal - 1.0)), "%"});
   out->push_back({"level_outside", "largest level outside the pulse",
@@ -249,8 +247,7 @@ std::string Picture(const CWaveDef& def, const std::string& title, OutputFiles* 
 }  // namespace
 
 void Report(const ReportOptions& options) {
-  const bool isJson = std::filesystem::path(options.input).extension() == ".json";
-  const CWaveDef def = isJson ? LoadDefinition(options.input) : ReadRecord(options.input);
+  const CWaveDef def = LoadDefinitionOrRecord(options.input);
   if (def.GetNsamp() == 0)
     throw CommandError(kBadInput, OneLine(options.input + ": has no samples"));
   const Entries entries = ReportOf(def);

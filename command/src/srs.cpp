@@ -29,21 +29,19 @@ namespace {
 
 constexpr double kSamplesPerCycle = 10.0;  // below it the peaks get uncertain
 
-/// A response by name, and the unit of its values.
+/// A response by name.
 struct Response {
   const char* name;
   SrsResponse response;
   const char* title;
-  const char* knownUnit;   // where the input is known as an acceleration
-  double factor;           // from m/s^2 x s^n to it; 0: the input's own unit
-  const char* unitOfTime;  // what the unit of the input is multiplied by otherwise
 };
 
+constexpr Response kPseudoVelocity{"pseudo-velocity", SrsResponse::PseudoVelocity,
+                                   "pseudo velocity"};
 constexpr std::array<Response, 3> kResponses{{
-    {"acceleration", SrsResponse::AbsoluteAcceleration, "absolute acceleration", "", 0.0, ""},
-    {"displacement", SrsResponse::RelativeDisplacement, "relative displacement", "mm", 1000.0,
-     " s^2"},
-    {"pseudo-velocity", SrsResponse::PseudoVelocity, "pseudo velocity", "m/s", 1.0, " s"},
+    {"acceleration", SrsResponse::AbsoluteAcceleration, "absolute acceleration"},
+    {"displacement", SrsResponse::RelativeDisplacement, "relative displacement"},
+    kPseudoVelocity,
 }};
 
 /// What a run works with, checked.
@@ -53,6 +51,7 @@ struct Task {
   std::vector<double> frequencies;
   double factor;     // of the results
   std::string unit;  // of the results
+  bool known;        // whether motion is in m/s and mm
 };
 
 [[noreturn]] void Refuse(const std::string& what) { throw CommandError(kBadInput, OneLine(what)); }
@@ -62,7 +61,7 @@ Task Prepare(const SrsOptions& options, const InputWave& wave) {
   for (const Response& response : kResponses) {
     if (options.response == response.name) task.response = &response;
   }
-  if (options.tripartite) task.response = &kResponses[2];
+  if (options.tripartite) task.response = &kPseudoVelocity;
   if (task.response == nullptr) {
     Refuse("--response: is none of acceleration, displacement, pseudo-velocity");
   }
@@ -89,10 +88,22 @@ Task Prepare(const SrsOptions& options, const InputWave& wave) {
                                          : analysis::SrsFrequencies(from, to, perOctave);
   if (task.frequencies.empty()) Refuse("--per-octave: gives no frequencies");
 
-  const double acceleration = MetresPerSecondSquared(wave.unit);
-  const bool known = acceleration != 0.0 && task.response->factor != 0.0;
-  task.factor = known ? acceleration * task.response->factor : 1.0;
-  task.unit = known ? task.response->knownUnit : wave.unit + task.response->unitOfTime;
+  const MotionUnits units = MotionUnitsOf(wave.unit);
+  switch (task.response->response) {
+    case SrsResponse::AbsoluteAcceleration:
+      task.factor = 1.0;
+      task.unit = wave.unit;
+      break;
+    case SrsResponse::RelativeDisplacement:
+      task.factor = units.displacement;
+      task.unit = units.displacementUnit;
+      break;
+    case SrsResponse::PseudoVelocity:
+      task.factor = units.velocity;
+      task.unit = units.velocityUnit;
+      break;
+  }
+  task.known = units.known;
   return task;
 }
 
@@ -119,7 +130,7 @@ struct FourWay {
 
 /// At powers of ten, in mm and g where the velocity is in m/s.
 FourWay FourWayLines(const Task& task, double low, double high) {
-  const bool known = task.unit == "m/s";
+  const bool known = task.known;
   const double displacement = common::kTwoPi * (known ? 1e-3 : 1.0);     // velocity over f, of 1
   const double acceleration = (known ? 9.80665 : 1.0) / common::kTwoPi;  // velocity times f, of 1
   const double from = task.frequencies.front();

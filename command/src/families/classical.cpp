@@ -223,24 +223,25 @@ std::string Define(const Json& json, const Place& at, bool hasFsamp, CWaveDef& d
   const auto kind = set.GetTolKind();
   const bool usesStandard = kind == Set::TOL_SPECIFY && shape != HAVERSINE;
   const double centre = (set.GetMainShift() + 0.5) * set.GetNsamp() / fsamp;  // [s]
+  if (def.SetDefClassical(set)) return {};
   const std::string compensation = WhyNotCompensated(set, def.GetFsamp());
-  return DefineSet(def, set, &CWaveDef::SetDefClassical,
-                   {{shape < HALF_SINE || shape > HAVERSINE, "WaveKind is not set"},
-                    {kind < Set::TOL_FIXED_1 || kind > Set::TOL_SPECIFY, "TolKind is not set"},
-                    {set.GetMainAmpl() == 0.0, "MainAmpl is 0"},
-                    {set.GetMainWidth() == 0.0, "MainWidth is 0"},
-                    {set.GetFmax() == 0.0, "Fmax is 0"},
-                    {set.GetNsamp() < 2, "Nsamp is below 2"},
-                    {!IsOffered(set), "the shape does not offer this TolKind"},
-                    {usesStandard && set.GetDefTolSpecify().GetWaveKind() != shape,
-                     "TolSpecify.WaveKind is not the shape of the pulse"},
-                    {usesStandard && set.GetDefTolSpecify().GetBaseStandard() == Std::BASE_STD_NONE,
-                     "TolSpecify.BaseStandard is not set"},
-                    {set.GetMainShift() >= 0.5, "MainShift moves the pulse behind the frame"},
-                    {centre < 0.5 * set.GetMainWidth(), "the pulse begins before the frame"},
-                    {set.GetAddCmp() && !HasCompensationType(set), "CmpType is not set"},
-                    {set.GetAddCmp() && !compensation.empty(), compensation},
-                    {true, "the pulse or its bands do not fit the frame"}});
+  return BrokenRule(
+      {{shape < HALF_SINE || shape > HAVERSINE, "WaveKind is not set"},
+       {kind < Set::TOL_FIXED_1 || kind > Set::TOL_SPECIFY, "TolKind is not set"},
+       {set.GetMainAmpl() == 0.0, "MainAmpl is 0"},
+       {set.GetMainWidth() == 0.0, "MainWidth is 0"},
+       {set.GetFmax() == 0.0, "Fmax is 0"},
+       {set.GetNsamp() < 2, "Nsamp is below 2"},
+       {!IsOffered(set), "the shape does not offer this TolKind"},
+       {usesStandard && set.GetDefTolSpecify().GetWaveKind() != shape,
+        "TolSpecify.WaveKind is not the shape of the pulse"},
+       {usesStandard && set.GetDefTolSpecify().GetBaseStandard() == Std::BASE_STD_NONE,
+        "TolSpecify.BaseStandard is not set"},
+       {set.GetMainShift() >= 0.5, "MainShift moves the pulse behind the frame"},
+       {centre < 0.5 * set.GetMainWidth(), "the pulse begins before the frame"},
+       {set.GetAddCmp() && !HasCompensationType(set), "CmpType is not set"},
+       {set.GetAddCmp() && !compensation.empty(), compensation},
+       {true, "the pulse or its bands do not fit the frame"}});
 }
 
 Json Write(const CWaveDef& def, const std::string& /*samplesFile*/) {

@@ -105,20 +105,19 @@ compensation::Settings SettingsOf(const Def& params, double fsamp, bool negative
           .negative = negative};
 }
 
-/// The samples, or their negation; what is no limit stays none.
-Wave Upright(const Samples& samples, bool negate) {
-  Wave out(samples.begin(), samples.end());
-  for (double& v : out) v = negate && v != kNoLimit ? -v : v;
-  return out;
+/// The samples, negated if asked for; what is no limit stays none.
+Wave Turned(Wave samples, bool negate) {
+  for (double& v : samples) v = negate && v != kNoLimit ? -v : v;
+  return samples;
 }
 
-void Store(const Wave& wave, bool negate, Samples* samples) {
-  const Wave signedWave = [&] {
-    Wave out(wave);
-    for (double& v : out) v = negate && v != kNoLimit ? -v : v;
-    return out;
-  }();
-  samples->SetData(signedWave.size(), signedWave.data(), false);
+Wave Upright(const Samples& samples, bool negate) {
+  return Turned(Wave(samples.begin(), samples.end()), negate);
+}
+
+void Store(Wave wave, bool negate, Samples* samples) {
+  const Wave turned = Turned(std::move(wave), negate);
+  samples->SetData(turned.size(), turned.data(), false);
 }
 
 /// Compensates the drawn pulse.  A failure leaves in the arrays what the stage has come to.
@@ -133,9 +132,9 @@ bool Compensate(Def& params, double fsamp, const Placement& place, Samples* wave
   compensation::Results results;
   const bool done =
       compensation::Compensate(&pulse, SettingsOf(params, fsamp, negative), &results, refusal);
-  Store(pulse.wave, negative, wave);
-  Store(pulse.upper, negative, negative ? tolL : tolU);
-  Store(pulse.lower, negative, negative ? tolU : tolL);
+  Store(std::move(pulse.wave), negative, wave);
+  Store(std::move(pulse.upper), negative, negative ? tolL : tolU);
+  Store(std::move(pulse.lower), negative, negative ? tolU : tolL);
   if (!done) return false;
   params.SetCmpU1(results.drawn.levelPre);
   params.SetCmpU2(results.drawn.levelPost);
