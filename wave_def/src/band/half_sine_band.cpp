@@ -38,7 +38,6 @@ constexpr std::array<HalfSineRow, 10> kHalfSineRows{{
 
 /// A half-sine band in signed ratios to the peak: what every tolerance kind fills in.
 struct HalfSineBand {
-  uint64 frontN;              // [sample] length of the front line
   double left;                // level up to the front line
   double frontFrom;           // first value of the front line ...
   double edge;                // ... and its last, at the pulse's start
@@ -47,11 +46,10 @@ struct HalfSineBand {
   std::optional<double> cap;  // a triangle capped at this in the place of the blend
 };
 
-HalfSineBand TableBand(int kind, bool upper, const PulseSpan& p) {
+HalfSineBand TableBand(int kind, bool upper) {
   const HalfSineRow row = RowOf(kHalfSineRows, kind);
   const double s = upper ? 1.0 : -1.0;
-  HalfSineBand band{.frontN = p.Samples(row.front),
-                    .left = s * row.left,
+  HalfSineBand band{.left = s * row.left,
                     .frontFrom = s * row.left,
                     .edge = s * 0.2,
                     .main = s * row.main,
@@ -61,9 +59,8 @@ HalfSineBand TableBand(int kind, bool upper, const PulseSpan& p) {
   return band;
 }
 
-HalfSineBand Kind9Band(bool upper, const PulseSpan& p) {
-  HalfSineBand band = TableBand(Def::TOL_FIXED_9, upper, p);
-  band.frontN = common::TruncToIndex(p.W * 0.4 / p.dt + 0.5);  // Deliberate: rounded half up
+HalfSineBand Kind9Band(bool upper) {
+  HalfSineBand band = TableBand(Def::TOL_FIXED_9, upper);
   band.frontFrom = 0.0;  // Deliberate: not from the left level
   if (!upper) band.cap = 0.85;
   return band;
@@ -71,11 +68,10 @@ HalfSineBand Kind9Band(bool upper, const PulseSpan& p) {
 
 /// The band of a standard; nothing if the standard is not for this pulse or, for the lower band, of
 /// no known family.
-std::optional<HalfSineBand> SpecBand(const Std& tol, const BandTask& task, const PulseSpan& p) {
+std::optional<HalfSineBand> SpecBand(const Std& tol, const BandTask& task) {
   if (tol.GetWaveKind() != wave_def_sub::HALF_SINE) return std::nullopt;
   const double left = task.Signed(tol.GetTolBeginHi(), tol.GetTolBeginLo());
-  HalfSineBand band{.frontN = p.Samples(tol.GetPulseBeforeWidth()),
-                    .left = left,
+  HalfSineBand band{.left = left,
                     .frontFrom = left,
                     .edge = task.Signed(tol.GetPulseBeforeHi(), tol.GetPulseBeforeLo()),
                     .main = (task.upper ? tol.GetMainPulseHi() : tol.GetMainPulseLo()) - 1,
@@ -100,6 +96,7 @@ std::optional<HalfSineBand> SpecBand(const Std& tol, const BandTask& task, const
 bool DrawHalfSineBand(const HalfSineBand& b, const PulseSpan& p, const BandTask& task) {
   const BandPen pen(task.out, task.upper);
   const double A = p.A;
+  const uint64 frontN = HalfSineFront(task.def, p);
   const auto mainPulse = [&] {
     if (!b.cap) {
       return ApplyMainPulseBand(p.start, p.end, p.centre, A, b.edge, b.main, b.right, task.wave,
@@ -109,13 +106,24 @@ bool DrawHalfSineBand(const HalfSineBand& b, const PulseSpan& p, const BandTask&
            pen.CappedTriangle({p.start, b.edge * A}, {p.centre, A}, {p.end, b.right * A},
                               *b.cap * A);
   };
-  return pen.Level(0, p.start, b.left * A) &&                                       // left
-         pen.Line({p.start - b.frontN, b.frontFrom * A}, {p.start, b.edge * A}) &&  // front
-         mainPulse() &&                                                             // main
-         pen.Level(p.end, p.N - 1, b.right * A);                                    // right
+  return pen.Level(0, p.start, b.left * A) &&                                     // left
+         pen.Line({p.start - frontN, b.frontFrom * A}, {p.start, b.edge * A}) &&  // front
+         mainPulse() &&                                                           // main
+         pen.Level(p.end, p.N - 1, b.right * A);                                  // right
 }
 
 }  // namespace
+
+uint64 HalfSineFront(const Def& def, const PulseSpan& p) {
+  switch (def.GetTolKind()) {
+    case Def::TOL_FIXED_9:
+      return common::TruncToIndex(p.W * 0.4 / p.dt + 0.5);  // Deliberate: rounded half up
+    case Def::TOL_SPECIFY:
+      return p.Samples(def.GetDefTolSpecify().GetPulseBeforeWidth());
+    default:
+      return p.Samples(FrontFraction(def.GetTolKind()));
+  }
+}
 
 double FrontFraction(int kind) { return RowOf(kHalfSineRows, kind).front; }
 
@@ -125,12 +133,12 @@ bool BuildHalfSineStdBand(const BandTask& task) {
   if (kind == Def::TOL_USER_DEF) return BuildUserTolBand(task);
   const auto p = SpanOf(task.def, task.centre, task.dt);
   if (!p) return false;
-  if (kind == Def::TOL_FIXED_9) return DrawHalfSineBand(Kind9Band(task.upper, *p), *p, task);
+  if (kind == Def::TOL_FIXED_9) return DrawHalfSineBand(Kind9Band(task.upper), *p, task);
   if (kind == Def::TOL_SPECIFY) {
-    const auto band = SpecBand(task.def.GetDefTolSpecify(), task, *p);
+    const auto band = SpecBand(task.def.GetDefTolSpecify(), task);
     return band && DrawHalfSineBand(*band, *p, task);
   }
-  return DrawHalfSineBand(TableBand(kind, task.upper, *p), *p, task);
+  return DrawHalfSineBand(TableBand(kind, task.upper), *p, task);
 }
 
 }  // namespace qarv::wave_def

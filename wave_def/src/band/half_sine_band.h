@@ -2,11 +2,15 @@
 #pragma once
 
 #include "band/band_row.h"
+#include "pulse/pulse_span.h"
 
 namespace qarv::wave_def {
 
 /// The length of the front region of a built-in kind [width]; 0 for a kind that has none.
 double FrontFraction(int kind);
+
+/// The length of the front region of a half-sine's band.  [sample]
+common::uint64 HalfSineFront(const CWaveDefClassical& def, const PulseSpan& p);
 
 /// Fills a band of a half-sine pulse, whatever the tolerance kind.
 /// @return false, with what was drawn so far left in the band, if dt is 0, an array is missing, the

@@ -23,6 +23,11 @@ bool HasCap(Def::TOL_KIND kind) {
 
 }  // namespace
 
+uint64 HaversineFront(const Def& def, const PulseSpan& p) {
+  if (def.GetDefTolUserDef().GetTolFrontA() == 0.0) return 0;
+  return p.Samples(FrontFraction(def.GetTolKind()));
+}
+
 bool BuildHaversineBand(const BandTask& task) {
   if (!task.IsComplete()) return false;
   const Def::TOL_KIND kind = task.def.GetTolKind();
@@ -40,7 +45,7 @@ bool BuildHaversineBand(const BandTask& task) {
   const bool rear = tol.GetTolRearA() != 0.0;
   const double a = front ? M : L;
   const double A = p.A;
-  const uint64 frontStart = p.start - p.Samples(FrontFraction(kind));
+  const uint64 frontStart = p.start - HaversineFront(task.def, p);
 
   const BandPen pen(task.out, task.upper);
   const auto mainPulse = [&] {

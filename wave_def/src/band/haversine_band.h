@@ -2,8 +2,12 @@
 #pragma once
 
 #include "band/band_row.h"
+#include "pulse/pulse_span.h"
 
 namespace qarv::wave_def {
+
+/// The length of the front region of a haversine's band; 0 if it has none.  [sample]
+common::uint64 HaversineFront(const CWaveDefClassical& def, const PulseSpan& p);
 
 /// Fills a band of a haversine pulse from the definition's CWaveDefTolUserDef; the tolerance kind
 /// only chooses the length of the front region and the form of the lower band.

@@ -100,14 +100,13 @@ std::optional<SawtoothBand> TableBand(Def::TOL_KIND kind, uint64 peak, const Pul
   const double left = s * row.left * p.A;
   SawtoothBand b{};
   b.left = left;
-  b.frontFrom = {p.start - p.Samples(row.front), left};
+  b.frontFrom = {p.start - SawtoothFront(task.def, p), left};
   b.begin = s * row.begin * p.A;
   b.frontTo = {p.start, b.begin};
   b.right = (task.upper ? row.rightUpper : row.rightLower) * p.A;
   const double main = s * row.main;
-  if (kind == Def::TOL_FIXED_1 || kind == Def::TOL_FIXED_4 || kind == Def::TOL_FIXED_6) {
-    const uint64 fall = FloorToIndex(row.fall * p.W / p.dt);  // floor
-    if (!SetInstantFall(fall, 1 + main, main, p, task, &b)) return std::nullopt;
+  if (const auto fall = SawtoothFall(task.def, p)) {
+    if (!SetInstantFall(*fall, 1 + main, main, p, task, &b)) return std::nullopt;
     return b;
   }
   SetOwnFall(peak, 1 + main, p, task, &b);
@@ -121,15 +120,13 @@ std::optional<SawtoothBand> Kind9Band(const PulseSpan& p, const BandTask& task) 
   const double main = upper ? 0.15 : -0.15;
   // Deliberate: the upper band's left level reaches into the pulse.
   const uint64 leftEnd = upper ? p.start + TruncToIndex(p.W * (0.2 - 0.15) / p.dt + 0.5) : p.start;
-  const uint64 frontN = TruncToIndex(p.W * 0.4 / p.dt + 0.5);  // Deliberate: rounded half up
-  const uint64 fall = FloorToIndex(0.07 * p.W / p.dt + 0.5);   // Deliberate: rounded half up
   SawtoothBand b{};
   b.left = (upper ? 0.05 : -0.05) * p.A;
-  b.frontFrom = {p.start - frontN, 0.0};  // Deliberate: not from the left level
+  b.frontFrom = {p.start - SawtoothFront(task.def, p), 0.0};  // Deliberate: not from the left level
   b.frontTo = {leftEnd, (upper ? 0.2 : -0.15) * p.A};
   b.begin = main * p.A;
   b.right = (upper ? 0.2 : -0.3) * p.A;
-  if (!SetInstantFall(fall, 1.15, main, p, task, &b)) return std::nullopt;
+  if (!SetInstantFall(*SawtoothFall(task.def, p), 1.15, main, p, task, &b)) return std::nullopt;
   return b;
 }
 
@@ -140,15 +137,15 @@ std::optional<SawtoothBand> SpecBand(const Std& tol, uint64 peak, const PulseSpa
   const double multiple = task.upper ? tol.GetMainPulseHi() : tol.GetMainPulseLo();
   SawtoothBand b{};
   b.left = left;
-  b.frontFrom = {p.start - p.Samples(tol.GetPulseBeforeWidth()), left};
+  b.frontFrom = {p.start - SawtoothFront(task.def, p), left};
   b.begin = task.Signed(tol.GetPulseBeforeHi(), tol.GetPulseBeforeLo()) * p.A;
   b.frontTo = {p.start, b.begin};
   b.right = task.Signed(tol.GetTolEndHi(), tol.GetTolEndLo()) * p.A;
   switch (tol.GetBaseStandard()) {
     case Std::BASE_STD_1:
     case Std::BASE_STD_4: {
-      const uint64 fall = FloorToIndex(tol.GetPulseAfterWidth() * p.W / p.dt);  // floor
-      if (!SetInstantFall(fall, multiple, multiple - 1, p, task, &b)) return std::nullopt;
+      if (!SetInstantFall(*SawtoothFall(task.def, p), multiple, multiple - 1, p, task, &b))
+        return std::nullopt;
       // Deliberate: the lower band drops down to the pulse's end.
       if (!task.upper) b.dropEnd = std::max(p.end, b.dropEnd);
       return b;
@@ -165,6 +162,36 @@ std::optional<SawtoothBand> SpecBand(const Std& tol, uint64 peak, const PulseSpa
 }
 
 }  // namespace
+
+uint64 SawtoothFront(const Def& def, const PulseSpan& p) {
+  switch (def.GetTolKind()) {
+    case Def::TOL_FIXED_9:
+      return TruncToIndex(p.W * 0.4 / p.dt + 0.5);  // Deliberate: rounded half up
+    case Def::TOL_SPECIFY:
+      return p.Samples(def.GetDefTolSpecify().GetPulseBeforeWidth());
+    default:
+      return p.Samples(RowOf(kSawtoothRows, def.GetTolKind()).front);
+  }
+}
+
+std::optional<uint64> SawtoothFall(const Def& def, const PulseSpan& p) {
+  const auto floor = [&](double fraction) { return FloorToIndex(fraction * p.W / p.dt); };
+  switch (def.GetTolKind()) {
+    case Def::TOL_FIXED_1:
+    case Def::TOL_FIXED_4:
+    case Def::TOL_FIXED_6:
+      return floor(RowOf(kSawtoothRows, def.GetTolKind()).fall);
+    case Def::TOL_FIXED_9:
+      return FloorToIndex(0.07 * p.W / p.dt + 0.5);  // Deliberate: rounded half up
+    case Def::TOL_SPECIFY: {
+      const auto base = def.GetDefTolSpecify().GetBaseStandard();
+      if (base != Std::BASE_STD_1 && base != Std::BASE_STD_4) return std::nullopt;
+      return floor(def.GetDefTolSpecify().GetPulseAfterWidth());
+    }
+    default:
+      return std::nullopt;
+  }
+}
 
 bool BuildSawtoothBand(const BandTask& task, uint64 peak) {
   if (!task.IsComplete()) return false;

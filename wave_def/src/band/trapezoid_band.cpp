@@ -39,7 +39,6 @@ constexpr std::array<TrapezoidRow, 10> kTrapezoidRows{{
 
 /// A trapezoid band in signed ratios to the peak: what every tolerance kind fills in.
 struct TrapezoidBand {
-  double front;    // [width] length of the front line
   double left;     // level up to the front line
   double begin;    // level at the pulse's start
   double slope;    // margin along the slopes
@@ -50,8 +49,7 @@ struct TrapezoidBand {
 TrapezoidBand TableBand(int kind, bool upper) {
   const TrapezoidRow row = RowOf(kTrapezoidRows, kind);
   const double s = upper ? 1.0 : -1.0;
-  return {.front = row.front,
-          .left = s * row.left,
+  return {.left = s * row.left,
           .begin = s * row.begin,
           .slope = s * row.slope,
           .plateau = 1 + s * row.main,
@@ -60,8 +58,7 @@ TrapezoidBand TableBand(int kind, bool upper) {
 
 std::optional<TrapezoidBand> SpecBand(const Std& tol, const BandTask& task) {
   if (tol.GetWaveKind() != wave_def_sub::TRAPEZOID) return std::nullopt;
-  return TrapezoidBand{.front = tol.GetPulseBeforeWidth(),
-                       .left = task.Signed(tol.GetTolBeginHi(), tol.GetTolBeginLo()),
+  return TrapezoidBand{.left = task.Signed(tol.GetTolBeginHi(), tol.GetTolBeginLo()),
                        .begin = task.Signed(tol.GetPulseBeforeHi(), tol.GetPulseBeforeLo()),
                        .slope = task.Signed(tol.GetPulseSlopeHi(), tol.GetPulseSlopeLo()),
                        .plateau = task.upper ? tol.GetMainPulseHi() : tol.GetMainPulseLo(),
@@ -118,7 +115,7 @@ bool DrawTrapezoidBand(const TrapezoidBand& b, const PulseSpan& p, const Trapezo
                        const BandTask& task) {
   const BandPen pen(task.out, task.upper);
   const double A = p.A;
-  const uint64 frontStart = p.start - p.Samples(b.front);
+  const uint64 frontStart = p.start - TrapezoidFront(task.def, p);
   return pen.Level(0, p.start, b.left * A) &&                           // left
          pen.Line({frontStart, b.left * A}, {p.start, b.begin * A}) &&  // front
          DrawPulse(b, c, task) &&                                       // main pulse
@@ -126,6 +123,13 @@ bool DrawTrapezoidBand(const TrapezoidBand& b, const PulseSpan& p, const Trapezo
 }
 
 }  // namespace
+
+uint64 TrapezoidFront(const Def& def, const PulseSpan& p) {
+  if (def.GetTolKind() == Def::TOL_SPECIFY) {
+    return p.Samples(def.GetDefTolSpecify().GetPulseBeforeWidth());
+  }
+  return p.Samples(RowOf(kTrapezoidRows, def.GetTolKind()).front);
+}
 
 bool BuildTrapezoidBand(const BandTask& task) {
   if (!task.IsComplete()) return false;

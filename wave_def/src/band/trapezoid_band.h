@@ -2,8 +2,12 @@
 #pragma once
 
 #include "band/band_row.h"
+#include "pulse/pulse_span.h"
 
 namespace qarv::wave_def {
+
+/// The length of the front region of a trapezoid's band.  [sample]
+common::uint64 TrapezoidFront(const CWaveDefClassical& def, const PulseSpan& p);
 
 /// Fills a band of a trapezoid pulse, whatever the tolerance kind: a left level, a front line,
 /// limits parallel to the slopes, a plateau over the flat top, a right level to the last sample.

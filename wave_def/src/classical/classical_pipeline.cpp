@@ -1,7 +1,6 @@
 // The generation of a classical shock pulse.
 //
 //   N    length of the frame [sample]
-//   T    duration of the frame [s]
 //   dt   sample interval [s]
 //   iC   centre of the pulse [sample]
 //   iS   its first sample, before which there is no frame where it is negative [sample]
@@ -18,6 +17,7 @@
 #include "common/numeric/index_conv.h"
 #include "compensation/tolerance.h"
 #include "pulse/pulse_shape.h"
+#include "pulse/pulse_span.h"
 
 namespace qarv::wave_def {
 
@@ -44,10 +44,8 @@ std::optional<Placement> Place(const Def& params) {
   if (params.GetMainAmpl() == 0.0 || params.GetFmax() == 0.0 || N == 0) return std::nullopt;
   const double dt = 1.0 / ConvFmaxToFsampByVal(params.GetFmax());
   if (dt == 0.0 || ConvNsampToNlineByVal(N) == 0) return std::nullopt;
-  const double T = static_cast<double>(N) * dt;
-  const uint64 iC = FloorToIndex((params.GetMainShift() * T + T * 0.5) / dt + 0.001);
-  // Deliberate: the half width is rounded down without the centre's guard of 0.001.
-  const uint64 h = FloorToIndex(params.GetMainWidth() * 0.5 / dt);
+  const uint64 iC = CentreOf(params, dt);
+  const uint64 h = PlacedHalfWidth(params, dt);
   const auto iS = static_cast<int64>(iC - h);
   if (iS < 0) return std::nullopt;
   const auto iE = static_cast<int64>(iC + h);

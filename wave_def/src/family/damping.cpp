@@ -118,12 +118,9 @@ bool CalcDampedSineResidual(uint64 count, const double* freq, const double* ampl
   return true;
 }
 
-double SynthesizeDampedSines(double* buffer, uint64 nsamp, double fsamp, double timeOrigin,
-                             uint64 count, const double* freq, const double* ampl,
-                             const double* zeta, const double* delay, double compFreq,
-                             double compZeta) {
-  if (buffer == nullptr || freq == nullptr || ampl == nullptr) return 0.0;
-  if (zeta == nullptr || delay == nullptr) return 0.0;
+CompensatingSine CalcCompensatingSine(double timeOrigin, uint64 count, const double* freq,
+                                      const double* ampl, const double* zeta, const double* delay,
+                                      double compFreq, double compZeta) {
   double V = 0.0;
   double D = 0.0;
   CalcDampedSineResidual(count, freq, ampl, zeta, delay, &V, &D);
@@ -134,13 +131,24 @@ double SynthesizeDampedSines(double* buffer, uint64 nsamp, double fsamp, double 
   const double Ac = -(W * V * M);
   const double dc = Ac != 0.0 ? W * D * M / Ac - (Z + Z) / (W * M) : 0.0;
   const double shift = -dc > timeOrigin ? -dc : timeOrigin;  // a NaN does not shift
+  return {.ampl = Ac, .delay = dc, .shift = shift};
+}
+
+double SynthesizeDampedSines(double* buffer, uint64 nsamp, double fsamp, double timeOrigin,
+                             uint64 count, const double* freq, const double* ampl,
+                             const double* zeta, const double* delay, double compFreq,
+                             double compZeta) {
+  if (buffer == nullptr || freq == nullptr || ampl == nullptr) return 0.0;
+  if (zeta == nullptr || delay == nullptr) return 0.0;
+  const auto [Ac, dc, shift] =
+      CalcCompensatingSine(timeOrigin, count, freq, ampl, zeta, delay, compFreq, compZeta);
 
   common::CMatBasic::ClrDouble(buffer, nsamp);
   for (uint64 i = 0; i < count; ++i) {
     if (ampl[i] == 0.0) continue;
     AddDampedSine(buffer, nsamp, fsamp, freq[i], ampl[i], zeta[i], delay[i] + shift);
   }
-  AddDampedSine(buffer, nsamp, fsamp, compFreq, Ac, Z, dc + shift);
+  AddDampedSine(buffer, nsamp, fsamp, compFreq, Ac, compZeta, dc + shift);
   return shift;
 }
 

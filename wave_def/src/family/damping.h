@@ -53,6 +53,20 @@ bool CalcDampedSineResidual(common::uint64 count, const double* freq, const doub
                             const double* zeta, const double* delay, double* velocity,
                             double* displacement);
 
+/// The damped sine that brings a sum of damped sines to rest: its amplitude makes the final
+/// velocity 0, its delay the final displacement.
+struct CompensatingSine {
+  double ampl;   // [amplitude unit]
+  double delay;  // [s]
+  double shift;  // [s] by which everything is delayed, so that it does not start before the origin
+};
+
+/// @param[in] freq,ampl,zeta,delay  count values each   @param[in] timeOrigin  [s]
+/// @param[in] compFreq,compZeta  the compensating component [Hz], [1]
+CompensatingSine CalcCompensatingSine(double timeOrigin, common::uint64 count, const double* freq,
+                                      const double* ampl, const double* zeta, const double* delay,
+                                      double compFreq, double compZeta);
+
 /// Clears the buffer and adds the damped sines and one compensating damped sine, whose amplitude
 /// makes the final velocity 0 and whose delay makes the final displacement 0.  Where it would start
 /// before the time origin, everything is delayed so that it starts there.

@@ -11,7 +11,6 @@
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
 #include "common/numeric/mat_edit.h"
-#include "family/total_length.h"
 
 namespace qarv::wave_def {
 
@@ -86,24 +85,32 @@ void LayOverlapping(const Samples& packet, uint64 step, uint64 frames, Samples* 
 
 }  // namespace
 
-bool SineBeatBurstGenerate(const CWaveDefSineBeatBurst& def, double fsamp, Samples* wave) {
-  if (fsamp == 0.0 || wave == nullptr || !IsGenerated(def)) return false;
-
-  const uint64 frames = def.GetFrame();
+PacketLayout LayOut(const CWaveDefSineBeatBurst& def, double fsamp) {
   const double T = 1.0 / def.GetFreq();
   const double packetSamples = def.GetCycle() * T * fsamp;
   const double restSamples = def.GetRestTime() * fsamp;
-  const uint64 Np = RoundToIndex(packetSamples);  // rounded half up
-  const uint64 Nr = RoundToIndex(restSamples);    // rounded half up
-  TotalLength total;
-  total.Add(Np, packetSamples, frames);
-  total.Add(Nr, restSamples, frames - 1);
-  if (Np == 0 || !total.IsPositive()) return false;
-  const uint64 Nt = total.Count();
-  const uint64 step = Np + Nr;
+  PacketLayout out{.packet = RoundToIndex(packetSamples),  // rounded half up
+                   .rest = RoundToIndex(restSamples),      // rounded half up
+                   .total = {}};
+  const uint64 frames = def.GetFrame();
+  out.total.Add(out.packet, packetSamples, frames);
+  out.total.Add(out.rest, restSamples, frames == 0 ? 0 : frames - 1);
+  return out;
+}
+
+bool SineBeatBurstGenerate(const CWaveDefSineBeatBurst& def, double fsamp, Samples* wave) {
+  if (fsamp == 0.0 || wave == nullptr || !IsGenerated(def)) return false;
+
+  const PacketLayout layout = LayOut(def, fsamp);
+  if (layout.packet == 0 || !layout.total.IsPositive()) return false;
+  const uint64 frames = def.GetFrame();
+  const uint64 Np = layout.packet;
+  const uint64 Nt = layout.total.Count();
+  const uint64 step = Np + layout.rest;
 
   wave->Reserve(Nt);  // all that can fail for want of memory comes before the first sample
-  if (restSamples < 0.0 && frames > 1) {  // overlapping packets need their pattern kept apart
+  if (def.GetRestTime() * fsamp < 0.0 &&
+      frames > 1) {  // overlapping packets need their pattern kept apart
     Samples packet;
     DrawPacket(def, fsamp, Np, &packet);
     wave->Clear();

@@ -5,14 +5,10 @@
 //                           negative times wrap below 0
 #include "family/symmetry.h"
 
-#include <array>
 #include <cmath>
-#include <cstddef>
-#include <span>
 
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
-#include "family/total_length.h"
 
 namespace qarv::wave_def {
 
@@ -20,19 +16,48 @@ using common::uint64;
 
 namespace {
 
-/// Where the pulses begin, and how long the whole is.  [sample]
-struct Layout {
-  uint64 n;
-  uint64 main;
-  std::array<uint64, 2> comp;  // the second one only where the compensation is divided
-  std::size_t compCount;
-  TotalLength total;
+/// The sample of a triangle's peak, counted from its first.
+uint64 TrianglePeak(double peakPos, uint64 n) {
+  const uint64 m = common::TruncToIndex(peakPos * static_cast<double>(n));  // truncated
+  return m != 0 ? m : 1;
+}
 
-  std::span<const uint64> Compensations() const { return {comp.data(), compCount}; }
+struct TriangleSides {
+  uint64 rise, fall;  // [sample]
 };
 
-Layout LayOut(const CWaveDefSymmetry& def, double fsamp) {
-  Layout out{};
+/// The two sides of a triangle; where the peak is the end of the width, the last sample becomes it.
+TriangleSides SidesOf(double peakPos, uint64 n) {
+  const uint64 m = TrianglePeak(peakPos, n);
+  return m == n ? TriangleSides{n - 1, 1} : TriangleSides{m, n - m};
+}
+
+/// Whether `count` samples from `first` on lie in an array of `size`.
+bool Inside(uint64 first, uint64 count, uint64 size) {
+  return count == 0 || (first < size && count <= size - first);
+}
+
+void DrawPulse(const CWaveDefSymmetry& def, double a, uint64 n, uint64 at,
+               common::CDataArrayFloatT<double>* wave) {
+  double* const x = wave->GetData();
+  switch (def.GetWaveKind()) {
+    case wave_def_sub::TRIANGLE:
+      SymTrianglePulse(a, n, def.GetPeakPos(), at, x);
+      break;
+    case wave_def_sub::HAVERSINE:
+      // A haversine of no samples still has its centre, where the array has the place.
+      if (n != 0 || at < wave->GetSize()) SymHaversinePulse(a, n, at, x);
+      break;
+    default:
+      SymHalfSinePulse(a, n, at, x);
+      break;
+  }
+}
+
+}  // namespace
+
+SymmetryLayout LayOut(const CWaveDefSymmetry& def, double fsamp) {
+  SymmetryLayout out{};
   const auto add = [&](double time) {  // counts a stretch and adds it to the whole
     const uint64 count = common::RoundToIndex(time * fsamp);  // rounded half up
     out.total.Add(count, time * fsamp);
@@ -59,28 +84,6 @@ Layout LayOut(const CWaveDefSymmetry& def, double fsamp) {
   return out;
 }
 
-/// The sample of a triangle's peak, counted from its first.
-uint64 TrianglePeak(double peakPos, uint64 n) {
-  const uint64 m = common::TruncToIndex(peakPos * static_cast<double>(n));  // truncated
-  return m != 0 ? m : 1;
-}
-
-struct TriangleSides {
-  uint64 rise, fall;  // [sample]
-};
-
-/// The two sides of a triangle; where the peak is the end of the width, the last sample becomes it.
-TriangleSides SidesOf(double peakPos, uint64 n) {
-  const uint64 m = TrianglePeak(peakPos, n);
-  return m == n ? TriangleSides{n - 1, 1} : TriangleSides{m, n - m};
-}
-
-/// Whether `count` samples from `first` on lie in an array of `size`.
-bool Inside(uint64 first, uint64 count, uint64 size) {
-  return count == 0 || (first < size && count <= size - first);
-}
-
-/// Whether every sample of a pulse that begins at `at` lies in an array of `size`.
 bool PulseFits(const CWaveDefSymmetry& def, uint64 n, uint64 at, uint64 size) {
   switch (def.GetWaveKind()) {
     case wave_def_sub::HALF_SINE:
@@ -96,25 +99,6 @@ bool PulseFits(const CWaveDefSymmetry& def, uint64 n, uint64 at, uint64 size) {
       return false;
   }
 }
-
-void DrawPulse(const CWaveDefSymmetry& def, double a, uint64 n, uint64 at,
-               common::CDataArrayFloatT<double>* wave) {
-  double* const x = wave->GetData();
-  switch (def.GetWaveKind()) {
-    case wave_def_sub::TRIANGLE:
-      SymTrianglePulse(a, n, def.GetPeakPos(), at, x);
-      break;
-    case wave_def_sub::HAVERSINE:
-      // A haversine of no samples still has its centre, where the array has the place.
-      if (n != 0 || at < wave->GetSize()) SymHaversinePulse(a, n, at, x);
-      break;
-    default:
-      SymHalfSinePulse(a, n, at, x);
-      break;
-  }
-}
-
-}  // namespace
 
 void SymHalfSinePulse(double a, uint64 n, uint64 at, double* buffer) {
   for (uint64 k = 0; k < n; ++k) {
@@ -148,7 +132,7 @@ bool SymmetryGenerate(const CWaveDefSymmetry& def, double fsamp,
   if (wave == nullptr || fsamp == 0.0 || def.GetPeak() == 0.0 || def.GetWidth() == 0.0) {
     return false;
   }
-  const Layout layout = LayOut(def, fsamp);
+  const SymmetryLayout layout = LayOut(def, fsamp);
   if (!layout.total.IsPositive()) return false;
   const uint64 size = layout.total.Count();
   if (!PulseFits(def, layout.n, layout.main, size)) return false;

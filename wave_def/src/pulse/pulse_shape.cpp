@@ -87,9 +87,10 @@ std::optional<TrapezoidFractions> SawtoothFractions(const Def& def) {
 
 /// A trapezoid as a pulse, with the bands of `build`.
 template <class Build>
-bool BuildTrapezoid(const Def& def, uint64 centre, double dt, const TrapezoidFractions& part,
-                    const PulseArrays& out, Build build) {
-  return DrawTrapezoid(def, true, centre, dt, part.rise, part.fall, 0.0, def.GetMainAmpl(), 0.0,
+bool BuildTrapezoid(const Def& def, uint64 centre, double dt, const PulseArrays& out, Build build) {
+  const auto part = FractionsOf(def);
+  return part &&
+         DrawTrapezoid(def, true, centre, dt, part->rise, part->fall, 0.0, def.GetMainAmpl(), 0.0,
                        out.wave) &&
          BuildBands(def, centre, dt, out, build);
 }
@@ -135,12 +136,35 @@ bool DrawTrapezoid(const Def& def, bool upper, uint64 centre, double dt, double 
 }
 
 std::optional<TrapezoidFractions> FractionsOf(const Def& def) {
+  if (def.GetWaveKind() == wave_def_sub::TRIANGLE) return TrapezoidFractions{0.5, 0.5};
+  if (def.GetWaveKind() == wave_def_sub::USER_TRAPEZOID) {
+    return TrapezoidFractions{def.GetMainRise(), def.GetMainFall()};
+  }
+  if (def.GetWaveKind() != wave_def_sub::TRAPEZOID) return std::nullopt;
   if (def.GetTolKind() != Def::TOL_SPECIFY) return TrapezoidFractions{0.1, 0.1};
   const Std& tol = def.GetDefTolSpecify();
   if (tol.GetBaseStandard() < Std::BASE_STD_1 || tol.GetBaseStandard() > Std::BASE_STD_5) {
     return std::nullopt;
   }
   return TrapezoidFractions{tol.GetPulseRiseWidth(), tol.GetPulseFallWidth()};
+}
+
+std::optional<SawtoothCorners> SawtoothCornersOf(const Def& def, uint64 centre, double dt) {
+  const auto half = CalcPulseHalfWidth(def.GetMainWidth(), dt, def.GetNsamp());
+  const auto part = SawtoothFractions(def);
+  if (!half || !part) return std::nullopt;
+  const double L = static_cast<double>(2 * half->n);
+  const uint64 start = centre - half->n;
+  return SawtoothCorners{
+      .start = start,
+      .peak = start + FloorToIndex(L * part->rise + 0.5),                 // rounded half up
+      .end = start + FloorToIndex((part->fall + part->rise) * L + 0.5)};  // rounded half up
+}
+
+bool DrawSawtooth(const SawtoothCorners& c, double peak, SampleSpan wave) {
+  const BandPen pen(wave, true);
+  return pen.Line({c.start, 0.0}, {c.peak, peak}) &&  // rise
+         pen.Fall({c.peak, peak}, {c.end, 0.0});      // fall
 }
 
 bool BuildHalfSinePulse(const Def& def, uint64 centre, double dt, const PulseArrays& out) {
@@ -154,33 +178,23 @@ bool BuildHaversinePulse(const Def& def, uint64 centre, double dt, const PulseAr
 }
 
 bool BuildSawtoothPulse(const Def& def, uint64 centre, double dt, const PulseArrays& out) {
-  const auto half = CalcPulseHalfWidth(def.GetMainWidth(), dt, def.GetNsamp());
-  const auto part = SawtoothFractions(def);
-  if (!half || !part) return false;
-  const double L = static_cast<double>(2 * half->n);
-  const uint64 start = centre - half->n;
-  const uint64 peak = start + FloorToIndex(L * part->rise + 0.5);                // rounded half up
-  const uint64 end = start + FloorToIndex((part->fall + part->rise) * L + 0.5);  // rounded half up
-  const double A = def.GetMainAmpl();
-  const BandPen pen(out.wave, true);
-  return pen.Line({start, 0.0}, {peak, A}) &&  // rise
-         pen.Fall({peak, A}, {end, 0.0}) &&    // fall
-         BuildBands(def, centre, dt, out,
-                    [peak](const BandTask& task) { return BuildSawtoothBand(task, peak); });
+  const auto corners = SawtoothCornersOf(def, centre, dt);
+  return corners && DrawSawtooth(*corners, def.GetMainAmpl(), out.wave) &&
+         BuildBands(def, centre, dt, out, [&corners](const BandTask& task) {
+           return BuildSawtoothBand(task, corners->peak);
+         });
 }
 
 bool BuildTrapezoidPulse(const Def& def, uint64 centre, double dt, const PulseArrays& out) {
-  const auto part = FractionsOf(def);
-  return part && BuildTrapezoid(def, centre, dt, *part, out, BuildTrapezoidBand);
+  return BuildTrapezoid(def, centre, dt, out, BuildTrapezoidBand);
 }
 
 bool BuildTrianglePulse(const Def& def, uint64 centre, double dt, const PulseArrays& out) {
-  return BuildTrapezoid(def, centre, dt, {0.5, 0.5}, out, BuildUserTolBand);
+  return BuildTrapezoid(def, centre, dt, out, BuildUserTolBand);
 }
 
 bool BuildUserTrapezoidPulse(const Def& def, uint64 centre, double dt, const PulseArrays& out) {
-  return BuildTrapezoid(def, centre, dt, {def.GetMainRise(), def.GetMainFall()}, out,
-                        BuildUserTolBand);
+  return BuildTrapezoid(def, centre, dt, out, BuildUserTolBand);
 }
 
 }  // namespace qarv::wave_def

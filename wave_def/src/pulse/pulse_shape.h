@@ -45,14 +45,29 @@ std::optional<TrapezoidCorners> CornersOf(const CWaveDefClassical& def, common::
                                  double dt, double rise, double fall, double a, double p, double e,
                                  SampleSpan out);
 
-/// The fractions of the width that rise and fall of a TRAPEZOID take.  [width]
+/// The fractions of the width that rise and fall take.  [width]
 struct TrapezoidFractions {
   double rise, fall;
 };
 
-/// 0.1 each, or the standard's with TOL_SPECIFY.
-/// @return nothing if the standard is of no known family
+/// Those of a triangle, 0.5 each; of a user trapezoid, its own; of a trapezoid, 0.1 each, or the
+/// standard's with TOL_SPECIFY.
+/// @return nothing for another shape, or if a trapezoid's standard is of no known family
 std::optional<TrapezoidFractions> FractionsOf(const CWaveDefClassical& def);
+
+/// The corners of a terminal-peak sawtooth.  [sample]
+struct SawtoothCorners {
+  common::uint64 start, peak, end;
+};
+
+/// @return nothing if dt is 0, there is no width, or the tolerance kind, which shapes the fall, is
+///         none that a sawtooth offers
+std::optional<SawtoothCorners> SawtoothCornersOf(const CWaveDefClassical& def,
+                                                 common::uint64 centre, double dt);
+
+/// Draws a sawtooth, 0 to peak to 0.
+/// @return false, with what was drawn so far left, if a corner lies outside the frame
+[[nodiscard]] bool DrawSawtooth(const SawtoothCorners& corners, double peak, SampleSpan wave);
 
 /// Builds a pulse and its bands, the upper one first.
 /// @param[in]  centre  centre of the pulse [sample]

@@ -22,6 +22,16 @@ uint64 PulseSpan::Samples(double fraction) const {
   return common::TruncToIndex(fraction * W / dt);  // truncated
 }
 
+uint64 CentreOf(const CWaveDefClassical& def, double dt) {
+  const double T = static_cast<double>(def.GetNsamp()) * dt;
+  return common::FloorToIndex((def.GetMainShift() * T + T * 0.5) / dt + 0.001);
+}
+
+uint64 PlacedHalfWidth(const CWaveDefClassical& def, double dt) {
+  // Deliberate: the half width is rounded down without the centre's guard of 0.001.
+  return common::FloorToIndex(def.GetMainWidth() * 0.5 / dt);
+}
+
 std::optional<PulseSpan> SpanOf(const CWaveDefClassical& def, uint64 centre, double dt) {
   const uint64 N = def.GetNsamp();
   const auto half = CalcPulseHalfWidth(def.GetMainWidth(), dt, N);

@@ -35,6 +35,12 @@ struct PulseSpan {
   common::uint64 Samples(double fraction) const;
 };
 
+/// The sample of a definition's centre: floor((MainShift T + T 0.5) / dt + 0.001), T = Nsamp dt.
+common::uint64 CentreOf(const CWaveDefClassical& def, double dt);
+
+/// The half width by which a definition is placed: floor(MainWidth 0.5 / dt).  [sample]
+common::uint64 PlacedHalfWidth(const CWaveDefClassical& def, double dt);
+
 /// The span of a definition's pulse about a centre.
 /// @return nothing if dt is 0 or CalcPulseHalfWidth gives nothing
 std::optional<PulseSpan> SpanOf(const CWaveDefClassical& def, common::uint64 centre, double dt);
