@@ -9,6 +9,7 @@
 
 #include "com_def/com_def_system_const.h"
 #include "input_file.h"
+#include "rules/rules.h"
 
 namespace qarv::command {
 
@@ -68,6 +69,14 @@ const Family& FindFamily(const Json& json, const Place& at) {
   return *found;
 }
 
+/// A function of several types, each with its own body.
+template <class... F>
+struct Overloaded : F... {
+  using F::operator()...;
+};
+template <class... F>
+Overloaded(F...) -> Overloaded<F...>;
+
 }  // namespace
 
 const Family& FamilyOf(const CWaveDef& def) {
@@ -82,26 +91,53 @@ double SampleRateOf(const CWaveDef& def) {
   return com_def::comdefsystemconst::ConvFmaxToFsampByVal(def.GetDefClassical().GetFmax());
 }
 
-CWaveDef LoadDefinition(const std::string& file) {
+Definition ReadDefinition(const std::string& file) {
   const Json json = ParseFile(file);
   const Place at(file);
   if (!json.is_object()) at.Fail("is not a JSON object");
   const Family& family = FindFamily(json, at);
   Json settings = json;
   settings.erase(family.key);
-  CWaveDef def;
-  ReadFields(Settings(), settings, at, def);
+  Definition out{&family, {}, {}};
+  ReadFields(Settings(), settings, at, out.settings);
   const bool hasFsamp = json.contains("Fsamp");
-  if (family.needsFsamp && !hasFsamp) at.Key("Fsamp").Fail("missing");
+  if (family.ownFsamp == nullptr && !hasFsamp) at.Key("Fsamp").Fail("missing");
+  out.set = family.read(json[family.key], at.Key(family.key), hasFsamp);
+  if (!hasFsamp) out.settings.SetFsamp(family.ownFsamp(out.set));
+  return out;
+}
+
+bool DefineWave(const Definition& definition, CWaveDef* def) {
+  *def = definition.settings;
+  using namespace wave_def;
+  return std::visit(
+      Overloaded{
+          [&](const CWaveDefClassical& set) { return def->SetDefClassical(set); },
+          [&](const CWaveDefSymmetry& set) { return def->SetDefSymmetry(set); },
+          [&](const CWaveDefSineBeatBurst& set) { return def->SetDefSineBeatBurst(set); },
+          [&](const MeasuredSet& set) { return def->SetDefMeasure(set.set, set.samples); },
+          [&](const CWaveDefGradual& set) { return def->SetDefGradual(set); },
+          [&](const CWaveDefSingle& set) { return def->SetDefSingle(set); },
+          [&](const CWaveDefDamping& set) { return def->SetDefDamping(set); },
+      },
+      definition.set);
+}
+
+CWaveDef LoadDefinition(const std::string& file) {
+  const Definition definition = ReadDefinition(file);
+  const auto refuse = [&](const std::string& reason) {
+    throw CommandError(kRefused,
+                       OneLine(fmt::format("{}: {}: {}", file, definition.family->key, reason)));
+  };
+  CWaveDef def;
   try {
-    const std::string reason = family.define(json[family.key], at.Key(family.key), hasFsamp, def);
-    if (reason.empty()) return def;
-    throw CommandError(kRefused, OneLine(fmt::format("{}: {}: {}", file, family.key, reason)));
+    if (!DefineWave(definition, &def)) refuse(WhyRefused(definition));
+    return def;
   } catch (const std::bad_alloc&) {
   } catch (const std::length_error&) {
   }
-  throw CommandError(kRefused, OneLine(fmt::format("{}: {}: the waveform does not fit into memory",
-                                                   file, family.key)));
+  refuse(kNoMemory);
+  return def;
 }
 
 std::string DefinitionText(const CWaveDef& def, const std::string& samplesFile) {

@@ -2,26 +2,39 @@
 #pragma once
 
 #include <string>
-#include <vector>
+#include <variant>
 
 #include "json_fields.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::command {
 
+/// The parameters of a measured waveform, with its samples.
+struct MeasuredSet {
+  wave_def::CWaveDefMeasure set;
+  common::CDataArrayFloatT<double> samples;  // [amplitude unit]
+  double fsamp;  // [Hz] of the file's time column; 0 if it was not needed
+};
+
+/// The parameters of a waveform, of whichever family.
+using ParameterSet =
+    std::variant<wave_def::CWaveDefClassical, wave_def::CWaveDefSymmetry,
+                 wave_def::CWaveDefSineBeatBurst, MeasuredSet, wave_def::CWaveDefGradual,
+                 wave_def::CWaveDefSingle, wave_def::CWaveDefDamping>;
+
 /// What the command knows of a waveform family.
 struct Family {
   const char* key;    // of its object in a definition
   const char* title;  // for people
   wave_def::CWaveDef::WAVE_TYPE type;
-  /// Reads the family's object and defines the waveform.  Where the definition file gives no
-  /// sampling frequency (`hasFsamp`), a family that knows it sets it.
-  /// @return why the library refused it; empty if it is defined
-  std::string (*define)(const Json& json, const Place& at, bool hasFsamp, wave_def::CWaveDef& def);
+  /// Reads the family's object.  Where the definition file gives no sampling frequency
+  /// (`hasFsamp`), all that is needed for the family's own is read too.
+  ParameterSet (*read)(const Json& json, const Place& at, bool hasFsamp);
+  /// The sampling frequency that the parameters imply [Hz]; null where it must be given.
+  double (*ownFsamp)(const ParameterSet& set);
   /// Writes the family's object.  `samplesFile` is where the samples of a measured waveform are
   /// kept.
   Json (*write)(const wave_def::CWaveDef& def, const std::string& samplesFile);
-  bool needsFsamp;  // whether the sampling frequency must be given
 };
 
 // One per file in families/.
@@ -40,28 +53,25 @@ const Family& FamilyOf(const wave_def::CWaveDef& def);
 /// analysis frequency, otherwise Fsamp.
 double SampleRateOf(const wave_def::CWaveDef& def);
 
+/// What a definition file says, before its waveform is generated.
+struct Definition {
+  const Family* family;
+  wave_def::CWaveDef settings;  // defines nothing yet
+  ParameterSet set;
+};
+
+/// Reads a definition file.  Ends the command where the file cannot be used.
+Definition ReadDefinition(const std::string& file);
+
+/// Has the library generate the waveform of a definition.
+/// @return false if it refuses
+bool DefineWave(const Definition& definition, wave_def::CWaveDef* def);
+
 /// Reads a definition file and defines its waveform.
 /// Ends the command where the file cannot be used or the library refuses the definition.
 wave_def::CWaveDef LoadDefinition(const std::string& file);
 
 /// A definition as JSON text, with every field.
 std::string DefinitionText(const wave_def::CWaveDef& def, const std::string& samplesFile);
-
-/// What makes a definition fail, with the reason for each; the first broken one counts.
-using Rules = std::vector<std::pair<bool, std::string>>;
-
-inline std::string BrokenRule(const Rules& rules) {
-  for (const auto& [broken, reason] : rules) {
-    if (broken) return reason;
-  }
-  return "the parameters give no waveform";
-}
-
-/// The library's definition call for a set, and the reason where it refuses.
-template <class Set>
-std::string DefineSet(wave_def::CWaveDef& def, const Set& set,
-                      bool (wave_def::CWaveDef::*define)(const Set&), const Rules& rules) {
-  return (def.*define)(set) ? std::string() : BrokenRule(rules);
-}
 
 }  // namespace qarv::command

@@ -14,6 +14,7 @@
 #include "output_files.h"
 #include "plot.h"
 #include "record_file.h"
+#include "rules/rules.h"
 
 namespace qarv::command {
 
@@ -61,22 +62,11 @@ std::string Summary(const CWaveDef& def) {
   return IsCompensated(def) ? text + CompensationSummary(def) : text;
 }
 
-/// Warns of bands that no waveform can lie between.
-void WarnOfCrossedBands(const CWaveDef& def, const std::string& file) {
-  const double* const upper = def.GetTolU().GetData();
-  const double* const lower = def.GetTolL().GetData();
-  uint64 first = 0;
-  uint64 count = 0;
-  for (uint64 i = def.GetNsamp(); i-- > 0;) {
-    if (!(upper[i] < lower[i])) continue;
-    first = i;
-    ++count;
+/// Warns of a waveform that nobody wants.
+void Warn(const CWaveDef& def, const std::string& file) {
+  for (const Finding& finding : FindingsOf(def)) {
+    fmt::print(stderr, "qarv-wave: warning: {}: {}\n", OneLine(file), finding.text);
   }
-  if (count == 0) return;
-  fmt::print(stderr,
-             "qarv-wave: warning: {}: the upper band lies below the lower one at {} of {} samples, "
-             "first at sample {}\n",
-             OneLine(file), count, def.GetNsamp(), first);
 }
 
 }  // namespace
@@ -92,7 +82,7 @@ void Generate(const GenerateOptions& options) {
     const Motion motion = IsCompensated(def) ? Motion::Shown : Motion::Hidden;
     PlotWave(def, name + ": " + FamilyOf(def).title, motion, format, files.Reserve(options.plot));
   }
-  WarnOfCrossedBands(def, options.definition);
+  Warn(def, options.definition);
   const std::string summary = Summary(def);
   WriteBytes(stdout, summary.data(), summary.size(), "standard output");
   files.Commit();

@@ -7,7 +7,7 @@
 namespace qarv::command {
 
 /// The exit codes of the command.
-enum ExitCode { kDone = 0, kRefused = 1, kBadInput = 2 };
+enum ExitCode { kDone = 0, kRefused = 1, kBadInput = 2, kWarned = 3 };
 
 /// Ends the command with one line on standard error.
 class CommandError : public std::runtime_error {

@@ -253,10 +253,12 @@ TEST_F(Generate, WhatTheLibraryRefusesIsExplained) {
       R"("SineBeatBurst": {"WaveKind": "SINE_BEAT", "Ampl": 1, "Freq": 1, "Cycle": 1, "Frame": 4294967295, "RestTime": 1e30})",
       "does not fit into memory");
   refused(R"("Symmetry": {"WaveKind": "TRIANGLE", "Peak": 1, "Width": 0.1, "PeakPos": 2})",
-          "PeakPos is above 1");
+          "PeakPos is 2, behind the width; works with PeakPos 1");
   refused(R"("Symmetry": {"WaveKind": "TRAPEZOID", "Peak": 1, "Width": 0.1})", "WaveKind");
   refused(R"("Symmetry": {"WaveKind": "HALF_SINE", "Peak": 1, "Width": 0.1, "MidZero": -0.3})",
-          "does not fit");
+          "pulses and silences have no samples");
+  refused(R"("Symmetry": {"WaveKind": "HALF_SINE", "Peak": 1, "Width": 0.1, "MidZero": -0.15})",
+          "a pulse of 100 samples does not fit between the silences into 51 samples");
   refused(R"("Damping": {"Nsamp": 4, "SyncWaveType": "SYNC_WAVE_WAVELET", "Elements": []})",
           "no Elements");
   const auto classical = [&](const std::string& changed, const std::string& reason) {
@@ -275,8 +277,13 @@ TEST_F(Generate, WhatTheLibraryRefusesIsExplained) {
       R"(, "AddCmp": true, "CmpType": "CMP_COSINE", "CmpPre": 1, "CmpPost": 1, "RestPre": -1)",
       "the rests leave no place");
   classical(R"(, "MainShift": 0.5)", "MainShift");
-  classical(R"(, "MainShift": -0.4)", "begins before the frame");
-  classical(R"(, "MainShift": 0.4)", "do not fit the frame");
+  classical(
+      R"(, "MainShift": -0.4)",
+      "the front region of the band lies at sample -13, before the frame of 64 samples; works "
+      "with MainShift -0.203125 or Nsamp 190");
+  classical(R"(, "MainShift": 0.4)",
+            "the end of the pulse lies at sample 69, behind the frame of 64 samples; works with "
+            "MainShift 0.296875 or Nsamp 121");
 }
 
 TEST_F(Generate, ADefinitionThatCannotBeReadIsAnError) {

@@ -1,9 +1,4 @@
 // The key "Classical".
-#include <fmt/format.h>
-
-#include <algorithm>
-
-#include "classical/classical_pipeline.h"
 #include "com_def/com_def_system_const.h"
 #include "definition.h"
 #include "families/pulse_shapes.h"
@@ -14,9 +9,6 @@ using wave_def::CWaveDef;
 using Set = wave_def::CWaveDefClassical;
 using User = wave_def::CWaveDefTolUserDef;
 using Std = wave_def::CWaveDefTolSpecify;
-using wave_def::GenerateClassical;
-using wave_def::compensation::Refusal;
-using wave_def::compensation::Room;
 
 namespace {
 
@@ -150,98 +142,14 @@ const FieldTable<Set> kFields{
     Value("OptRatLevel", &Set::GetOptRatLevel, &Set::SetOptRatLevel),
 };
 
-/// Whether the shape offers the tolerance kind, whatever the numbers are.
-bool IsOffered(const Set& set) {
-  using namespace wave_def::wave_def_sub;
-  const auto kind = set.GetTolKind();
-  switch (set.GetWaveKind()) {
-    case TRIANGLE:
-    case USER_TRAPEZOID:
-      return kind == Set::TOL_USER_DEF;
-    case TERMINAL_PEAK_SAWTOOTH:
-      return kind != Set::TOL_FIXED_2 && kind != Set::TOL_FIXED_3;
-    default:
-      return true;
-  }
-}
-
-bool HasCompensationType(const Set& set) {
-  return set.GetCmpType() >= Set::CMP_RAMP && set.GetCmpType() <= Set::CMP_OPTIMIZED;
-}
-
-/// One side of a frame that is too short.
-std::string RoomText(const char* side, const Room& room, double level) {
-  std::string text = fmt::format("{} the pulse {} samples are needed and {} available", side,
-                                 room.needed, std::max<common::int64>(room.available, 0));
-  if (room.needed != 0 && level <= 0.01) {
-    text += " (the level is at its floor of 1 %, as the lower band there is 0)";
-  }
-  return text;
-}
-
-std::string RefusalText(const Refusal& refusal, const Set& set) {
-  const auto& [levelPre, levelPost, pre, post] = refusal.shortage;
-  switch (refusal.reason) {
-    case Refusal::NotAPulse:
-      return "AddCmp: the rests leave no place for a compensation, or the pulse has no area";
-    case Refusal::NoRoom:
-      if (set.GetCmpType() == Set::CMP_OPTIMIZED) {
-        return "AddCmp: no room: no compensation within the bands brings the table home in this "
-               "frame";
-      }
-      return fmt::format("AddCmp: no room for the compensation: {}, {}",
-                         RoomText("before", pre, levelPre), RoomText("after", post, levelPost));
-    case Refusal::OutOfTolerance:
-      return fmt::format(
-          "AddCmp: the compensated pulse leaves its band at gain 1, first at sample {} by "
-          "{:.3g} % of the peak",
-          refusal.worst, 100.0 * refusal.excess);
-    case Refusal::None:
-      break;
-  }
-  return {};
-}
-
-/// Why a pulse that can be drawn cannot be compensated; empty if it can, or cannot be drawn.
-std::string WhyNotCompensated(Set set, double fsamp) {
-  common::CDataArrayFloatT<double> wave;
-  common::CDataArrayFloatT<double> upper;
-  common::CDataArrayFloatT<double> lower;
-  Refusal refusal;
-  const bool done =
-      set.GetAddCmp() && GenerateClassical(set, fsamp, &wave, &upper, &lower, false, &refusal);
-  return done ? std::string() : RefusalText(refusal, set);
-}
-
-std::string Define(const Json& json, const Place& at, bool hasFsamp, CWaveDef& def) {
+ParameterSet Read(const Json& json, const Place& at, bool /*hasFsamp*/) {
   Set set;
   ReadFields(kFields, json, at, set);
-  using namespace wave_def::wave_def_sub;
-  const double fsamp = com_def::comdefsystemconst::ConvFmaxToFsampByVal(set.GetFmax());
-  if (!hasFsamp) def.SetFsamp(fsamp);
-  const auto shape = set.GetWaveKind();
-  const auto kind = set.GetTolKind();
-  const bool usesStandard = kind == Set::TOL_SPECIFY && shape != HAVERSINE;
-  const double centre = (set.GetMainShift() + 0.5) * set.GetNsamp() / fsamp;  // [s]
-  if (def.SetDefClassical(set)) return {};
-  const std::string compensation = WhyNotCompensated(set, def.GetFsamp());
-  return BrokenRule(
-      {{shape < HALF_SINE || shape > HAVERSINE, "WaveKind is not set"},
-       {kind < Set::TOL_FIXED_1 || kind > Set::TOL_SPECIFY, "TolKind is not set"},
-       {set.GetMainAmpl() == 0.0, "MainAmpl is 0"},
-       {set.GetMainWidth() == 0.0, "MainWidth is 0"},
-       {set.GetFmax() == 0.0, "Fmax is 0"},
-       {set.GetNsamp() < 2, "Nsamp is below 2"},
-       {!IsOffered(set), "the shape does not offer this TolKind"},
-       {usesStandard && set.GetDefTolSpecify().GetWaveKind() != shape,
-        "TolSpecify.WaveKind is not the shape of the pulse"},
-       {usesStandard && set.GetDefTolSpecify().GetBaseStandard() == Std::BASE_STD_NONE,
-        "TolSpecify.BaseStandard is not set"},
-       {set.GetMainShift() >= 0.5, "MainShift moves the pulse behind the frame"},
-       {centre < 0.5 * set.GetMainWidth(), "the pulse begins before the frame"},
-       {set.GetAddCmp() && !HasCompensationType(set), "CmpType is not set"},
-       {set.GetAddCmp() && !compensation.empty(), compensation},
-       {true, "the pulse or its bands do not fit the frame"}});
+  return set;
+}
+
+double OwnFsamp(const ParameterSet& set) {
+  return com_def::comdefsystemconst::ConvFmaxToFsampByVal(std::get<Set>(set).GetFmax());
 }
 
 Json Write(const CWaveDef& def, const std::string& /*samplesFile*/) {
@@ -254,9 +162,9 @@ const Family kClassicalFamily{
     .key = "Classical",
     .title = "classical shock pulse",
     .type = CWaveDef::WAVE_TYPE_CLASSICAL,
-    .define = Define,
+    .read = Read,
+    .ownFsamp = OwnFsamp,
     .write = Write,
-    .needsFsamp = false,
 };
 
 }  // namespace qarv::command

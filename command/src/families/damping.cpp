@@ -38,21 +38,14 @@ const FieldTable<Set> kFields{
      [](const Set& set) { return WriteList(kElementFields, set.GetDefDampingElmList()); }},
 };
 
-std::string Define(const Json& json, const Place& at, bool /*hasFsamp*/, CWaveDef& def) {
+ParameterSet Read(const Json& json, const Place& at, bool /*hasFsamp*/) {
   Set set;
   ReadFields(kFields, json, at, set);
   // The compensating component of this method cannot do without its frequency.
   if (set.GetSyncWaveType() == SYNC_WAVE_DAMPED_SINE && !json.contains("Freq")) {
     at.Key("Freq").Fail("missing");
   }
-  const auto type = set.GetSyncWaveType();
-  const bool isMethod = type == SYNC_WAVE_DAMPED_SINE || type == SYNC_WAVE_DAMPED_SINE_MODIFIED ||
-                        type == SYNC_WAVE_WAVELET;
-  return DefineSet(def, set, &CWaveDef::SetDefDamping,
-                   {{def.GetFsamp() == 0.0, "Fsamp is 0"},
-                    {set.GetNsamp() == 0, "Nsamp is 0"},
-                    {set.GetElmNum() == 0, "there are no Elements"},
-                    {!isMethod, "SyncWaveType is not set"}});
+  return set;
 }
 
 Json Write(const CWaveDef& def, const std::string& /*samplesFile*/) {
@@ -65,9 +58,9 @@ const Family kDampingFamily{
     .key = "Damping",
     .title = "damped-sine synthesis",
     .type = CWaveDef::WAVE_TYPE_DAMPING,
-    .define = Define,
+    .read = Read,
+    .ownFsamp = nullptr,
     .write = Write,
-    .needsFsamp = true,
 };
 
 }  // namespace qarv::command

@@ -24,16 +24,10 @@ const FieldTable<Set> kFields{
     Value("Nsamp", &Set::GetNsamp, &Set::SetNsamp, Need::Required),
 };
 
-std::string Define(const Json& json, const Place& at, bool /*hasFsamp*/, CWaveDef& def) {
+ParameterSet Read(const Json& json, const Place& at, bool /*hasFsamp*/) {
   Set set;
   ReadFields(kFields, json, at, set);
-  const auto type = set.GetLengthType();
-  return DefineSet(def, set, &CWaveDef::SetDefGradual,
-                   {{def.GetFsamp() == 0.0, "Fsamp is 0"},
-                    {set.GetNsamp() == 0, "Nsamp is 0"},
-                    {type != Set::LENGTH_BY_TIME && type != Set::LENGTH_BY_SLOPE,
-                     "LengthType is neither LENGTH_BY_TIME nor LENGTH_BY_SLOPE"},
-                    {set.GetWaveSlope() == 0.0, "WaveSlope is 0"}});
+  return set;
 }
 
 Json Write(const CWaveDef& def, const std::string& /*samplesFile*/) {
@@ -46,9 +40,9 @@ const Family kGradualFamily{
     .key = "Gradual",
     .title = "gradual sine wave",
     .type = CWaveDef::WAVE_TYPE_GRADUAL,
-    .define = Define,
+    .read = Read,
+    .ownFsamp = nullptr,
     .write = Write,
-    .needsFsamp = true,
 };
 
 }  // namespace qarv::command

@@ -57,20 +57,22 @@ const FieldTable<Set> kFields{
 // Not a field of the set: where the samples are read from, if not from MeasPath.
 constexpr const char* kSamples = "Samples";
 
-std::string Define(const Json& json, const Place& at, bool hasFsamp, CWaveDef& def) {
+ParameterSet Read(const Json& json, const Place& at, bool hasFsamp) {
   if (!json.is_object()) at.Fail("is not an object");
   Json fields = json;
   fields.erase(kSamples);
-  Set set;
-  ReadFields(kFields, fields, at, set);
-  std::string path = set.GetMeasPath();
+  MeasuredSet out{};
+  ReadFields(kFields, fields, at, out.set);
+  std::string path = out.set.GetMeasPath();
   if (json.contains(kSamples)) ReadValue(json[kSamples], at.Key(kSamples), &path);
   const auto folder = std::filesystem::path(at.GetFile()).parent_path();
-  const MeasuredCsv csv = ReadCsv((folder / path).string());
-  if (!hasFsamp) def.SetFsamp(SampleRateOf(csv));
-  def.SetDefMeasure(set, csv.values);  // takes any samples
-  return {};
+  MeasuredCsv csv = ReadCsv((folder / path).string());
+  if (!hasFsamp) out.fsamp = SampleRateOf(csv);
+  out.samples = std::move(csv.values);
+  return out;
 }
+
+double OwnFsamp(const ParameterSet& set) { return std::get<MeasuredSet>(set).fsamp; }
 
 Json Write(const CWaveDef& def, const std::string& samplesFile) {
   Json json = WriteFields(kFields, def.GetDefMeasure());
@@ -84,9 +86,9 @@ const Family kMeasureFamily{
     .key = "Measure",
     .title = "measured waveform",
     .type = CWaveDef::WAVE_TYPE_MEASURE,
-    .define = Define,
+    .read = Read,
+    .ownFsamp = OwnFsamp,
     .write = Write,
-    .needsFsamp = false,
 };
 
 }  // namespace qarv::command

@@ -50,19 +50,10 @@ const FieldTable<Set> kFields{
                 &Set::GetEdgeWindow, SetEdgeWindow),
 };
 
-std::string Define(const Json& json, const Place& at, bool /*hasFsamp*/, CWaveDef& def) {
+ParameterSet Read(const Json& json, const Place& at, bool /*hasFsamp*/) {
   Set set;
   ReadFields(kFields, json, at, set);
-  const auto kind = set.GetWaveKind();
-  return DefineSet(def, set, &CWaveDef::SetDefSineBeatBurst,
-                   {{def.GetFsamp() == 0.0, "Fsamp is 0"},
-                    {kind != Set::SINE_BEAT && kind != Set::SINE_BURST,
-                     "WaveKind is neither SINE_BEAT nor SINE_BURST"},
-                    {set.GetAmpl() == 0.0, "Ampl is 0"},
-                    {set.GetFreq() == 0.0, "Freq is 0"},
-                    {set.GetCycle() == 0, "Cycle is 0"},
-                    {set.GetFrame() == 0, "Frame is 0"},
-                    {true, "packets and rests leave no samples"}});
+  return set;
 }
 
 Json Write(const CWaveDef& def, const std::string& /*samplesFile*/) {
@@ -75,9 +66,9 @@ const Family kSineBeatBurstFamily{
     .key = "SineBeatBurst",
     .title = "sine beat or burst",
     .type = CWaveDef::WAVE_TYPE_SINE_BEAT_BURST,
-    .define = Define,
+    .read = Read,
+    .ownFsamp = nullptr,
     .write = Write,
-    .needsFsamp = true,
 };
 
 }  // namespace qarv::command

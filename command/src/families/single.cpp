@@ -18,11 +18,10 @@ const FieldTable<Set> kFields{
     Value("Nsamp", &Set::GetNsamp, &Set::SetNsamp, Need::Required),
 };
 
-std::string Define(const Json& json, const Place& at, bool /*hasFsamp*/, CWaveDef& def) {
+ParameterSet Read(const Json& json, const Place& at, bool /*hasFsamp*/) {
   Set set;
   ReadFields(kFields, json, at, set);
-  return DefineSet(def, set, &CWaveDef::SetDefSingle,
-                   {{def.GetFsamp() == 0.0, "Fsamp is 0"}, {set.GetNsamp() == 0, "Nsamp is 0"}});
+  return set;
 }
 
 Json Write(const CWaveDef& def, const std::string& /*samplesFile*/) {
@@ -35,9 +34,9 @@ const Family kSingleFamily{
     .key = "Single",
     .title = "single sine wave",
     .type = CWaveDef::WAVE_TYPE_SINGLE,
-    .define = Define,
+    .read = Read,
+    .ownFsamp = nullptr,
     .write = Write,
-    .needsFsamp = true,
 };
 
 }  // namespace qarv::command

@@ -23,20 +23,10 @@ const FieldTable<Set> kFields{
     Value("MidZeroBackward", &Set::GetMidZeroBackward, &Set::SetMidZeroBackward),
 };
 
-std::string Define(const Json& json, const Place& at, bool /*hasFsamp*/, CWaveDef& def) {
+ParameterSet Read(const Json& json, const Place& at, bool /*hasFsamp*/) {
   Set set;
   ReadFields(kFields, json, at, set);
-  using namespace wave_def::wave_def_sub;
-  const WAVE_KIND kind = set.GetWaveKind();
-  return DefineSet(def, set, &CWaveDef::SetDefSymmetry,
-                   {{def.GetFsamp() == 0.0, "Fsamp is 0"},
-                    {kind != HALF_SINE && kind != TRIANGLE && kind != HAVERSINE,
-                     "WaveKind is not HALF_SINE, TRIANGLE or HAVERSINE"},
-                    {set.GetPeak() == 0.0, "Peak is 0"},
-                    {set.GetWidth() == 0.0, "Width is 0"},
-                    {set.GetWidth() * def.GetFsamp() < 0.5, "Width is shorter than half a sample"},
-                    {kind == TRIANGLE && set.GetPeakPos() > 1.0, "PeakPos is above 1"},
-                    {true, "a pulse does not fit between the silences"}});
+  return set;
 }
 
 Json Write(const CWaveDef& def, const std::string& /*samplesFile*/) {
@@ -49,9 +39,9 @@ const Family kSymmetryFamily{
     .key = "Symmetry",
     .title = "symmetry wave",
     .type = CWaveDef::WAVE_TYPE_SYMMETRY,
-    .define = Define,
+    .read = Read,
+    .ownFsamp = nullptr,
     .write = Write,
-    .needsFsamp = true,
 };
 
 }  // namespace qarv::command

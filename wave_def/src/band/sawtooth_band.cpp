@@ -119,7 +119,7 @@ std::optional<SawtoothBand> Kind9Band(const PulseSpan& p, const BandTask& task) 
   const bool upper = task.upper;
   const double main = upper ? 0.15 : -0.15;
   // Deliberate: the upper band's left level reaches into the pulse.
-  const uint64 leftEnd = upper ? p.start + TruncToIndex(p.W * (0.2 - 0.15) / p.dt + 0.5) : p.start;
+  const uint64 leftEnd = upper ? p.start + SawtoothLeft(task.def, p) : p.start;
   SawtoothBand b{};
   b.left = (upper ? 0.05 : -0.05) * p.A;
   b.frontFrom = {p.start - SawtoothFront(task.def, p), 0.0};  // Deliberate: not from the left level
@@ -172,6 +172,11 @@ uint64 SawtoothFront(const Def& def, const PulseSpan& p) {
     default:
       return p.Samples(RowOf(kSawtoothRows, def.GetTolKind()).front);
   }
+}
+
+uint64 SawtoothLeft(const Def& def, const PulseSpan& p) {
+  if (def.GetTolKind() != Def::TOL_FIXED_9) return 0;
+  return TruncToIndex(p.W * (0.2 - 0.15) / p.dt + 0.5);
 }
 
 std::optional<uint64> SawtoothFall(const Def& def, const PulseSpan& p) {

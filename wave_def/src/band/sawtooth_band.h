@@ -12,6 +12,9 @@ namespace qarv::wave_def {
 /// The length of the front region of a sawtooth's band.  [sample]
 common::uint64 SawtoothFront(const CWaveDefClassical& def, const PulseSpan& p);
 
+/// How far the left level of a sawtooth's upper band reaches into the pulse.  [sample]
+common::uint64 SawtoothLeft(const CWaveDefClassical& def, const PulseSpan& p);
+
 /// The length of the region in which the band of a sawtooth that falls at once comes down, behind
 /// the pulse's end in the upper band and before it in the lower.  [sample]
 /// @return nothing where the pulse has a fall of its own

@@ -1,0 +1,39 @@
+// The command line: subcommands, options, examples, and what each of them runs.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+
+#include "check.h"
+#include "generate.h"
+#include "report.h"
+#include "show.h"
+#include "srs.h"
+#include "text.h"
+
+namespace qarv::command {
+
+/// The one place where arguments and their help stand; manual page and completion are made from it.
+struct CommandLine {
+  CommandLine();
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+
+  CLI::App app;
+  std::function<ExitCode()> job;  // of the subcommand that was given, once the line is parsed
+
+  GenerateOptions generate;
+  CheckOptions check;
+  ShowOptions show;
+  ReportOptions report;
+  SrsOptions srs;
+
+ private:
+  void AddGenerate();
+  void AddCheck();
+  void AddReport();
+  void AddSrs();
+  void AddShow();
+};
+
+}  // namespace qarv::command

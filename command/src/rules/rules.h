@@ -1,0 +1,53 @@
+// What is wrong with a definition: the rules by which it fails or becomes what nobody wants.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "definition.h"
+
+namespace qarv::command {
+
+enum class Severity { Fails, Warns };
+
+/// A value of one key that mends a definition, all else left as it is.
+struct Remedy {
+  std::string key;
+  double value;
+};
+
+/// A broken rule.
+struct Finding {
+  Severity severity;
+  std::string text;              // what is wrong, with its numbers
+  std::vector<Remedy> remedies;  // the nearest values that work, where there are such; each alone
+};
+using Findings = std::vector<Finding>;
+
+/// The broken rules of a definition, those by which it fails first.  No waveform is generated,
+/// except to see whether a pulse can be compensated.
+Findings FindingsOf(const Definition& definition);
+
+/// What is wrong with a waveform that was generated: samples that are no numbers, crossed bands, a
+/// waveform outside its own bands.
+Findings FindingsOf(const wave_def::CWaveDef& def);
+
+/// Why the library refuses a definition: the first rule by which it fails.
+std::string WhyRefused(const Definition& definition);
+
+/// A finding as one text: what is wrong, and what works.
+std::string FindingText(const Finding& finding);
+
+/// The reason where no rule but the machine sets the limit.
+inline constexpr const char* kNoMemory = "the waveform does not fit into memory";
+
+// The tables, one per family.  `fsamp` is the sampling frequency of the definition [Hz].
+Findings BrokenRules(const wave_def::CWaveDefClassical& set, double fsamp);
+Findings BrokenRules(const wave_def::CWaveDefSymmetry& set, double fsamp);
+Findings BrokenRules(const wave_def::CWaveDefSineBeatBurst& set, double fsamp);
+Findings BrokenRules(const MeasuredSet& set, double fsamp);
+Findings BrokenRules(const wave_def::CWaveDefGradual& set, double fsamp);
+Findings BrokenRules(const wave_def::CWaveDefSingle& set, double fsamp);
+Findings BrokenRules(const wave_def::CWaveDefDamping& set, double fsamp);
+
+}  // namespace qarv::command
