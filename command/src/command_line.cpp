@@ -19,6 +19,16 @@ auto Job(void (*run)(const Options&), const Options& options) {
   };
 }
 
+/// The example of a subcommand, below its options.
+void SetExample(CLI::App* command, const std::string& lines) {
+  command->footer(std::string("Example:\n  ") + kMakeShock + "\n" + lines);
+}
+
+void AddFsamp(CLI::App* command, std::optional<double>* fsamp) {
+  command->add_option("--fsamp", *fsamp,
+                      "sampling frequency of samples without a time column [Hz]");
+}
+
 }  // namespace
 
 CommandLine::CommandLine()
@@ -28,13 +38,9 @@ CommandLine::CommandLine()
   AddGenerate();
   AddCheck();
   AddReport();
+  AddJudge();
   AddSrs();
   AddShow();
-}
-
-/// The example of a subcommand, below its options.
-static void SetExample(CLI::App* command, const std::string& lines) {
-  command->footer(std::string("Example:\n  ") + kMakeShock + "\n" + lines);
 }
 
 void CommandLine::AddGenerate() {
@@ -65,10 +71,27 @@ void CommandLine::AddReport() {
   SetExample(command, "  qarv-wave report shock.json --html shock.html");
 }
 
+void CommandLine::AddJudge() {
+  auto* const command =
+      app.add_subcommand("judge", "Say whether a measured record passes its tolerance bands");
+  command->add_option("INPUT", judge.definition, "definition (.json) or record")->required();
+  command->add_option("MEASURED", judge.measured, "measured samples (.csv)")->required();
+  AddFsamp(command, &judge.fsamp);
+  command->add_option("--dv-tol", judge.dvTol, "tolerance of the velocity change [%] (10)");
+  command->add_option("--json", judge.json, "write the verdict as JSON");
+  command->add_option("--plot", judge.plot, "write a picture with the violations, .png or .svg");
+  command->callback([this] { job = [this] { return Judge(judge); }; });
+  SetExample(command,
+             "  qarv-wave generate shock.json --csv shock.csv\n"
+             "  cut -d, -f1,2 shock.csv >measured.csv\n"
+             "  qarv-wave judge shock.json measured.csv --plot verdict.png");
+}
+
 void CommandLine::AddSrs() {
   auto* const command = app.add_subcommand("srs", "Calculate a shock response spectrum");
   command->add_option("INPUT", srs.input, "definition (.json), measured samples (.csv) or record")
       ->required();
+  AddFsamp(command, &srs.fsamp);
   command->add_option("--response", srs.response,
                       "acceleration (absolute), displacement (relative) or pseudo-velocity");
   auto* const q = command->add_option("--q", srs.q, "quality factor (10)");

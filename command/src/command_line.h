@@ -6,6 +6,7 @@
 
 #include "check.h"
 #include "generate.h"
+#include "judge.h"
 #include "report.h"
 #include "show.h"
 #include "srs.h"
@@ -26,12 +27,14 @@ struct CommandLine {
   CheckOptions check;
   ShowOptions show;
   ReportOptions report;
+  JudgeOptions judge;
   SrsOptions srs;
 
  private:
   void AddGenerate();
   void AddCheck();
   void AddReport();
+  void AddJudge();
   void AddSrs();
   void AddShow();
 };

@@ -1,6 +1,7 @@
 // A definition as a JSON file: the settings of CWaveDef and one waveform family.
 #pragma once
 
+#include <span>
 #include <string>
 #include <variant>
 
@@ -45,6 +46,11 @@ extern const Family kMeasureFamily;
 extern const Family kSineBeatBurstFamily;
 extern const Family kSingleFamily;
 extern const Family kSymmetryFamily;
+
+/// The samples of an array.
+inline std::span<const double> SpanOf(const common::CDataArrayFloatT<double>& samples) {
+  return {samples.begin(), samples.end()};
+}
 
 /// The family of a defined waveform.
 const Family& FamilyOf(const wave_def::CWaveDef& def);

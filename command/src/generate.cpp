@@ -54,7 +54,7 @@ std::string Summary(const CWaveDef& def) {
   text += fmt::format("samples:   {} at {:.6g} Hz\n", n, fsamp);
   text += fmt::format("duration:  {}\n", seconds(n));
   if (n == 0) return text;
-  const auto peak = analysis::PeakOf({def.GetWave().begin(), def.GetWave().end()});
+  const auto peak = analysis::PeakOf(SpanOf(def.GetWave()));
   const uint64 i = peak.index;
   text += fmt::format("peak:      {:.6g}{} at {}\n", peak.value, unit, seconds(i));
   text += fmt::format("band:      {:.6g} to {:.6g}{} at the peak\n", def.GetTolL()[i],

@@ -1,6 +1,7 @@
 // The waveform of a file, whatever kind of file it is.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "common/data_array/data_array_float_t.h"
@@ -17,8 +18,13 @@ struct InputWave {
 /// Reads a definition (.json) or a record (anything else).
 wave_def::CWaveDef LoadDefinitionOrRecord(const std::string& file);
 
-/// Reads a definition (.json), a measured CSV file (.csv) or a record (anything else).
+/// Reads measured samples (.csv).
+/// @param[in] fsamp  sampling frequency of samples without times [Hz]; not for others
+/// Ends the command where they cannot be used.
+InputWave LoadMeasured(const std::string& file, std::optional<double> fsamp);
+
+/// Reads a definition (.json), measured samples (.csv) or a record (anything else).
 /// Ends the command where it cannot be used.
-InputWave LoadInputWave(const std::string& file);
+InputWave LoadInputWave(const std::string& file, std::optional<double> fsamp);
 
 }  // namespace qarv::command

@@ -1,4 +1,4 @@
-// A waveform and its bands as a picture, drawn by gnuplot.
+// Waveforms and their bands as pictures, drawn by gnuplot.
 #include "plot.h"
 
 #include <fmt/format.h>
@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <iterator>
-#include <vector>
 
 #include "definition.h"
 #include "gnuplot.h"
@@ -35,19 +34,22 @@ struct Range {
   }
 };
 
-/// A curve of a picture.
-struct Curve {
-  const char* name;   // of its data in the script
-  const char* label;  // in the legend
-  const char* style;
-  const Samples* samples;
-};
-
-/// One diagram: an axis and its curves.
-struct Panel {
-  std::string label;  // of the axis
-  std::vector<Curve> curves;
-};
+/// How a curve is drawn.
+const char* StyleOf(Role role) {
+  switch (role) {
+    case Role::Upper:
+      return "lines linecolor rgb \"#c0392b\" dashtype (7,4) linewidth 1.4";
+    case Role::Lower:
+      return "lines linecolor rgb \"#d68910\" dashtype (7,4) linewidth 1.4";
+    case Role::Reference:
+      return "lines linecolor rgb \"#909090\" linewidth 1.2";
+    case Role::Violation:
+      return "points pointtype 7 pointsize 0.6 linecolor rgb \"#e00000\"";
+    case Role::Wave:
+      break;
+  }
+  return "lines linecolor rgb \"#1f4e9c\" linewidth 1.8";
+}
 
 /// The range of the vertical axis: all that is finite, and some air.
 Range AxisOf(const Panel& panel) {
@@ -93,32 +95,11 @@ void AppendBlock(const std::string& name, const Samples& samples, double fsamp,
   fmt::format_to(out, "EOD\n");
 }
 
-constexpr const char* kSolid = "linecolor rgb \"#1f4e9c\" linewidth 1.8";
-constexpr const char* kUpper = "linecolor rgb \"#c0392b\" dashtype (7,4) linewidth 1.4";
-constexpr const char* kLower = "linecolor rgb \"#d68910\" dashtype (7,4) linewidth 1.4";
-
-/// The waveform between its bands, and what it makes of the table.
-std::vector<Panel> PanelsOf(const CWaveDef& def, Motion motion, const Kinematics& kinematics) {
-  const std::string unit = def.GetUnitAmpl().GetText();
-  std::vector<Panel> panels{{unit.empty() ? "Amplitude" : "Amplitude [" + unit + "]",
-                             {{"upper", "upper band", kUpper, &def.GetTolU()},
-                              {"wave", "waveform", kSolid, &def.GetWave()},
-                              {"lower", "lower band", kLower, &def.GetTolL()}}}};
-  if (motion == Motion::Hidden) return panels;
-  panels.push_back({"Velocity [" + kinematics.velocityUnit + "]",
-                    {{"velocity", "", kSolid, &kinematics.velocity}}});
-  panels.push_back({"Displacement [" + kinematics.displacementUnit + "]",
-                    {{"displacement", "", kSolid, &kinematics.displacement}}});
-  return panels;
-}
-
-std::string Script(const CWaveDef& def, const std::string& title, Motion motion, PlotFormat format,
-                   const std::string& file) {
-  const double fsamp = SampleRateOf(def);
-  const double duration = static_cast<double>(def.GetNsamp()) / fsamp;
+std::string Script(const std::vector<Panel>& panels, double fsamp, const std::string& title,
+                   PlotFormat format, const std::string& file) {
+  const uint64 n = panels.front().curves.front().samples->GetSize();
+  const double duration = static_cast<double>(n) / fsamp;
   const bool hasDuration = std::isfinite(duration) && duration > 0.0;
-  const Kinematics kinematics = motion == Motion::Shown ? KinematicsOf(def) : Kinematics{};
-  const std::vector<Panel> panels = PanelsOf(def, motion, kinematics);
   fmt::memory_buffer script;
   const auto out = std::back_inserter(script);
   script.append(Terminal(format, 1000, panels.size() == 1 ? 600 : 1000, file));
@@ -126,9 +107,12 @@ std::string Script(const CWaveDef& def, const std::string& title, Motion motion,
   fmt::format_to(out,
                  "set grid linetype 1 linewidth 0.5 linecolor rgb \"#c8c8c8\"\n"
                  "set lmargin 10\n");
+  const auto name = [&](const Panel& panel, const Curve& curve) {
+    return fmt::format("panel{}curve{}", &panel - panels.data(), &curve - panel.curves.data());
+  };
   for (const Panel& panel : panels) {
     for (const Curve& curve : panel.curves) {
-      AppendBlock(curve.name, *curve.samples, fsamp, &script);
+      AppendBlock(name(panel, curve), *curve.samples, fsamp, &script);
     }
   }
   if (panels.size() > 1) {
@@ -147,9 +131,8 @@ std::string Script(const CWaveDef& def, const std::string& title, Motion motion,
                                        panels.size() == 1 ? 0.03 : 0.012)
                          : "unset key");
     for (const Curve& curve : panel.curves) {
-      fmt::format_to(out, "{} ${} with lines {} title {}",
-                     &curve == &panel.curves.front() ? "" : ",", curve.name, curve.style,
-                     Quoted(curve.label));
+      fmt::format_to(out, "{} ${} with {} title {}", &curve == &panel.curves.front() ? "" : ",",
+                     name(panel, curve), StyleOf(curve.role), Quoted(curve.label));
     }
     fmt::format_to(out, "\n");
   }
@@ -158,9 +141,29 @@ std::string Script(const CWaveDef& def, const std::string& title, Motion motion,
 
 }  // namespace
 
+std::string AmplitudeLabel(const CWaveDef& def) {
+  const std::string unit = def.GetUnitAmpl().GetText();
+  return unit.empty() ? "Amplitude" : "Amplitude [" + unit + "]";
+}
+
+void PlotPanels(const std::vector<Panel>& panels, double fsamp, const std::string& title,
+                PlotFormat format, const std::string& file) {
+  RunGnuplot(Script(panels, fsamp, title, format, file), file);
+}
+
 void PlotWave(const CWaveDef& def, const std::string& title, Motion motion, PlotFormat format,
               const std::string& file) {
-  RunGnuplot(Script(def, title, motion, format, file), file);
+  std::vector<Panel> panels{{AmplitudeLabel(def),
+                             {{"upper band", Role::Upper, &def.GetTolU()},
+                              {"waveform", Role::Wave, &def.GetWave()},
+                              {"lower band", Role::Lower, &def.GetTolL()}}}};
+  const Kinematics k = motion == Motion::Shown ? KinematicsOf(def) : Kinematics{};
+  if (motion == Motion::Shown) {
+    panels.push_back({"Velocity [" + k.velocityUnit + "]", {{"", Role::Wave, &k.velocity}}});
+    panels.push_back(
+        {"Displacement [" + k.displacementUnit + "]", {{"", Role::Wave, &k.displacement}}});
+  }
+  PlotPanels(panels, SampleRateOf(def), title, format, file);
 }
 
 }  // namespace qarv::command

@@ -5,7 +5,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -13,12 +12,12 @@
 #include <vector>
 
 #include "analysis/shock.h"
-#include "common/numeric/constants.h"
-#include "common/numeric/index_conv.h"
 #include "definition.h"
+#include "entries.h"
 #include "input_file.h"
 #include "input_wave.h"
 #include "kinematics.h"
+#include "main_pulse.h"
 #include "output_files.h"
 #include "plot.h"
 
@@ -30,15 +29,6 @@ using wave_def::CWaveDefClassical;
 
 namespace {
 
-/// One line of the report.
-struct Entry {
-  std::string key;    // in JSON
-  std::string label;  // for people
-  Json value;         // number or text
-  std::string unit;
-};
-using Entries = std::vector<Entry>;
-
 /// Rate and units of a waveform.
 struct Scale {
   double fsamp;
@@ -49,10 +39,6 @@ struct Scale {
 Scale ScaleOf(const CWaveDef& def) {
   const std::string unit = def.GetUnitAmpl().GetText();
   return {SampleRateOf(def), unit, MotionUnitsOf(unit)};
-}
-
-std::span<const double> SpanOf(const common::CDataArrayFloatT<double>& samples) {
-  return {samples.begin(), samples.end()};
 }
 
 void AddWave(const CWaveDef& def, const Scale& scale, Entries* out) {
@@ -95,44 +81,13 @@ void AddMotion(const CWaveDef& def, const Scale& scale, Entries* out) {
   displacement("residual_displacement", "displacement at the end", motion.residualDisplacement);
 }
 
-/// The share of peak times width that the area of a classical pulse nominally is; 0 for no shape.
-double NominalArea(const CWaveDefClassical& set) {
-  using namespace wave_def::wave_def_sub;
-  const bool standard = set.GetTolKind() == CWaveDefClassical::TOL_SPECIFY;
-  const auto& tol = set.GetDefTolSpecify();
-  switch (set.GetWaveKind()) {
-    case HALF_SINE:
-      return 2.0 / common::kPi;
-    case HAVERSINE:
-    case TERMINAL_PEAK_SAWTOOTH:
-    case TRIANGLE:
-      return 0.5;
-    case TRAPEZOID:
-      return standard ? 1.0 - (tol.GetPulseRiseWidth() + tol.GetPulseFallWidth()) / 2.0 : 0.9;
-    case USER_TRAPEZOID:
-      return 1.0 - (set.GetMainRise() + set.GetMainFall()) / 2.0;
-  }
-  return 0.0;
-}
-
 void AddClassical(const CWaveDef& def, const Scale& scale, Entries* out) {
   const CWaveDefClassical& set = def.GetDefClassical();
   const auto wave = SpanOf(def.GetWave());
-  const double frame = set.GetNsamp();
-  // The pulse with a sample to each side, so that it is whole; a classical definition has its pulse
-  // in its frame.
-  const double centre = std::floor((0.5 + set.GetMainShift()) * frame + 0.001) +
-                        std::round(set.GetWaveShift() * frame);
-  const double half = std::floor(set.GetMainWidth() * scale.fsamp / 2.0 + 0.01);
-  const auto sample = [&](double i) {
-    return static_cast<std::size_t>(common::TruncToIndex(std::clamp(i, 0.0, frame - 1.0)));
-  };
-  const std::size_t first = sample(centre - half - 1.0);
-  const std::size_t last = sample(centre + half + 1.0);
+  const MainPulse pulse = MainPulseOf(def);
   const double change =
-      scale.motion.velocity * analysis::VelocityChange(wave, scale.fsamp, first, last);
-  const double nominal =
-      scale.motion.velocity * NominalArea(set) * set.GetMainAmpl() * set.GetMainWidth();
+      scale.motion.velocity * analysis::VelocityChange(wave, scale.fsamp, pulse.first, pulse.last);
+  const double nominal = scale.motion.velocity * pulse.velocityChange;
   out->push_back({"pulse_width", "pulse width at 10 % of the peak",
                   WriteValue(analysis::WidthAtLevel(wave, 0.1) / scale.fsamp), "s"});
   out->push_back({"velocity_change", "velocity change of the pulse", WriteValue(change),
@@ -142,7 +97,8 @@ void AddClassical(const CWaveDef& def, const Scale& scale, Entries* out) {
   out->push_back({"velocity_change_deviation", "  deviation",
                   WriteValue(100.0 * (change / nominal - 1.0)), "%"});
   out->push_back({"level_outside", "largest level outside the pulse",
-                  WriteValue(analysis::LargestOutside(wave, first, last).value), scale.unit});
+                  WriteValue(analysis::LargestOutside(wave, pulse.first, pulse.last).value),
+                  scale.unit});
   if (!set.GetAddCmp()) return;
   const auto add = [&](const char* key, const char* label, double v, const char* unit) {
     out->push_back({key, label, WriteValue(v), unit});
@@ -152,7 +108,7 @@ void AddClassical(const CWaveDef& def, const Scale& scale, Entries* out) {
   add("compensation_share_pre", "share of the area before", set.GetCmpRgm1(), "");
   add("compensation_share_post", "share of the area after", set.GetCmpRgm2(), "");
   add("compensation_gain", "gain", set.GetCmpCparam(), "");
-  add("compensation_shift", "shift of the pulse", std::round(set.GetWaveShift() * frame),
+  add("compensation_shift", "shift of the pulse", std::round(set.GetWaveShift() * set.GetNsamp()),
       "samples");
 }
 
@@ -163,33 +119,6 @@ Entries ReportOf(const CWaveDef& def) {
   if (def.GetWaveType() == CWaveDef::WAVE_TYPE_CLASSICAL) AddClassical(def, scale, &entries);
   AddMotion(def, scale, &entries);
   return entries;
-}
-
-/// A value for people.
-std::string ValueText(const Entry& entry) {
-  const std::string value = entry.value.is_number_float()
-                                ? fmt::format("{:.6g}", entry.value.get<double>())
-                            : entry.value.is_string() ? entry.value.get<std::string>()
-                                                      : entry.value.dump();
-  return entry.unit.empty() ? value : value + " " + entry.unit;
-}
-
-std::string AsText(const Entries& entries) {
-  std::string text;
-  for (const Entry& entry : entries)
-    text += fmt::format("{:<34} {}\n", entry.label, ValueText(entry));
-  return text;
-}
-
-std::string AsJson(const Entries& entries) {
-  Json json = Json::object();
-  for (const Entry& entry : entries) {
-    Json item = Json::object();
-    item["value"] = entry.value;
-    if (!entry.unit.empty()) item["unit"] = entry.unit;
-    json[entry.key] = item;
-  }
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 std::string HtmlText(const std::string& text) {

@@ -218,7 +218,7 @@ std::span<const double> ShockOf(const InputWave& wave) {
 }  // namespace
 
 void Srs(const SrsOptions& options) {
-  const InputWave wave = LoadInputWave(options.input);
+  const InputWave wave = LoadInputWave(options.input, options.fsamp);
   if (wave.samples.GetSize() == 0) Refuse(options.input + ": has no samples");
   const Task task = Prepare(options, wave);
   const auto points = analysis::CalcSrs(ShockOf(wave), wave.fsamp, task.frequencies, task.zeta,

@@ -8,6 +8,7 @@ namespace qarv::command {
 
 struct SrsOptions {
   std::string input;
+  std::optional<double> fsamp;  // [Hz] of samples without times
   std::string response = "acceleration";
   double q = 10.0;                 // quality factor, 1 / (2 damping)
   std::optional<double> damping;   // ratio; in the place of q

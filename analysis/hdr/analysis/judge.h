@@ -1,0 +1,43 @@
+// How a measured record compares with a reference: where it lies in time, and whether it keeps
+// within the tolerance bands.
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+namespace qarv::analysis {
+
+/// Where a record shows a reference best.
+struct Alignment {
+  double lag;          // place of the reference's first sample in the record [sample]
+  double correlation;  // there, of reference and record: 1 where one is a multiple of the other
+};
+
+/// Finds a reference in a record of the same sampling frequency: from the largest
+/// cross-correlation, with the record taken as 0 beyond its ends, to the next maximum of the
+/// correlation coefficient, at first at the samples and then between them by band-limited
+/// interpolation.  The coefficient is what counts in the end, because it alone is largest at a copy
+/// whatever surrounds it.  A lag within 1e-4 of a whole sample is that sample, so that a copy is
+/// found without an error.
+/// @param[in] reference  the main pulse or the whole waveform
+/// @param[in] record     of any length
+/// @return a correlation of 0 if either is empty or 0 throughout, or holds a NaN or an infinity
+Alignment Align(std::span<const double> reference, std::span<const double> record);
+
+/// A record against its bands.
+struct Verdict {
+  std::size_t judged = 0;   // samples that were compared
+  std::size_t outside = 0;  // of these, samples beyond a limit, or no number
+  std::size_t worst = 0;    // [sample] the one farthest beyond its limit, the first of equal ones
+  double value = 0.0;       // there; 0 if none is outside
+  double limit = 0.0;       // the limit that it is beyond
+};
+
+/// Compares the samples first .. last, included, with both bands.  A limit of the largest or the
+/// lowest double is none.
+/// @param[in] wave,upper,lower  of one length
+/// @return nothing judged if the range is not inside the arrays
+Verdict JudgeBands(std::span<const double> wave, std::span<const double> upper,
+                   std::span<const double> lower, std::size_t first, std::size_t last);
+
+}  // namespace qarv::analysis

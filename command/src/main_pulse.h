@@ -1,0 +1,18 @@
+// The main pulse of a classical waveform: where it lies, and what its area nominally is.
+#pragma once
+
+#include <cstddef>
+
+#include "wave_def/wave_def.h"
+
+namespace qarv::command {
+
+struct MainPulse {
+  std::size_t first, last;  // [sample] the pulse with a sample to each side, so that it is whole
+  double velocityChange;    // [amplitude unit x s] nominal area
+};
+
+/// @param[in] def  a defined classical waveform
+MainPulse MainPulseOf(const wave_def::CWaveDef& def);
+
+}  // namespace qarv::command
