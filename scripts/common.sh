@@ -6,10 +6,10 @@ logs=build/logs
 mkdir -p "$logs"
 
 # What is built and run stands on these Debian packages.
-build_packages=(cmake g++ ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev gnuplot-nox
-  fonts-dejavu-core)
+build_packages=(cmake g++ ninja-build pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev
+  libsndfile1-dev gnuplot-nox fonts-dejavu-core)
 test_packages=(clang clang-format libclang-rt-14-dev binutils git googletest libgtest-dev
-  libgmock-dev libfftw3-dev pkg-config python3)
+  libgmock-dev libfftw3-dev python3 python3-numpy)
 bench_packages=(libbenchmark-dev libfftw3-dev python3)
 
 # Runs a command; its output goes to a log, which is shown if it fails.

@@ -47,6 +47,9 @@ void CommandLine::AddGenerate() {
   auto* const command = app.add_subcommand("generate", "Generate the waveform of a definition");
   command->add_option("DEF", generate.definition, "JSON definition")->required();
   command->add_option("--csv", generate.csv, "write time, waveform, lower and upper band");
+  command->add_option("--npy", generate.npy, "write the same as a NumPy array of records");
+  command->add_option("--wav", generate.wav, "write the waveform as a sound file (32-bit float)");
+  command->add_option("--uff", generate.uff, "write a universal file (dataset 58)");
   command->add_option("--plot", generate.plot, "write a picture, .png or .svg");
   command->add_option("--record", generate.record, "write the serialised record");
   command->callback([this] { job = Job(Generate, generate); });
@@ -75,7 +78,7 @@ void CommandLine::AddJudge() {
   auto* const command =
       app.add_subcommand("judge", "Say whether a measured record passes its tolerance bands");
   command->add_option("INPUT", judge.definition, "definition (.json) or record")->required();
-  command->add_option("MEASURED", judge.measured, "measured samples (.csv)")->required();
+  command->add_option("MEASURED", judge.measured, "measured samples (.csv, .uff)")->required();
   AddFsamp(command, &judge.fsamp);
   command->add_option("--dv-tol", judge.dvTol, "tolerance of the velocity change [%] (10)");
   command->add_option("--json", judge.json, "write the verdict as JSON");
@@ -89,7 +92,9 @@ void CommandLine::AddJudge() {
 
 void CommandLine::AddSrs() {
   auto* const command = app.add_subcommand("srs", "Calculate a shock response spectrum");
-  command->add_option("INPUT", srs.input, "definition (.json), measured samples (.csv) or record")
+  command
+      ->add_option("INPUT", srs.input,
+                   "definition (.json), measured samples (.csv, .uff) or record")
       ->required();
   AddFsamp(command, &srs.fsamp);
   command->add_option("--response", srs.response,

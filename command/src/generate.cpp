@@ -10,6 +10,9 @@
 #include "analysis/shock.h"
 #include "csv_writer.h"
 #include "definition.h"
+#include "export/npy.h"
+#include "export/uff.h"
+#include "export/wav.h"
 #include "kinematics.h"
 #include "output_files.h"
 #include "plot.h"
@@ -73,11 +76,14 @@ void Warn(const CWaveDef& def, const std::string& file) {
 
 void Generate(const GenerateOptions& options) {
   CWaveDef def = LoadDefinition(options.definition);
+  const std::string name = std::filesystem::path(options.definition).stem().string();
   OutputFiles files(options.definition);
   if (!options.csv.empty()) WriteWaveCsv(def, files.Reserve(options.csv));
+  if (!options.npy.empty()) WriteNpy(def, files.Reserve(options.npy));
+  if (!options.wav.empty()) WriteWav(def, options.definition, files.Reserve(options.wav));
+  if (!options.uff.empty()) WriteUff(def, name, files.Reserve(options.uff));
   if (!options.record.empty()) WriteRecord(def, files.Reserve(options.record));
   if (!options.plot.empty()) {
-    const std::string name = std::filesystem::path(options.definition).stem().string();
     const PlotFormat format = PlotFormatOf(options.plot);
     const Motion motion = IsCompensated(def) ? Motion::Shown : Motion::Hidden;
     PlotWave(def, name + ": " + FamilyOf(def).title, motion, format, files.Reserve(options.plot));

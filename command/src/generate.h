@@ -7,7 +7,7 @@ namespace qarv::command {
 
 struct GenerateOptions {
   std::string definition;
-  std::string csv, plot, record;  // files to write; empty for none
+  std::string csv, npy, wav, uff, plot, record;  // files to write; empty for none
 };
 
 /// Generates the waveform of a definition file, writes the files that are asked for, and prints a

@@ -6,6 +6,7 @@
 
 #include "csv_reader.h"
 #include "definition.h"
+#include "export/uff.h"
 #include "record_file.h"
 
 namespace qarv::command {
@@ -16,6 +17,15 @@ std::string ExtensionOf(const std::string& file) {
   return std::filesystem::path(file).extension().string();
 }
 
+bool IsUniversalFile(const std::string& file) {
+  return ExtensionOf(file) == ".uff" || ExtensionOf(file) == ".unv";
+}
+
+[[noreturn]] void FailWithOwnRate(const std::string& file) {
+  throw CommandError(kBadInput,
+                     OneLine(file + ": has its sampling frequency: --fsamp is not for it"));
+}
+
 }  // namespace
 
 wave_def::CWaveDef LoadDefinitionOrRecord(const std::string& file) {
@@ -23,13 +33,16 @@ wave_def::CWaveDef LoadDefinitionOrRecord(const std::string& file) {
 }
 
 InputWave LoadMeasured(const std::string& file, std::optional<double> fsamp) {
+  if (IsUniversalFile(file)) {
+    if (fsamp) FailWithOwnRate(file);
+    UffFunction function = std::move(ReadUff(file).front());
+    return {std::move(function.samples), function.fsamp, function.unit};
+  }
   MeasuredCsv csv = ReadCsv(file);
   if (csv.times.empty() && !fsamp) {
     throw CommandError(kBadInput, OneLine(file + ": has no time column: --fsamp is needed"));
   }
-  if (!csv.times.empty() && fsamp) {
-    throw CommandError(kBadInput, OneLine(file + ": has a time column: --fsamp is not for it"));
-  }
+  if (!csv.times.empty() && fsamp) FailWithOwnRate(file);
   if (fsamp && !(*fsamp > 0.0 && std::isfinite(*fsamp))) {
     throw CommandError(kBadInput, "--fsamp: is not above 0");
   }
@@ -38,11 +51,8 @@ InputWave LoadMeasured(const std::string& file, std::optional<double> fsamp) {
 }
 
 InputWave LoadInputWave(const std::string& file, std::optional<double> fsamp) {
-  if (ExtensionOf(file) == ".csv") return LoadMeasured(file, fsamp);
-  if (fsamp) {
-    throw CommandError(kBadInput, OneLine(file + ": has its sampling frequency: --fsamp is not "
-                                                 "for it"));
-  }
+  if (ExtensionOf(file) == ".csv" || IsUniversalFile(file)) return LoadMeasured(file, fsamp);
+  if (fsamp) FailWithOwnRate(file);
   const wave_def::CWaveDef def = LoadDefinitionOrRecord(file);
   return {def.GetWave(), SampleRateOf(def), def.GetUnitAmpl().GetText()};
 }

@@ -18,12 +18,12 @@ struct InputWave {
 /// Reads a definition (.json) or a record (anything else).
 wave_def::CWaveDef LoadDefinitionOrRecord(const std::string& file);
 
-/// Reads measured samples (.csv).
+/// Reads measured samples: .csv, or the first function of a universal file (.uff, .unv).
 /// @param[in] fsamp  sampling frequency of samples without times [Hz]; not for others
 /// Ends the command where they cannot be used.
 InputWave LoadMeasured(const std::string& file, std::optional<double> fsamp);
 
-/// Reads a definition (.json), measured samples (.csv) or a record (anything else).
+/// Reads a definition (.json), measured samples (.csv, .uff, .unv) or a record (anything else).
 /// Ends the command where it cannot be used.
 InputWave LoadInputWave(const std::string& file, std::optional<double> fsamp);
 

@@ -60,6 +60,19 @@ Samples ToSamples(const std::vector<double>& x) {
   return out;
 }
 
+/// Brings a record that says its unit to the definition's.
+void ConvertUnit(const CWaveDef& def, const std::string& file, InputWave* measured) {
+  const std::string unit = def.GetUnitAmpl().GetText();
+  if (measured->unit.empty() || measured->unit == unit) return;
+  const MotionUnits from = MotionUnitsOf(measured->unit);
+  const MotionUnits to = MotionUnitsOf(unit);
+  if (!from.known || !to.known) {
+    throw CommandError(
+        kBadInput, OneLine(fmt::format("{}: its unit is {}, not {}", file, measured->unit, unit)));
+  }
+  for (double& v : measured->samples) v *= from.velocity / to.velocity;
+}
+
 Overlay LayOver(const CWaveDef& def, const InputWave& measured, const std::string& file) {
   const auto record = SpanOf(measured.samples);
   if (!std::all_of(record.begin(), record.end(), [](double v) { return std::isfinite(v); })) {
@@ -201,7 +214,8 @@ ExitCode Judge(const JudgeOptions& options) {
       def.GetTolL().GetSize() != def.GetNsamp()) {
     throw CommandError(kBadInput, OneLine(options.definition + ": has no samples with bands"));
   }
-  const InputWave measured = LoadMeasured(options.measured, options.fsamp);
+  InputWave measured = LoadMeasured(options.measured, options.fsamp);
+  ConvertUnit(def, options.measured, &measured);
   const Overlay overlay = LayOver(def, measured, options.measured);
   Judgement judgement{analysis::JudgeBands(SpanOf(overlay.wave), SpanOf(def.GetTolU()),
                                            SpanOf(def.GetTolL()), overlay.first, overlay.last),
