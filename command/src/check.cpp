@@ -48,7 +48,7 @@ ExitCode Check(const CheckOptions& options) {
                         OneLine(FindingText(finding)));
   }
   if (findings.empty()) text = "clean\n";
-  WriteBytes(stdout, text.data(), text.size(), "standard output");
+  Print(text);
   if (findings.empty()) return kDone;
   return findings.front().severity == Severity::Fails ? kRefused : kWarned;
 }

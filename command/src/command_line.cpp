@@ -41,6 +41,7 @@ CommandLine::CommandLine()
   AddJudge();
   AddSrs();
   AddShow();
+  AddBatch();
 }
 
 void CommandLine::AddGenerate() {
@@ -125,6 +126,18 @@ void CommandLine::AddShow() {
   SetExample(command,
              "  qarv-wave generate shock.json --record shock.rec\n"
              "  qarv-wave show shock.rec");
+}
+
+void CommandLine::AddBatch() {
+  auto* const command =
+      app.add_subcommand("batch", "Generate every definition of a folder, with one table of them");
+  command->add_option("DIR", batch.folder, "folder of JSON definitions")->required();
+  command->add_option("-o,--output", batch.output,
+                      "folder for data, record, plot, report and spectrum of each, summary.csv and "
+                      "index.html");
+  command->add_option("--csv", batch.csv, "write the table");
+  command->callback([this] { job = [this] { return Batch(batch); }; });
+  SetExample(command, "  qarv-wave batch . --output out");
 }
 
 }  // namespace qarv::command

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 
+#include "batch.h"
 #include "check.h"
 #include "generate.h"
 #include "judge.h"
@@ -26,6 +27,7 @@ struct CommandLine {
   GenerateOptions generate;
   CheckOptions check;
   ShowOptions show;
+  BatchOptions batch;
   ReportOptions report;
   JudgeOptions judge;
   SrsOptions srs;
@@ -37,6 +39,7 @@ struct CommandLine {
   void AddJudge();
   void AddSrs();
   void AddShow();
+  void AddBatch();
 };
 
 }  // namespace qarv::command

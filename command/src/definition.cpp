@@ -123,8 +123,7 @@ bool DefineWave(const Definition& definition, CWaveDef* def) {
       definition.set);
 }
 
-CWaveDef LoadDefinition(const std::string& file) {
-  const Definition definition = ReadDefinition(file);
+CWaveDef Generated(const Definition& definition, const std::string& file) {
   const auto refuse = [&](const std::string& reason) {
     throw CommandError(kRefused,
                        OneLine(fmt::format("{}: {}: {}", file, definition.family->key, reason)));
@@ -139,6 +138,8 @@ CWaveDef LoadDefinition(const std::string& file) {
   refuse(kNoMemory);
   return def;
 }
+
+CWaveDef LoadDefinition(const std::string& file) { return Generated(ReadDefinition(file), file); }
 
 std::string DefinitionText(const CWaveDef& def, const std::string& samplesFile) {
   const Family& family = FamilyOf(def);

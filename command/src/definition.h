@@ -73,6 +73,10 @@ Definition ReadDefinition(const std::string& file);
 /// @return false if it refuses
 bool DefineWave(const Definition& definition, wave_def::CWaveDef* def);
 
+/// The waveform of a definition.  Ends the command where the library refuses it.
+/// @param[in] file  of the definition, for messages
+wave_def::CWaveDef Generated(const Definition& definition, const std::string& file);
+
 /// Reads a definition file and defines its waveform.
 /// Ends the command where the file cannot be used or the library refuses the definition.
 wave_def::CWaveDef LoadDefinition(const std::string& file);

@@ -90,7 +90,7 @@ void Generate(const GenerateOptions& options) {
   }
   Warn(def, options.definition);
   const std::string summary = Summary(def);
-  WriteBytes(stdout, summary.data(), summary.size(), "standard output");
+  Print(summary);
   files.Commit();
 }
 

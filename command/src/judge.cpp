@@ -239,7 +239,7 @@ ExitCode Judge(const JudgeOptions& options) {
                OneLine(options.measured), judgement.bands.judged, def.GetNsamp());
   }
   const std::string text = AsText(entries);
-  WriteBytes(stdout, text.data(), text.size(), "standard output");
+  Print(text);
   files.Commit();
   return judgement.Passes() ? kDone : kRefused;
 }

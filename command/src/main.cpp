@@ -6,6 +6,7 @@
 #include <new>
 
 #include "command_line.h"
+#include "output_files.h"
 #include "text.h"
 
 namespace {
@@ -17,13 +18,13 @@ int Run(int argc, char** argv) {
   try {
     line.app.parse(argc, argv);
   } catch (const CLI::Success& e) {  // --help, --version
-    return line.app.exit(e);
+    const int code = line.app.exit(e);
+    Print("");
+    return code;
   } catch (const CLI::ParseError& e) {
     throw CommandError(kBadInput, OneLine(e.what()));
   }
-  const ExitCode code = line.job();
-  if (std::fflush(stdout) != 0) throw CommandError(kBadInput, "standard output: cannot be written");
-  return code;
+  return line.job();
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -43,6 +44,7 @@ std::string MakeTemporary(const fs::path& target) {
 
 OutputFiles::~OutputFiles() {
   for (const Entry& entry : entries_) unlink(entry.temporary.c_str());
+  for (auto it = folders_.rbegin(); it != folders_.rend(); ++it) rmdir(it->c_str());
 }
 
 std::string OutputFiles::Reserve(const std::string& target) {
@@ -66,6 +68,20 @@ std::string OutputFiles::Scratch(const std::string& target) {
   return entries_.back().temporary;
 }
 
+void OutputFiles::MakeFolder(const std::string& folder) {
+  std::vector<fs::path> missing;
+  std::error_code error;
+  for (fs::path path = fs::absolute(folder).lexically_normal(); !fs::exists(path, error);
+       path = path.parent_path()) {
+    if (path.has_filename()) missing.push_back(path);
+  }
+  for (auto it = missing.rbegin(); it != missing.rend(); ++it) {
+    if (mkdir(it->c_str(), 0777) != 0) FailWithErrno(folder);
+    folders_.push_back(it->string());
+  }
+  if (!fs::is_directory(folder, error)) Fail(folder, "is not a folder");
+}
+
 void OutputFiles::Commit() {
   while (!entries_.empty()) {
     const Entry& entry = entries_.back();
@@ -78,6 +94,7 @@ void OutputFiles::Commit() {
       FailWithErrno(entry.target);
     entries_.pop_back();
   }
+  folders_.clear();
 }
 
 FilePtr OpenForWriting(const std::string& file) {
@@ -88,6 +105,12 @@ FilePtr OpenForWriting(const std::string& file) {
 
 void WriteBytes(std::FILE* file, const void* data, std::size_t n, const std::string& name) {
   if (std::fwrite(data, 1, n, file) != n) FailWithErrno(name);
+}
+
+void Print(const std::string& text) {
+  constexpr const char* kName = "standard output";
+  WriteBytes(stdout, text.data(), text.size(), kName);
+  if (std::fflush(stdout) != 0) FailWithErrno(kName);
 }
 
 void Close(FilePtr file, const std::string& name) {

@@ -29,6 +29,10 @@ class OutputFiles {
   /// A file beside a target that is there for the run only.
   std::string Scratch(const std::string& target);
 
+  /// Makes a folder with what is missing above it.  Where nothing is committed, it disappears
+  /// again. Ends the command where that fails.
+  void MakeFolder(const std::string& folder);
+
   /// Puts every reserved file in its place.
   void Commit();
 
@@ -38,6 +42,7 @@ class OutputFiles {
   };
   std::string input_;
   std::vector<Entry> entries_;
+  std::vector<std::string> folders_;  // that were made, the outermost first
 };
 
 /// Opens a file for writing.  Ends the command where that fails.
@@ -46,6 +51,9 @@ FilePtr OpenForWriting(const std::string& file);
 /// Writes bytes, or closes the file.  Ends the command where they did not arrive.
 void WriteBytes(std::FILE* file, const void* data, std::size_t n, const std::string& name);
 void Close(FilePtr file, const std::string& name);
+
+/// Writes a text to standard output, all the way: what comes after it knows that it has arrived.
+void Print(const std::string& text);
 
 /// Writes a whole file.
 void WriteFile(const std::string& file, const void* data, std::size_t n);

@@ -1,6 +1,6 @@
 // qarv-wave report: what a waveform asks of the shaker, and how it lies in its bands.
 //
-// The report is one list of entries; text, JSON and HTML are three ways to write it.
+// The report is one list of entries; text, JSON and a page are three ways to write it.
 #include "report.h"
 
 #include <fmt/format.h>
@@ -14,11 +14,11 @@
 #include "analysis/shock.h"
 #include "definition.h"
 #include "entries.h"
+#include "html.h"
 #include "input_file.h"
 #include "input_wave.h"
 #include "kinematics.h"
 #include "main_pulse.h"
-#include "output_files.h"
 #include "plot.h"
 
 namespace qarv::command {
@@ -112,56 +112,6 @@ void AddClassical(const CWaveDef& def, const Scale& scale, Entries* out) {
       "samples");
 }
 
-Entries ReportOf(const CWaveDef& def) {
-  const Scale scale = ScaleOf(def);
-  Entries entries;
-  AddWave(def, scale, &entries);
-  if (def.GetWaveType() == CWaveDef::WAVE_TYPE_CLASSICAL) AddClassical(def, scale, &entries);
-  AddMotion(def, scale, &entries);
-  return entries;
-}
-
-std::string HtmlText(const std::string& text) {
-  std::string out;
-  for (const char c : text) {
-    switch (c) {
-      case '&':
-        out.append("&amp;");
-        break;
-      case '<':
-        out.append("&lt;");
-        break;
-      case '>':
-        out.append("&gt;");
-        break;
-      default:
-        out.push_back(c);
-    }
-  }
-  return out;
-}
-
-/// One page with everything in it, to open from a file or to print.
-std::string AsHtml(const Entries& entries, const std::string& title, const std::string& svg) {
-  std::string rows;
-  for (const Entry& entry : entries) {
-    rows += fmt::format("<tr><th>{}</th><td>{}</td></tr>\n", HtmlText(entry.label),
-                        HtmlText(ValueText(entry)));
-  }
-  const std::string heading = HtmlText(OneLine(title));
-  return fmt::format(
-      "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta "
-      "charset=\"utf-8\">\n<title>{0}</title>\n<style>\n"
-      "body {{ font-family: sans-serif; max-width: 64em; margin: 2em auto; color: #222; }}\n"
-      "table {{ border-collapse: collapse; }}\n"
-      "th, td {{ text-align: left; padding: 0.2em 1.5em 0.2em 0; border-bottom: 1px solid #ddd; "
-      "font-weight: normal; }}\n"
-      "td {{ font-variant-numeric: tabular-nums; }}\nsvg {{ width: 100%; height: auto; }}\n"
-      "@media print {{ body {{ margin: 0; }} svg {{ break-inside: avoid; }} }}\n"
-      "</style>\n</head>\n<body>\n<h1>{0}</h1>\n{1}\n<table>\n{2}</table>\n</body>\n</html>\n",
-      heading, svg, rows);
-}
-
 /// The picture of the waveform and its motion, as an element of a page.
 std::string Picture(const CWaveDef& def, const std::string& title, OutputFiles* files,
                     const std::string& beside) {
@@ -175,6 +125,29 @@ std::string Picture(const CWaveDef& def, const std::string& title, OutputFiles* 
 
 }  // namespace
 
+Entries ReportOf(const CWaveDef& def) {
+  const Scale scale = ScaleOf(def);
+  Entries entries;
+  AddWave(def, scale, &entries);
+  if (def.GetWaveType() == CWaveDef::WAVE_TYPE_CLASSICAL) AddClassical(def, scale, &entries);
+  AddMotion(def, scale, &entries);
+  return entries;
+}
+
+void WriteReportPage(const CWaveDef& def, const std::string& name, const std::string& target,
+                     OutputFiles* files) {
+  const std::string file = files->Reserve(target);
+  const std::string title = name + ": " + FamilyOf(def).title;
+  std::string rows;
+  for (const Entry& entry : ReportOf(def)) {
+    rows += fmt::format("<tr><th>{}</th><td>{}</td></tr>\n", HtmlText(entry.label),
+                        HtmlText(ValueText(entry)));
+  }
+  const std::string html = HtmlPage(
+      title, fmt::format("{}\n<table>\n{}</table>\n", Picture(def, title, files, target), rows));
+  WriteFile(file, html.data(), html.size());
+}
+
 void Report(const ReportOptions& options) {
   const CWaveDef def = LoadDefinitionOrRecord(options.input);
   if (def.GetNsamp() == 0)
@@ -186,14 +159,11 @@ void Report(const ReportOptions& options) {
     WriteFile(files.Reserve(options.json), json.data(), json.size());
   }
   if (!options.html.empty()) {
-    const std::string target = files.Reserve(options.html);
-    const std::string title =
-        std::filesystem::path(options.input).stem().string() + ": " + FamilyOf(def).title;
-    const std::string html = AsHtml(entries, title, Picture(def, title, &files, options.html));
-    WriteFile(target, html.data(), html.size());
+    WriteReportPage(def, std::filesystem::path(options.input).stem().string(), options.html,
+                    &files);
   }
   const std::string text = AsText(entries);
-  WriteBytes(stdout, text.data(), text.size(), "standard output");
+  Print(text);
   files.Commit();
 }
 

@@ -3,12 +3,24 @@
 
 #include <string>
 
+#include "entries.h"
+#include "output_files.h"
+#include "wave_def/wave_def.h"
+
 namespace qarv::command {
 
 struct ReportOptions {
   std::string input;       // definition (.json) or record
   std::string json, html;  // files to write; empty for none
 };
+
+/// The numbers of a waveform that has samples.
+Entries ReportOf(const wave_def::CWaveDef& def);
+
+/// Writes the numbers and the plots of acceleration, velocity and displacement as one page.
+/// @param[in] name  of the definition, for the title
+void WriteReportPage(const wave_def::CWaveDef& def, const std::string& name,
+                     const std::string& target, OutputFiles* files);
 
 /// Prints the report and writes the files that are asked for.
 void Report(const ReportOptions& options);

@@ -40,7 +40,7 @@ void Show(const ShowOptions& options) {
   if (!options.output.empty()) {
     WriteFile(files.Reserve(options.output), text.data(), text.size());
   } else {
-    WriteBytes(stdout, text.data(), text.size(), "standard output");
+    Print(text);
   }
   files.Commit();
 }

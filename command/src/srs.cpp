@@ -15,9 +15,8 @@
 #include "analysis/srs.h"
 #include "common/numeric/constants.h"
 #include "gnuplot.h"
-#include "input_wave.h"
 #include "kinematics.h"
-#include "output_files.h"
+#include "progress.h"
 #include "text.h"
 
 namespace qarv::command {
@@ -215,23 +214,36 @@ std::span<const double> ShockOf(const InputWave& wave) {
   return shock;
 }
 
+/// The spectrum, in pieces between which it can be said how far it has come.
+std::vector<SrsPoint> Calculate(const Task& task, const InputWave& wave) {
+  constexpr std::size_t kPiece = 32;  // [lines]
+  const std::span<const double> frequencies(task.frequencies);
+  Progress progress(frequencies.size());
+  std::vector<SrsPoint> points;
+  for (std::size_t i = 0; i < frequencies.size(); i += kPiece) {
+    progress.Show(i, "lines of the spectrum");
+    const auto piece = frequencies.subspan(i, std::min(kPiece, frequencies.size() - i));
+    const auto more =
+        analysis::CalcSrs(ShockOf(wave), wave.fsamp, piece, task.zeta, task.response->response);
+    points.insert(points.end(), more.begin(), more.end());
+  }
+  return points;
+}
+
 }  // namespace
 
-void Srs(const SrsOptions& options) {
-  const InputWave wave = LoadInputWave(options.input, options.fsamp);
+std::string WriteSpectrum(const SrsOptions& options, const InputWave& wave, OutputFiles* files) {
   if (wave.samples.GetSize() == 0) Refuse(options.input + ": has no samples");
   const Task task = Prepare(options, wave);
-  const auto points = analysis::CalcSrs(ShockOf(wave), wave.fsamp, task.frequencies, task.zeta,
-                                        task.response->response);
+  const auto points = Calculate(task, wave);
   if (points.empty()) Refuse(options.input + ": its sampling frequency is not a positive number");
-  OutputFiles files(options.input);
-  if (!options.csv.empty()) WriteSpectrumCsv(points, task.factor, files.Reserve(options.csv));
+  if (!options.csv.empty()) WriteSpectrumCsv(points, task.factor, files->Reserve(options.csv));
   if (!options.plot.empty()) {
     const PlotFormat format = PlotFormatOf(options.plot);
     const std::string title =
         fmt::format("{}: shock response spectrum, damping {:.4g}",
                     std::filesystem::path(options.input).stem().string(), task.zeta);
-    PlotSpectrum(points, task, title, options.tripartite, format, files.Reserve(options.plot));
+    PlotSpectrum(points, task, title, options.tripartite, format, files->Reserve(options.plot));
   }
   const double highest = task.frequencies.back();
   if (highest * kSamplesPerCycle > wave.fsamp * (1.0 + 1e-9)) {
@@ -249,7 +261,14 @@ void Srs(const SrsOptions& options) {
                       task.frequencies.front(), highest);
   text += fmt::format("largest:   {:.6g}{} at {:.6g} Hz\n",
                       task.factor * largest->Total().Maximax(), unit, largest->frequency);
-  WriteBytes(stdout, text.data(), text.size(), "standard output");
+  return text;
+}
+
+void Srs(const SrsOptions& options) {
+  const InputWave wave = LoadInputWave(options.input, options.fsamp);
+  OutputFiles files(options.input);
+  const std::string text = WriteSpectrum(options, wave, &files);
+  Print(text);
   files.Commit();
 }
 

@@ -4,6 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "input_wave.h"
+#include "output_files.h"
+
 namespace qarv::command {
 
 struct SrsOptions {
@@ -18,6 +21,11 @@ struct SrsOptions {
   bool tripartite = false;    // pseudo velocity on axes of displacement and acceleration too
   std::string csv, plot;      // files to write; empty for none
 };
+
+/// Calculates the spectrum of a waveform, which stands for options.input, and writes the files that
+/// are asked for.
+/// @return a short summary
+std::string WriteSpectrum(const SrsOptions& options, const InputWave& wave, OutputFiles* files);
 
 /// Calculates the spectrum, writes the files that are asked for, and prints a short summary.
 void Srs(const SrsOptions& options);

@@ -1,0 +1,285 @@
+// qarv-wave batch: every definition of a folder, and one table of them.
+//
+// The table is a list of rows; text, CSV and a page are three ways to write it.
+#include "batch.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <iterator>
+#include <vector>
+
+#include "csv_writer.h"
+#include "definition.h"
+#include "entries.h"
+#include "html.h"
+#include "kinematics.h"
+#include "output_files.h"
+#include "plot.h"
+#include "progress.h"
+#include "record_file.h"
+#include "report.h"
+#include "rules/rules.h"
+#include "srs.h"
+
+namespace qarv::command {
+
+namespace fs = std::filesystem;
+using wave_def::CWaveDef;
+
+namespace {
+
+/// A definition in the table.
+struct Row {
+  std::string name;
+  ExitCode state;      // kDone, kWarned or kRefused
+  std::string remark;  // what is wrong; empty if nothing is
+  Entries entries;     // none if there is no waveform
+};
+
+/// A column of the table, by its key in a report.
+struct Column {
+  const char* key;
+  const char* label;
+  bool hasUnit;
+};
+// clang-format off
+constexpr std::array<Column, 10> kColumns{{
+    {"family",                "family",                         false},
+    {"samples",               "samples",                        false},
+    {"duration",              "duration",                       true},
+    {"peak",                  "peak",                           true},
+    {"upper_margin",          "least margin to the upper band", true},
+    {"lower_margin",          "least margin to the lower band", true},
+    {"peak_velocity",         "peak velocity",                  true},
+    {"peak_displacement",     "peak displacement",              true},
+    {"residual_velocity",     "velocity at the end",            true},
+    {"residual_displacement", "displacement at the end",        true},
+}};
+// clang-format on
+constexpr std::size_t kInText = 4;  // of these
+
+const char* StateText(ExitCode state) {
+  switch (state) {
+    case kDone:
+      return "clean";
+    case kWarned:
+      return "warning";
+    default:
+      return "fails";
+  }
+}
+
+const Entry* Find(const Row& row, const char* key) {
+  const auto found = std::find_if(row.entries.begin(), row.entries.end(),
+                                  [&](const Entry& entry) { return entry.key == key; });
+  return found == row.entries.end() ? nullptr : &*found;
+}
+
+std::string CellText(const Row& row, const char* key) {
+  const Entry* const entry = Find(row, key);
+  return entry == nullptr ? "-" : ValueText(*entry);
+}
+
+// ---- One definition ----------------------------------------------------------------------------
+
+struct Suffix {
+  const char *csv, *plot, *record, *report, *spectrum;
+};
+constexpr Suffix kSuffix{".csv", ".png", ".rec", ".html", ".srs.png"};
+
+void WriteFilesOf(CWaveDef& def, const std::string& name, const std::string& folder,
+                  OutputFiles* files) {
+  const auto target = [&](const char* suffix) {
+    return (fs::path(folder) / (name + suffix)).string();
+  };
+  WriteWaveCsv(def, files->Reserve(target(kSuffix.csv)));
+  WriteRecord(def, files->Reserve(target(kSuffix.record)));
+  WriteReportPage(def, name, target(kSuffix.report), files);
+  const Motion motion = IsCompensated(def) ? Motion::Shown : Motion::Hidden;
+  PlotWave(def, name + ": " + FamilyOf(def).title, motion, PlotFormat::Png,
+           files->Reserve(target(kSuffix.plot)));
+  SrsOptions srs;
+  srs.input = name;
+  srs.plot = target(kSuffix.spectrum);
+  WriteSpectrum(srs, {def.GetWave(), SampleRateOf(def), def.GetUnitAmpl().GetText()}, files);
+}
+
+/// The definition of a file, and what is wrong with it.
+Row RowOf(const fs::path& file, CWaveDef* def) {
+  Row row{file.stem().string(), kDone, "", {}};
+  Findings findings;
+  try {
+    const Definition definition = ReadDefinition(file.string());
+    findings = FindingsOf(definition);
+    *def = Generated(definition, file.string());
+    for (Finding& finding : FindingsOf(*def)) findings.push_back(std::move(finding));
+  } catch (const CommandError& e) {
+    row.state = kRefused;
+    row.remark = e.what();
+    return row;
+  }
+  if (!findings.empty()) {
+    row.state = kWarned;
+    row.remark = FindingText(findings.front());
+  }
+  row.entries = ReportOf(*def);
+  return row;
+}
+
+// ---- The table ---------------------------------------------------------------------------------
+
+std::string AsText(const std::vector<Row>& rows) {
+  std::vector<std::vector<std::string>> cells{{"definition"}};
+  for (std::size_t i = 0; i < kInText; ++i) cells.front().push_back(kColumns[i].label);
+  for (const Row& row : rows) {
+    cells.push_back({OneLine(row.name)});
+    for (std::size_t i = 0; i < kInText; ++i)
+      cells.back().push_back(CellText(row, kColumns[i].key));
+  }
+  std::vector<std::size_t> widths(kInText + 1);
+  for (const auto& line : cells) {
+    for (std::size_t i = 0; i < line.size(); ++i) widths[i] = std::max(widths[i], line[i].size());
+  }
+  std::string text;
+  for (std::size_t r = 0; r < cells.size(); ++r) {
+    for (std::size_t i = 0; i < cells[r].size(); ++i) {
+      text += fmt::format("{:<{}}  ", cells[r][i], widths[i]);
+    }
+    if (r == 0) {
+      text += "state\n";
+      continue;
+    }
+    const Row& row = rows[r - 1];
+    text += StateText(row.state);
+    if (!row.remark.empty()) text.append(": ").append(OneLine(row.remark));
+    text += "\n";
+  }
+  return text;
+}
+
+std::string CsvCell(const std::string& text) {
+  if (text.find_first_of(",\"\n\r") == std::string::npos) return text;
+  std::string out = "\"";
+  for (const char c : text) out += c == '"' ? "\"\"" : std::string(1, c);
+  return out + '"';
+}
+
+std::string AsCsv(const std::vector<Row>& rows) {
+  std::string text = "definition";
+  for (const Column& column : kColumns) {
+    text += fmt::format(",{}", column.key);
+    if (column.hasUnit) text += fmt::format(",{}_unit", column.key);
+  }
+  text += ",state,remark\n";
+  for (const Row& row : rows) {
+    text += CsvCell(row.name);
+    for (const Column& column : kColumns) {
+      const Entry* const entry = Find(row, column.key);
+      const Json value = entry == nullptr ? Json("") : entry->value;
+      const std::string cell = value.is_string() ? value.get<std::string>() : value.dump();
+      text += fmt::format(",{}", CsvCell(cell));
+      if (column.hasUnit) text += fmt::format(",{}", CsvCell(entry == nullptr ? "" : entry->unit));
+    }
+    text += fmt::format(",{},{}\n", StateText(row.state), CsvCell(OneLine(row.remark)));
+  }
+  return text;
+}
+
+/// A file name as a link within a page.
+std::string Link(const std::string& file) {
+  std::string out;
+  for (const char c : file) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool plain = (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
+                       (byte >= 'a' && byte <= 'z') || byte == '-' || byte == '_' || byte == '.';
+    out += plain ? std::string(1, c) : fmt::format("%{:02X}", byte);
+  }
+  return out;
+}
+
+std::string AsPage(const std::vector<Row>& rows) {
+  std::string body =
+      "<table>\n<thead><tr><th>definition</th><th>values</th><th>waveform</th>"
+      "<th>shock response spectrum</th></tr></thead>\n<tbody>\n";
+  for (const Row& row : rows) {
+    const std::string name = HtmlText(OneLine(row.name));
+    const bool has = !row.entries.empty();
+    const auto link = [&](const char* suffix) { return Link(row.name + suffix); };
+    body += has ? fmt::format("<tr><td><a href=\"{}\">{}</a><br>{}", link(kSuffix.report), name,
+                              StateText(row.state))
+                : fmt::format("<tr><td>{}<br>{}", name, StateText(row.state));
+    if (!row.remark.empty()) body.append(": ").append(HtmlText(OneLine(row.remark)));
+    body += "</td>\n<td>";
+    for (const Column& column : kColumns) {
+      if (!has) break;
+      body += fmt::format("{}: {}<br>", column.label, HtmlText(CellText(row, column.key)));
+    }
+    const auto picture = [&](const char* suffix, const char* what) {
+      return has ? fmt::format(
+                       "</td>\n<td><a href=\"{0}\"><img src=\"{0}\" alt=\"{1} of {2}\"></a>",
+                       link(suffix), what, name)
+                 : std::string("</td>\n<td>");
+    };
+    body +=
+        picture(kSuffix.plot, "waveform") + picture(kSuffix.spectrum, "spectrum") + "</td></tr>\n";
+  }
+  return HtmlPage("Waveforms", body + "</tbody>\n</table>\n");
+}
+
+std::vector<fs::path> DefinitionsIn(const std::string& folder) {
+  std::error_code error;
+  std::vector<fs::path> files;
+  for (const auto& entry : fs::directory_iterator(folder, error)) {
+    if (entry.path().extension() == ".json") files.push_back(entry.path());
+  }
+  if (error) throw CommandError(kBadInput, OneLine(folder + ": cannot be read"));
+  if (files.empty())
+    throw CommandError(kBadInput, OneLine(folder + ": has no definitions (.json)"));
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+}  // namespace
+
+ExitCode Batch(const BatchOptions& options) {
+  const std::vector<fs::path> definitions = DefinitionsIn(options.folder);
+  OutputFiles files(options.folder);
+  std::error_code error;
+  if (!options.output.empty() && fs::equivalent(options.output, options.folder, error)) {
+    throw CommandError(kBadInput, "--output: is the folder of the definitions");
+  }
+  if (!options.output.empty()) files.MakeFolder(options.output);
+  std::vector<Row> rows;
+  {
+    Progress progress(definitions.size());
+    for (const fs::path& file : definitions) {
+      progress.Show(rows.size(), file.stem().string());
+      CWaveDef def;
+      rows.push_back(RowOf(file, &def));
+      if (!options.output.empty() && !rows.back().entries.empty()) {
+        WriteFilesOf(def, rows.back().name, options.output, &files);
+      }
+    }
+  }
+  const auto write = [&](const std::string& target, const std::string& text) {
+    WriteFile(files.Reserve(target), text.data(), text.size());
+  };
+  if (!options.csv.empty()) write(options.csv, AsCsv(rows));
+  if (!options.output.empty()) {
+    write((fs::path(options.output) / "summary.csv").string(), AsCsv(rows));
+    write((fs::path(options.output) / "index.html").string(), AsPage(rows));
+  }
+  const std::string text = AsText(rows);
+  Print(text);
+  files.Commit();
+  const auto has = [&](ExitCode state) {
+    return std::any_of(rows.begin(), rows.end(), [=](const Row& r) { return r.state == state; });
+  };
+  return has(kRefused) ? kRefused : has(kWarned) ? kWarned : kDone;
+}
+
+}  // namespace qarv::command

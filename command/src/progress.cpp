@@ -1,0 +1,38 @@
+// How far long work has come.
+#include "progress.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "text.h"
+
+namespace qarv::command {
+
+namespace {
+
+constexpr std::chrono::milliseconds kPause{100};  // work that ends sooner says nothing
+
+}  // namespace
+
+Progress::Progress(std::size_t total)
+    : total_(total),
+      terminal_(isatty(STDERR_FILENO) != 0),
+      last_(std::chrono::steady_clock::now()) {}
+
+Progress::~Progress() {
+  if (shown_) std::fputs("\r\x1b[K", stderr);
+}
+
+void Progress::Show(std::size_t done, const std::string& next) {
+  const auto now = std::chrono::steady_clock::now();
+  if (!terminal_ || now - last_ < kPause) return;
+  last_ = now;
+  shown_ = true;
+  // Cut to one line of a narrow terminal, of which there is no second to erase.
+  fmt::print(stderr, "\r[{}/{}] {:.60}\x1b[K", done, total_, OneLine(next));
+  std::fflush(stderr);
+}
+
+}  // namespace qarv::command
