@@ -40,6 +40,7 @@ struct CommandLine {
   void AddSrs();
   void AddShow();
   void AddBatch();
+  void AddTexts();
 };
 
 }  // namespace qarv::command

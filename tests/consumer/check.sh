@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the build tree to a fresh prefix and builds the consumer against it, once through the CMake
-# package and once through pkg-config.
+# package and once through pkg-config.  The command comes with its manual page and completion.
 #   check.sh BUILD_DIR SOURCE_DIR WORK_DIR CXX CXX_FLAGS
 set -euo pipefail
 build=$1 source=$2 work=$3 cxx=$4 flags=$5
@@ -8,6 +8,12 @@ build=$1 source=$2 work=$3 cxx=$4 flags=$5
 rm -rf "$work"
 mkdir -p "$work"
 cmake --install "$build" --prefix "$work/prefix" >"$work/install.log"
+
+if [ -x "$work/prefix/bin/qarv-wave" ]; then
+  "$work/prefix/bin/qarv-wave" man-page | cmp - "$work/prefix/share/man/man1/qarv-wave.1"
+  "$work/prefix/bin/qarv-wave" bash-completion |
+    cmp - "$work/prefix/share/bash-completion/completions/qarv-wave"
+fi
 
 cmake -S "$source" -B "$work/cmake" -G Ninja -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_CXX_FLAGS="$flags" \
   -DCMAKE_PREFIX_PATH="$work/prefix" >"$work/configure.log"
