@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <span>
 #include <vector>
 
 #include "analysis/judge.h"
@@ -54,16 +55,10 @@ Reference ReferenceOf(const CWaveDef& def) {
   return {std::min(pulse.first, N - 1), std::min(pulse.last, N - 1)};
 }
 
-Samples ToSamples(const std::vector<double>& x) {
-  Samples out;
-  out.SetData(x.size(), x.data(), false);
-  return out;
-}
-
 /// Brings a record that says its unit to the definition's.
 void ConvertUnit(const CWaveDef& def, const std::string& file, InputWave* measured) {
   const std::string unit = def.GetUnitAmpl().GetText();
-  if (measured->unit.empty() || measured->unit == unit) return;
+  if (measured->unit.empty() || unit.empty() || measured->unit == unit) return;
   const MotionUnits from = MotionUnitsOf(measured->unit);
   const MotionUnits to = MotionUnitsOf(unit);
   if (!from.known || !to.known) {
@@ -73,52 +68,73 @@ void ConvertUnit(const CWaveDef& def, const std::string& file, InputWave* measur
   for (double& v : measured->samples) v *= from.velocity / to.velocity;
 }
 
-Overlay LayOver(const CWaveDef& def, const InputWave& measured, const std::string& file) {
+/// A record as the definition needs it: its sampling frequency, and its length in those samples.
+struct Scaled {
+  double ratio;
+  bool sameRate;
+  double end;  // [sample of the definition] place of the last sample
+};
+
+Scaled ScaleOf(const CWaveDef& def, const InputWave& measured, const std::string& file) {
+  constexpr double kLongest = 1e9;  // [sample] that are worth an attempt
   const auto record = SpanOf(measured.samples);
   if (!std::all_of(record.begin(), record.end(), [](double v) { return std::isfinite(v); })) {
     throw CommandError(kBadInput, OneLine(file + ": has samples that are no numbers"));
   }
   const double ratio = measured.fsamp / SampleRateOf(def);
-  const bool sameRate = std::fabs(ratio - 1.0) < 1e-9;
-  const double end = static_cast<double>(record.size() - 1) / ratio;  // [sample of the definition]
-  if (!(end < 1e9)) throw CommandError(kBadInput, OneLine(file + ": has too low a frequency"));
-  const std::vector<double> onGrid =
-      sameRate ? std::vector<double>(record.begin(), record.end())
-               : analysis::SampledAt(record, 0.0, ratio,
-                                     static_cast<std::size_t>(common::TruncToIndex(end)) + 1);
+  const double end = static_cast<double>(record.size() - 1) / ratio;
+  if (!(ratio > 0.0 && std::isfinite(ratio) && end < kLongest)) {
+    throw CommandError(
+        kBadInput,
+        OneLine(fmt::format("{}: a sampling frequency of {:g} Hz does not go with {:g} Hz", file,
+                            measured.fsamp, SampleRateOf(def))));
+  }
+  return {ratio, std::fabs(ratio - 1.0) < 1e-9, end};
+}
+
+/// The record at every sample of the definition, whose first one lies at `start` in it.
+Samples SampledAtDefinition(const CWaveDef& def, const Scaled& scaled, double start,
+                            std::span<const double> record) {
+  Samples wave(def.GetNsamp());
+  if (!scaled.sameRate || start != std::round(start)) {
+    const auto x = analysis::SampledAt(record, start * scaled.ratio, scaled.ratio, wave.GetSize());
+    std::copy(x.begin(), x.end(), wave.begin());
+    return wave;
+  }
+  // Nothing lies between the samples: they stay what they are.
+  for (std::size_t j = 0; j < wave.GetSize(); ++j) {
+    const double i = std::clamp(start + static_cast<double>(j), 0.0, scaled.end);
+    wave[j] = record[static_cast<std::size_t>(common::TruncToIndex(i))];
+  }
+  return wave;
+}
+
+Overlay LayOver(const CWaveDef& def, const InputWave& measured, const std::string& file) {
+  const auto record = SpanOf(measured.samples);
+  const Scaled scaled = ScaleOf(def, measured, file);
+  const auto length = static_cast<std::size_t>(common::TruncToIndex(scaled.end + 1e-6)) + 1;
+  const std::vector<double> onGrid = scaled.sameRate
+                                         ? std::vector<double>(record.begin(), record.end())
+                                         : analysis::SampledAt(record, 0.0, scaled.ratio, length);
   const Reference reference = ReferenceOf(def);
   const analysis::Alignment found = analysis::Align(
       SpanOf(def.GetWave()).subspan(reference.first, reference.last - reference.first + 1), onGrid);
   if (!(found.correlation > 0.0)) {
     throw CommandError(kBadInput, OneLine(file + ": does not show the waveform"));
   }
-  const auto N = static_cast<std::size_t>(def.GetNsamp());
   const double start = found.lag - static_cast<double>(reference.first);
   constexpr double kSlack = 1e-6;  // [sample] lost to rounding
-  const auto index = [&](double i) {
-    return static_cast<std::size_t>(
-        common::TruncToIndex(std::clamp(i, 0.0, static_cast<double>(N - 1))));
-  };
-  Overlay out{{},
-              index(std::ceil(-start - kSlack)),
-              index(std::floor(end - start + kSlack)),
-              start,
-              found.correlation};
-  if (sameRate && start == std::round(start)) {
-    out.wave.Resize(N);
-    for (std::size_t j = out.first; j <= out.last; ++j) {
-      const auto i = static_cast<std::size_t>(common::TruncToIndex(start + static_cast<double>(j)));
-      out.wave[j] = record[std::min(i, record.size() - 1)];
-    }
-  } else {
-    out.wave = ToSamples(analysis::SampledAt(record, start * ratio, ratio, N));
+  const double lastOfFrame = static_cast<double>(def.GetNsamp() - 1);
+  const double first = std::max(std::ceil(-start - kSlack), 0.0);
+  const double last = std::min(std::floor(scaled.end - start + kSlack), lastOfFrame);
+  const bool whole =
+      first <= static_cast<double>(reference.first) && last >= static_cast<double>(reference.last);
+  if (!(first <= last) || (IsClassical(def) && !whole)) {
+    throw CommandError(kBadInput, OneLine(file + ": does not hold the whole pulse"));
   }
-  if (out.first > reference.first || out.last < reference.last) {
-    if (IsClassical(def)) {
-      throw CommandError(kBadInput, OneLine(file + ": does not hold the whole pulse"));
-    }
-  }
-  return out;
+  return {SampledAtDefinition(def, scaled, start, record),
+          static_cast<std::size_t>(common::TruncToIndex(first)),
+          static_cast<std::size_t>(common::TruncToIndex(last)), start, found.correlation};
 }
 
 /// The velocity change of the measured pulse.
