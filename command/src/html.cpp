@@ -33,8 +33,7 @@ std::string HtmlText(const std::string& text) {
 std::string HtmlPage(const std::string& title, const std::string& body) {
   return fmt::format(
       "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-      "<meta name=\"viewport\" content=\"width=device-width\">\n<link rel=\"icon\" "
-      "href=\"data:,\">\n<title>{0}</title>\n<style>\n"
+      "<meta name=\"viewport\" content=\"width=device-width\">\n<title>{0}</title>\n<style>\n"
       "body {{ font-family: sans-serif; max-width: 80em; margin: 2em auto; color: #222; }}\n"
       "table {{ border-collapse: collapse; }}\n"
       "th, td {{ text-align: left; padding: 0.2em 1.5em 0.2em 0; border-bottom: 1px solid #ddd; "
