@@ -3,10 +3,7 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <new>
-#include <stdexcept>
 
 #include "definition.h"
 #include "output_files.h"
@@ -21,14 +18,7 @@ Findings AllFindings(const Definition& definition) {
   Findings findings = FindingsOf(definition);
   if (!findings.empty() && findings.front().severity == Severity::Fails) return findings;
   wave_def::CWaveDef def;
-  std::string reason;
-  try {
-    if (!DefineWave(definition, &def)) reason = WhyRefused(definition);
-  } catch (const std::bad_alloc&) {
-    reason = kNoMemory;
-  } catch (const std::length_error&) {
-    reason = kNoMemory;
-  }
+  const std::string reason = TryToDefine(definition, &def);
   if (!reason.empty()) {
     findings.insert(findings.begin(), {Severity::Fails, reason, {}});
     return findings;

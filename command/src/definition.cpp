@@ -123,20 +123,21 @@ bool DefineWave(const Definition& definition, CWaveDef* def) {
       definition.set);
 }
 
-CWaveDef Generated(const Definition& definition, const std::string& file) {
-  const auto refuse = [&](const std::string& reason) {
-    throw CommandError(kRefused,
-                       OneLine(fmt::format("{}: {}: {}", file, definition.family->key, reason)));
-  };
-  CWaveDef def;
+std::string TryToDefine(const Definition& definition, CWaveDef* def) {
   try {
-    if (!DefineWave(definition, &def)) refuse(WhyRefused(definition));
-    return def;
+    return DefineWave(definition, def) ? std::string() : WhyRefused(definition);
   } catch (const std::bad_alloc&) {
   } catch (const std::length_error&) {
   }
-  refuse(kNoMemory);
-  return def;
+  return "the waveform does not fit into memory";
+}
+
+CWaveDef Generated(const Definition& definition, const std::string& file) {
+  CWaveDef def;
+  const std::string reason = TryToDefine(definition, &def);
+  if (reason.empty()) return def;
+  throw CommandError(kRefused,
+                     OneLine(fmt::format("{}: {}: {}", file, definition.family->key, reason)));
 }
 
 CWaveDef LoadDefinition(const std::string& file) { return Generated(ReadDefinition(file), file); }

@@ -73,6 +73,10 @@ Definition ReadDefinition(const std::string& file);
 /// @return false if it refuses
 bool DefineWave(const Definition& definition, wave_def::CWaveDef* def);
 
+/// The same where the waveform may be larger than the memory.
+/// @return why there is none; empty if there is
+std::string TryToDefine(const Definition& definition, wave_def::CWaveDef* def);
+
 /// The waveform of a definition.  Ends the command where the library refuses it.
 /// @param[in] file  of the definition, for messages
 wave_def::CWaveDef Generated(const Definition& definition, const std::string& file);

@@ -129,6 +129,14 @@ void ReadFields(const FieldTable<Set>& table, const Json& json, const Place& at,
   }
 }
 
+/// A set of its own from an object.
+template <class Set>
+Set ReadSet(const FieldTable<Set>& table, const Json& json, const Place& at) {
+  Set set;
+  ReadFields(table, json, at, set);
+  return set;
+}
+
 /// Writes a set as an object, in the order of the table.
 template <class Set>
 Json WriteFields(const FieldTable<Set>& table, const Set& set) {

@@ -39,8 +39,7 @@ const FieldTable<Set> kFields{
 };
 
 ParameterSet Read(const Json& json, const Place& at, bool /*hasFsamp*/) {
-  Set set;
-  ReadFields(kFields, json, at, set);
+  const Set set = ReadSet(kFields, json, at);
   // The compensating component of this method cannot do without its frequency.
   if (set.GetSyncWaveType() == SYNC_WAVE_DAMPED_SINE && !json.contains("Freq")) {
     at.Key("Freq").Fail("missing");

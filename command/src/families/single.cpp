@@ -19,9 +19,7 @@ const FieldTable<Set> kFields{
 };
 
 ParameterSet Read(const Json& json, const Place& at, bool /*hasFsamp*/) {
-  Set set;
-  ReadFields(kFields, json, at, set);
-  return set;
+  return ReadSet(kFields, json, at);
 }
 
 Json Write(const CWaveDef& def, const std::string& /*samplesFile*/) {

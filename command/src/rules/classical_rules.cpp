@@ -158,10 +158,6 @@ std::vector<Remedy> UnclampedWidths(const Set& set, const Placing& at) {
 
 // ---- Compensation ------------------------------------------------------------------------------
 
-bool HasCompensationType(const Set& set) {
-  return set.GetCmpType() >= Set::CMP_RAMP && set.GetCmpType() <= Set::CMP_OPTIMIZED;
-}
-
 /// One side of a frame that is too short.
 std::string RoomText(const char* side, const Room& room, double level) {
   std::string text = format("{} the pulse {} samples are needed and {} available", side,

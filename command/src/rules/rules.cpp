@@ -246,26 +246,20 @@ struct Components {
 
 Components ComponentsOf(const wave_def::CWaveDefDamping& set, double fsamp) {
   using namespace com_def::comdefconst;
-  std::vector<double> freq, ampl, zeta, delay;
-  for (const auto& elm : set.GetDefDampingElmList()) {
-    freq.push_back(elm.GetFreq());
-    ampl.push_back(elm.GetAmpl());
-    zeta.push_back(elm.GetZeta());
-    delay.push_back(elm.GetDelay());
-  }
+  const wave_def::DampingComponents c(set.GetDefDampingElmList());
   const double dt = 1.0 / fsamp;
   const bool compensated = set.GetSyncWaveType() == SYNC_WAVE_DAMPED_SINE;
   const wave_def::CompensatingSine added =
-      compensated
-          ? wave_def::CalcCompensatingSine(0.0, freq.size(), freq.data(), ampl.data(), zeta.data(),
-                                           delay.data(), set.GetFreq(), set.GetZeta())
-          : wave_def::CompensatingSine{};
+      compensated ? wave_def::CalcCompensatingSine(0.0, c.freq.size(), c.freq.data(), c.ampl.data(),
+                                                   c.zeta.data(), c.delay.data(), set.GetFreq(),
+                                                   set.GetZeta())
+                  : wave_def::CompensatingSine{};
   Components out;
   out.shift = added.shift;
-  for (std::size_t i = 0; i < freq.size(); ++i) {
-    out.Add(freq[i], ampl[i], delay[i] + added.shift, dt, set.GetNsamp());
-    const bool decays = set.GetSyncWaveType() == SYNC_WAVE_WAVELET || zeta[i] > 0.0;
-    out.undamped = out.undamped || (ampl[i] != 0.0 && !decays);
+  for (std::size_t i = 0; i < c.freq.size(); ++i) {
+    out.Add(c.freq[i], c.ampl[i], c.delay[i] + added.shift, dt, set.GetNsamp());
+    const bool decays = set.GetSyncWaveType() == SYNC_WAVE_WAVELET || c.zeta[i] > 0.0;
+    out.undamped = out.undamped || (c.ampl[i] != 0.0 && !decays);
   }
   if (compensated) {
     out.highest = std::max(out.highest, std::fabs(set.GetFreq()));

@@ -38,9 +38,6 @@ std::string WhyRefused(const Definition& definition);
 /// A finding as one text: what is wrong, and what works.
 std::string FindingText(const Finding& finding);
 
-/// The reason where no rule but the machine sets the limit.
-inline constexpr const char* kNoMemory = "the waveform does not fit into memory";
-
 // The tables, one per family.  `fsamp` is the sampling frequency of the definition [Hz].
 Findings BrokenRules(const wave_def::CWaveDefClassical& set, double fsamp);
 Findings BrokenRules(const wave_def::CWaveDefSymmetry& set, double fsamp);

@@ -143,11 +143,11 @@ bool Compensate(Def& params, double fsamp, const Placement& place, Samples* wave
   return true;
 }
 
+}  // namespace
+
 bool HasCompensationType(const Def& params) {
   return params.GetCmpType() >= Def::CMP_RAMP && params.GetCmpType() <= Def::CMP_OPTIMIZED;
 }
-
-}  // namespace
 
 bool GenerateClassical(Def& params, double fsamp, Samples* wave, Samples* tolU, Samples* tolL,
                        bool /*autoFsamp*/, compensation::Refusal* refusal) {

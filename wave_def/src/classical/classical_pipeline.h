@@ -7,6 +7,9 @@
 
 namespace qarv::wave_def {
 
+/// Whether CmpType names one of the four compensations.
+bool HasCompensationType(const CWaveDefClassical& params);
+
 /// Generates a classical pulse with its bands, and compensates it where AddCmp is set.
 ///
 ///   dt = 1 / ConvFmaxToFsampByVal(Fmax),   T = Nsamp dt

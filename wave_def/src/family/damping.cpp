@@ -8,8 +8,6 @@
 #include "family/damping.h"
 
 #include <cmath>
-#include <list>
-#include <vector>
 
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
@@ -37,24 +35,6 @@ uint64 OddHalves(uint64 halves) {
   if (halves < 3) return 3;
   return halves % 2 == 0 ? halves + 1 : halves;
 }
-
-/// The components as arrays, in list order.
-struct Components {
-  std::vector<double> freq, ampl, zeta, delay;
-  std::vector<uint64> halves;
-
-  explicit Components(const std::list<CWaveDefDampingElm>& elms) {
-    for (auto* array : {&freq, &ampl, &zeta, &delay}) array->reserve(elms.size());
-    halves.reserve(elms.size());
-    for (const CWaveDefDampingElm& elm : elms) {
-      freq.push_back(elm.GetFreq());
-      ampl.push_back(elm.GetAmpl());
-      zeta.push_back(elm.GetZeta());
-      delay.push_back(elm.GetDelay());
-      halves.push_back(elm.GetNumHalf());
-    }
-  }
-};
 
 bool IsMethod(com_def::comdefconst::SYNC_WAVE_TYPE type) {
   using namespace com_def::comdefconst;
@@ -186,6 +166,18 @@ bool SynthesizeWavelets(double* buffer, uint64 nsamp, double fsamp, double timeO
   return true;
 }
 
+DampingComponents::DampingComponents(const std::list<CWaveDefDampingElm>& elms) {
+  for (auto* array : {&freq, &ampl, &zeta, &delay}) array->reserve(elms.size());
+  halves.reserve(elms.size());
+  for (const CWaveDefDampingElm& elm : elms) {
+    freq.push_back(elm.GetFreq());
+    ampl.push_back(elm.GetAmpl());
+    zeta.push_back(elm.GetZeta());
+    delay.push_back(elm.GetDelay());
+    halves.push_back(elm.GetNumHalf());
+  }
+}
+
 bool DampingSynthesize(const CWaveDefDamping& def, double fsamp,
                        common::CDataArrayFloatT<double>* wave) {
   using namespace com_def::comdefconst;
@@ -194,7 +186,7 @@ bool DampingSynthesize(const CWaveDefDamping& def, double fsamp,
   if (fsamp == 0.0 || wave == nullptr || n == 0 || count == 0) return false;
   if (!IsMethod(def.GetSyncWaveType())) return false;
 
-  const Components c(def.GetDefDampingElmList());
+  const DampingComponents c(def.GetDefDampingElmList());
   wave->Resize(n);
   double* const x = wave->GetData();
   const double* const freq = c.freq.data();

@@ -1,11 +1,22 @@
 // The damped-sine synthesis: the sum of components by one of three methods.
 #pragma once
 
+#include <list>
+#include <vector>
+
 #include "common/data_array/data_array_float_t.h"
 #include "common/int_types.h"
 #include "wave_def/wave_def_damping.h"
 
 namespace qarv::wave_def {
+
+/// The components of a damped-sine definition as arrays, in list order.
+struct DampingComponents {
+  std::vector<double> freq, ampl, zeta, delay;
+  std::vector<common::uint64> halves;
+
+  explicit DampingComponents(const std::list<CWaveDefDampingElm>& elms);
+};
 
 /// Synthesises the waveform of a damped-sine definition.
 ///
