@@ -122,8 +122,7 @@ void CommandLine::AddJudge() {
   Add(command, "--plot", &judge.plot, kFile, "write a picture with the violations, .png or .svg");
   command->callback([this] { job = [this] { return Judge(judge); }; });
   SetShockExample(command,
-                  "  qarv-wave generate shock.json --csv shock.csv\n"
-                  "  cut -d, -f1,2 shock.csv >measured.csv\n"
+                  "  qarv-wave generate shock.json --csv measured.csv\n"
                   "  qarv-wave judge shock.json measured.csv --plot verdict.png");
 }
 

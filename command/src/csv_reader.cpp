@@ -8,6 +8,7 @@
 #include <fstream>
 #include <utility>
 
+#include "csv_writer.h"
 #include "text.h"
 
 namespace qarv::command {
@@ -78,6 +79,7 @@ MeasuredCsv ReadCsv(const std::string& file) {
   std::size_t width = 0;  // [columns] of the first line with numbers
   char separator = 0;
   bool first = true;
+  bool withBands = false;
   uint64 line = 0;
   while (std::getline(in, text)) {
     ++line;
@@ -87,13 +89,17 @@ MeasuredCsv ReadCsv(const std::string& file) {
     const auto columns = Columns(text, separator);
     const bool header = first && IsHeader(columns, separator);
     first = false;
-    if (header) continue;
+    if (header) {
+      withBands = Trimmed(text) == kWaveCsvHeader;
+      continue;
+    }
     if (!ParseColumns(columns, separator, &numbers)) Fail(file, line, "is not a line of numbers");
     if (width == 0) width = numbers.size();
-    if (width > 2) Fail(file, line, "has more than a time and a value");
+    if (width > 2 && !(withBands && width == 4))
+      Fail(file, line, "has more than a time and a value");
     if (numbers.size() != width) Fail(file, line, "has another number of columns");
-    values.push_back(numbers.back());
-    if (width == 2) {
+    values.push_back(width == 1 ? numbers.front() : numbers[1]);
+    if (width > 1) {
       times.push_back(numbers.front());
       lines.push_back(line);
     }

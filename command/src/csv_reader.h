@@ -17,10 +17,10 @@ struct MeasuredCsv {
   std::vector<common::uint64> lines;        // where each time stands
 };
 
-/// Reads a file of one column (value) or two (time, value).  The separator is a comma, a semicolon
-/// or a tab; beside the latter two a comma may be the decimal sign.  The first line may be a
-/// header; empty lines are passed over. Ends the command where the file cannot be read or a line is
-/// not of that form.
+/// Reads a file of one column (value) or two (time, value), or one that WriteWaveCsv has written,
+/// of which the bands are passed over.  The separator is a comma, a semicolon or a tab; beside the
+/// latter two a comma may be the decimal sign.  The first line may be a header; empty lines are
+/// passed over. Ends the command where the file cannot be read or a line is not of that form.
 MeasuredCsv ReadCsv(const std::string& file);
 
 /// The sampling frequency of the time column [Hz], from its mean step.

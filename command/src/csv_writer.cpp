@@ -39,7 +39,7 @@ void WriteWaveCsv(const wave_def::CWaveDef& def, const std::string& file) {
   const double* const wave = def.GetWave().GetData();
   const double* const lower = def.GetTolL().GetData();
   const double* const upper = def.GetTolU().GetData();
-  WriteLines(file, "time,waveform,lower,upper\n", def.GetNsamp(), [&](uint64 i, auto out) {
+  WriteLines(file, std::string(kWaveCsvHeader) + "\n", def.GetNsamp(), [&](uint64 i, auto out) {
     fmt::format_to(out, "{},{},{},{}\n", static_cast<double>(i) / fsamp, wave[i], lower[i],
                    upper[i]);
   });

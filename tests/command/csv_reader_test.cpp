@@ -44,6 +44,16 @@ TEST_F(CsvReader, TakesOneColumnOrTwo) {
   EXPECT_EQ(Read("0.5,1\n1.5,2\n").times, (std::vector<double>{0.5, 1.5}));
 }
 
+TEST_F(CsvReader, TakesAWaveformWithItsBands) {
+  const std::string text = "time,waveform,lower,upper\n0,1,0,2\n0.5,3,-1,4\n";
+  ExpectValues(text, {1, 3});
+  EXPECT_EQ(SampleRateOf(Read(text)), 2.0);
+  ExpectError("time,waveform,lower,other\n0,1,0,2\n", ":2: has more than a time and a value");
+  ExpectError("0,1,0,2\n", ":1: has more than a time and a value");
+  ExpectError("time,waveform,lower,upper\n0,1,0\n", ":2: has more than a time and a value");
+  ExpectError("time,waveform,lower,upper\n0,1,0,2\n1,2\n", ":3: has another number of columns");
+}
+
 TEST_F(CsvReader, TakesCommaSemicolonAndTab) {
   ExpectValues("0,1\n1,2\n", {1, 2});
   ExpectValues("0;1\n1;2\n", {1, 2});

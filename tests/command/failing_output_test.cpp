@@ -56,10 +56,7 @@ class FailingOutput : public ::testing::TestWithParam<Job> {
                           folder / "measured.rec", "--csv", folder / "w.csv"})
                   .code,
               0);
-    EXPECT_EQ(
-        Shell(
-            "./qarv-wave generate shock.json --csv w.csv >w.txt && cut -d, -f1,2 w.csv >shock.csv"),
-        0);
+    EXPECT_EQ(Shell("./qarv-wave generate shock.json --csv shock.csv >generate.out"), 0);
   }
 
   /// Runs a line of shell in the folder.
