@@ -247,7 +247,7 @@ std::vector<fs::path> DefinitionsIn(const std::string& folder) {
 
 ExitCode Batch(const BatchOptions& options) {
   const std::vector<fs::path> definitions = DefinitionsIn(options.folder);
-  OutputFiles files(options.folder);
+  OutputFiles files;
   std::error_code error;
   if (!options.output.empty() && fs::equivalent(options.output, options.folder, error)) {
     throw CommandError(kBadInput, "--output: is the folder of the definitions");

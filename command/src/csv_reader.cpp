@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "csv_writer.h"
+#include "input_file.h"
 #include "text.h"
 
 namespace qarv::command {
@@ -70,6 +71,7 @@ bool IsHeader(const std::vector<std::string>& columns, char separator) {
 }  // namespace
 
 MeasuredCsv ReadCsv(const std::string& file) {
+  NoteInput(file);
   std::ifstream in(file, std::ios::binary);
   std::vector<double> values;
   std::vector<double> times;

@@ -77,7 +77,7 @@ void Warn(const CWaveDef& def, const std::string& file) {
 void Generate(const GenerateOptions& options) {
   CWaveDef def = LoadDefinition(options.definition);
   const std::string name = std::filesystem::path(options.definition).stem().string();
-  OutputFiles files(options.definition);
+  OutputFiles files;
   if (!options.csv.empty()) WriteWaveCsv(def, files.Reserve(options.csv));
   if (!options.npy.empty()) WriteNpy(def, files.Reserve(options.npy));
   if (!options.wav.empty()) WriteWav(def, options.definition, files.Reserve(options.wav));

@@ -1,6 +1,7 @@
 // Whole input files.
 #include "input_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -9,7 +10,28 @@
 
 namespace qarv::command {
 
+namespace fs = std::filesystem;
+
+namespace {
+
+/// What this run of the command has read.
+std::vector<fs::path>& Inputs() {
+  static std::vector<fs::path> inputs;
+  return inputs;
+}
+
+}  // namespace
+
+void NoteInput(const std::string& file) { Inputs().push_back(fs::absolute(file)); }
+
+bool IsInput(const fs::path& file) {
+  std::error_code error;
+  return std::any_of(Inputs().begin(), Inputs().end(),
+                     [&](const fs::path& input) { return fs::equivalent(input, file, error); });
+}
+
 std::vector<unsigned char> ReadFile(const std::string& file) {
+  NoteInput(file);
   const FilePtr in(std::fopen(file.c_str(), "rb"), std::fclose);
   std::vector<unsigned char> bytes;
   std::array<unsigned char, 65536> piece{};

@@ -239,7 +239,7 @@ ExitCode Judge(const JudgeOptions& options) {
   if (IsClassical(def)) judgement.velocity = JudgeVelocity(def, overlay, options.dvTol);
   const Entries entries = EntriesOf(def, overlay, judgement, options.dvTol);
 
-  OutputFiles files(options.measured);
+  OutputFiles files;
   if (!options.json.empty()) {
     const std::string json = AsJson(entries);
     WriteFile(files.Reserve(options.json), json.data(), json.size());

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "input_file.h"
 #include "text.h"
 
 namespace qarv::command {
@@ -54,7 +55,7 @@ std::string OutputFiles::Reserve(const std::string& target) {
   if (fs::exists(place, error) && !fs::is_regular_file(place, error)) {
     Fail(target, "is not a regular file");
   }
-  if (fs::equivalent(place, input_, error)) Fail(target, "is the input");
+  if (IsInput(place)) Fail(target, "is an input");
   for (const Entry& entry : entries_) {
     if (entry.target == place.string()) Fail(target, "is written twice");
   }
@@ -83,6 +84,9 @@ void OutputFiles::MakeFolder(const std::string& folder) {
 }
 
 void OutputFiles::Commit() {
+  for (const Entry& entry : entries_) {  // what was read after it was reserved
+    if (!entry.target.empty() && IsInput(entry.target)) Fail(entry.target, "is an input");
+  }
   while (!entries_.empty()) {
     const Entry& entry = entries_.back();
     if (entry.target.empty()) {

@@ -15,14 +15,12 @@ using FilePtr = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 /// the target's place in Commit; what was not committed is removed again.
 class OutputFiles {
  public:
-  /// @param input  a file that no output may replace
-  explicit OutputFiles(const std::string& input) : input_(input) {}
+  OutputFiles() = default;
   OutputFiles(const OutputFiles&) = delete;
   OutputFiles& operator=(const OutputFiles&) = delete;
   ~OutputFiles();
 
-  /// Reserves a target.  Ends the command where it cannot be written, is the input, or was
-  /// reserved.
+  /// Reserves a target.  Ends the command where it cannot be written, is an input, or was reserved.
   /// @return the temporary name to write to; the file is there, and empty
   std::string Reserve(const std::string& target);
 
@@ -40,7 +38,6 @@ class OutputFiles {
   struct Entry {
     std::string target, temporary;  // no target: a file for the run only
   };
-  std::string input_;
   std::vector<Entry> entries_;
   std::vector<std::string> folders_;  // that were made, the outermost first
 };

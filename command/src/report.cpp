@@ -153,7 +153,7 @@ void Report(const ReportOptions& options) {
   if (def.GetNsamp() == 0)
     throw CommandError(kBadInput, OneLine(options.input + ": has no samples"));
   const Entries entries = ReportOf(def);
-  OutputFiles files(options.input);
+  OutputFiles files;
   if (!options.json.empty()) {
     const std::string json = AsJson(entries);
     WriteFile(files.Reserve(options.json), json.data(), json.size());

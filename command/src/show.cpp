@@ -28,7 +28,7 @@ std::string NameInDefinition(const std::string& samples, const std::string& defi
 
 void Show(const ShowOptions& options) {
   const wave_def::CWaveDef def = ReadRecord(options.record);
-  OutputFiles files(options.record);
+  OutputFiles files;
   std::string samplesName;
   if (def.GetWaveType() == wave_def::CWaveDef::WAVE_TYPE_MEASURE) {
     const std::string samples =

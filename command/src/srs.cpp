@@ -266,7 +266,7 @@ std::string WriteSpectrum(const SrsOptions& options, const InputWave& wave, Outp
 
 void Srs(const SrsOptions& options) {
   const InputWave wave = LoadInputWave(options.input, options.fsamp);
-  OutputFiles files(options.input);
+  OutputFiles files;
   const std::string text = WriteSpectrum(options, wave, &files);
   Print(text);
   files.Commit();

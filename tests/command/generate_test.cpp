@@ -331,8 +331,33 @@ TEST_F(Generate, FilesThatCannotBeWrittenLeaveTheOthersUntouched) {
   fails({"--csv", folder / "w.csv", "--record", folder / "w.csv"}, "is written twice");
   fails({"--csv", folder / "w.csv", "--record",
          folder / "../" + folder.GetPath().filename().string() + "/def.json"},
-        "is the input");
+        "is an input");
   fails({"--csv", folder / "w.csv", "--plot", folder / "w.gif"}, "w.gif");
+}
+
+TEST_F(Generate, NothingThatWasReadIsReplaced) {
+  const auto refused = [&](const std::vector<std::string>& arguments, const std::string& file) {
+    const std::string before = ReadText(file);
+    const auto result = RunCommand(arguments);
+    EXPECT_EQ(result.code, 2) << file;
+    EXPECT_NE(result.err.find(": is an input\n"), std::string::npos) << result.err;
+    EXPECT_EQ(ReadText(file), before);
+  };
+  WriteText(folder / "m.csv", "0,1\n0.1,2\n0.2,1\n0.3,2\n");
+  const std::string measured = Definition(R"({"Measure": {"MeasPath": "m.csv"}})");
+  const std::string samples = folder / "m.csv";
+  refused({"generate", measured, "--csv", samples}, samples);
+  refused({"report", measured, "--json", samples}, samples);
+  refused({"srs", samples, "--csv", samples}, samples);
+  refused({"judge", measured, samples, "--json", measured}, measured);
+  refused({"batch", folder.GetPath().string(), "--csv", measured}, measured);
+  // A folder of outputs in which the samples of a later definition lie.
+  std::filesystem::create_directory(folder / "out");
+  std::filesystem::copy_file(samples, folder / "out/a.csv");
+  WriteText(folder / "b.json", R"({"Measure": {"MeasPath": "out/a.csv"}})");
+  std::filesystem::rename(measured, folder / "a.json");
+  refused({"batch", folder.GetPath().string(), "--output", folder / "out"}, folder / "out/a.csv");
+  EXPECT_FALSE(std::filesystem::exists(folder / "out/index.html"));
 }
 
 TEST_F(Generate, OutputsReplaceFilesAndFollowLinks) {
