@@ -1,11 +1,19 @@
 // Pictures by gnuplot: its strings, its terminals, and running it.
 #include "gnuplot.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 
+#include "interruption.h"
+#include "output_files.h"
 #include "text.h"
 
 namespace qarv::command {
@@ -36,13 +44,47 @@ std::string Terminal(PlotFormat format, int width, int height, const std::string
       format == PlotFormat::Png ? "pngcairo" : "svg", width, height, Quoted(file));
 }
 
+namespace {
+
+/// A program that reads a script from its standard input and says nothing.
+/// @return whether it took the whole script and succeeded
+bool Feed(const char* program, const std::string& script) {
+  std::array<int, 2> ends{};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) return false;
+  FilePtr reader(fdopen(ends[0], "r"), std::fclose);
+  FilePtr writer(fdopen(ends[1], "w"), std::fclose);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, ends[0], STDIN_FILENO);
+  for (const int output : {STDOUT_FILENO, STDERR_FILENO}) {
+    posix_spawn_file_actions_addopen(&actions, output, "/dev/null", O_WRONLY, 0);
+  }
+  pid_t child = 0;
+  std::string name = program;
+  std::array<char*, 2> arguments{name.data(), nullptr};
+  bool started = false;
+  {
+    const Uninterrupted guard;  // until an interruption knows of the child
+    started = posix_spawnp(&child, program, &actions, nullptr, arguments.data(), environ) == 0;
+    NoteChild(started ? child : 0);
+  }
+  posix_spawn_file_actions_destroy(&actions);
+  reader.reset();  // so that a child that ends early is a broken pipe
+  if (!started) return false;
+  const bool sent = std::fwrite(script.data(), 1, script.size(), writer.get()) == script.size();
+  const bool flushed = std::fclose(writer.release()) == 0;
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  NoteChild(0);
+  return sent && flushed && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+}  // namespace
+
 void RunGnuplot(const std::string& script, const std::string& file) {
-  std::FILE* const gnuplot = popen("gnuplot >/dev/null 2>&1", "w");
-  const bool sent =
-      gnuplot != nullptr && std::fwrite(script.data(), 1, script.size(), gnuplot) == script.size();
-  const bool done = gnuplot != nullptr && pclose(gnuplot) == 0;
   std::error_code error;
-  if (!sent || !done || std::filesystem::file_size(file, error) == 0 || error) {
+  if (!Feed("gnuplot", script) || std::filesystem::file_size(file, error) == 0 || error) {
     throw CommandError(kBadInput, "gnuplot, which draws the plots, is missing or has failed");
   }
 }

@@ -6,6 +6,7 @@
 #include <new>
 
 #include "command_line.h"
+#include "interruption.h"
 #include "output_files.h"
 #include "text.h"
 
@@ -33,6 +34,7 @@ int main(int argc, char** argv) {
   // A reader that goes away early is an error of the write, not the end of the command.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);  // so is a file that gets too large
+  CleanUpWhenInterrupted();
   try {
     return Run(argc, argv);
   } catch (const CommandError& e) {

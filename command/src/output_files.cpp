@@ -27,15 +27,16 @@ namespace {
 [[noreturn]] void FailWithErrno(const std::string& file) { Fail(file, std::strerror(errno)); }
 
 /// Makes an empty file that was not there before, beside the target.
-std::string MakeTemporary(const fs::path& target) {
+std::unique_ptr<Perishable> MakeTemporary(const fs::path& target) {
+  const Uninterrupted guard;  // from here until the file is known to be perishable
   for (int attempt = 0;; ++attempt) {
     const std::string name =
         fmt::format(".{}.{}-{}", target.filename().string(), getpid(), attempt);
-    std::string path = (target.parent_path() / name).string();
+    const std::string path = (target.parent_path() / name).string();
     const int fd = open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
     if (fd >= 0) {
       close(fd);
-      return path;
+      return std::make_unique<Perishable>(path, Perishable::Kind::File);
     }
     if (errno != EEXIST) FailWithErrno(target.string());
   }
@@ -44,8 +45,8 @@ std::string MakeTemporary(const fs::path& target) {
 }  // namespace
 
 OutputFiles::~OutputFiles() {
-  for (const Entry& entry : entries_) unlink(entry.temporary.c_str());
-  for (auto it = folders_.rbegin(); it != folders_.rend(); ++it) rmdir(it->c_str());
+  entries_.clear();
+  while (!folders_.empty()) folders_.pop_back();
 }
 
 std::string OutputFiles::Reserve(const std::string& target) {
@@ -61,12 +62,12 @@ std::string OutputFiles::Reserve(const std::string& target) {
   }
   if (fs::exists(place, error) && access(place.c_str(), W_OK) != 0) FailWithErrno(target);
   entries_.push_back({place.string(), MakeTemporary(place)});
-  return entries_.back().temporary;
+  return entries_.back().temporary->GetPath();
 }
 
 std::string OutputFiles::Scratch(const std::string& target) {
   entries_.push_back({"", MakeTemporary(fs::absolute(target))});
-  return entries_.back().temporary;
+  return entries_.back().temporary->GetPath();
 }
 
 void OutputFiles::MakeFolder(const std::string& folder) {
@@ -77,8 +78,9 @@ void OutputFiles::MakeFolder(const std::string& folder) {
     if (path.has_filename()) missing.push_back(path);
   }
   for (auto it = missing.rbegin(); it != missing.rend(); ++it) {
+    const Uninterrupted guard;
     if (mkdir(it->c_str(), 0777) != 0) FailWithErrno(folder);
-    folders_.push_back(it->string());
+    folders_.push_back(std::make_unique<Perishable>(it->string(), Perishable::Kind::Folder));
   }
   if (!fs::is_directory(folder, error)) Fail(folder, "is not a folder");
 }
@@ -87,17 +89,16 @@ void OutputFiles::Commit() {
   for (const Entry& entry : entries_) {  // what was read after it was reserved
     if (!entry.target.empty() && IsInput(entry.target)) Fail(entry.target, "is an input");
   }
-  while (!entries_.empty()) {
-    const Entry& entry = entries_.back();
-    if (entry.target.empty()) {
-      unlink(entry.temporary.c_str());
-      entries_.pop_back();
-      continue;
-    }
-    if (std::rename(entry.temporary.c_str(), entry.target.c_str()) != 0)
+  const Uninterrupted guard;  // all of them or none
+  for (const Entry& entry : entries_) {
+    if (entry.target.empty()) continue;
+    if (std::rename(entry.temporary->GetPath().c_str(), entry.target.c_str()) != 0) {
       FailWithErrno(entry.target);
-    entries_.pop_back();
+    }
+    entry.temporary->Keep();
   }
+  for (const auto& folder : folders_) folder->Keep();
+  entries_.clear();
   folders_.clear();
 }
 

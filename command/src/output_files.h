@@ -6,13 +6,16 @@
 #include <string>
 #include <vector>
 
+#include "interruption.h"
+
 namespace qarv::command {
 
 /// A file opened for writing, closed at the latest with its owner.
 using FilePtr = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 /// The output files of one run.  Each is written under a temporary name beside its target and takes
-/// the target's place in Commit; what was not committed is removed again.
+/// the target's place in Commit; what was not committed is removed again, after an interruption
+/// too.
 class OutputFiles {
  public:
   OutputFiles() = default;
@@ -36,10 +39,13 @@ class OutputFiles {
 
  private:
   struct Entry {
-    std::string target, temporary;  // no target: a file for the run only
+    std::string target;  // none: a file for the run only
+    std::unique_ptr<Perishable> temporary;
   };
   std::vector<Entry> entries_;
-  std::vector<std::string> folders_;  // that were made, the outermost first
+  // That were made.  The newest goes first, as in a handler: the innermost, when its files are
+  // gone.
+  std::vector<std::unique_ptr<Perishable>> folders_;
 };
 
 /// Opens a file for writing.  Ends the command where that fails.

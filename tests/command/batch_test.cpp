@@ -143,6 +143,43 @@ TEST_F(BatchCommand, AFolderThatItMadeDisappearsAgainWhereItFails) {
   EXPECT_TRUE(fs::exists(folder / "new/deep/index.html"));
 }
 
+// ---- Interruption ------------------------------------------------------------------------------
+
+TEST_F(BatchCommand, AnInterruptionLeavesNothing) {
+  for (int i = 0; i < 40; ++i) Define("sine" + std::to_string(i), kSine);
+  fs::create_directory(folder / "here");
+  WriteText(folder / "here/sine3.csv", "old");
+  for (const std::string out : {"here", "new/deep"}) {
+    for (const char* const when : {"0.05", "0.2", "0.45", "0.8"}) {
+      for (const auto& [signal, number] : {std::pair{"TERM", 15}, std::pair{"HUP", 1}}) {
+        std::string line = "cd " + ShellQuoted(folder.GetPath().string()) + " && { ";
+        line.append(ShellQuoted(QARV_WAVE_COMMAND)).append(" batch in --output ").append(out);
+        line.append(" >/dev/null 2>&1 & child=$!; sleep ").append(when);
+        line.append("; kill -").append(signal).append(" $child; wait $child; }");
+        const int status = std::system(line.c_str());
+        EXPECT_EQ(WEXITSTATUS(status), 128 + number) << when;
+        EXPECT_FALSE(fs::exists(folder / "new")) << when;
+        std::vector<std::string> left;
+        for (const auto& entry : fs::directory_iterator(folder / "here")) {
+          left.push_back(entry.path().filename().string());
+        }
+        EXPECT_EQ(left, std::vector<std::string>{"sine3.csv"}) << when;
+        EXPECT_EQ(ReadText(folder / "here/sine3.csv"), "old");
+      }
+    }
+  }
+}
+
+TEST_F(BatchCommand, WhoeverIgnoresAHangUpKeepsTheRun) {
+  for (int i = 0; i < 5; ++i) Define("sine" + std::to_string(i), kSine);
+  std::string line = "cd " + ShellQuoted(folder.GetPath().string()) + " && { trap '' HUP; ";
+  line.append(ShellQuoted(QARV_WAVE_COMMAND));
+  line.append(" batch in --output out >/dev/null 2>&1 & child=$!; sleep 0.2; kill -HUP $child; ");
+  line.append("wait $child; }");
+  EXPECT_EQ(WEXITSTATUS(std::system(line.c_str())), 0);
+  EXPECT_TRUE(fs::exists(folder / "out/index.html"));
+}
+
 // ---- Progress ----------------------------------------------------------------------------------
 
 /// What a command writes on a terminal.

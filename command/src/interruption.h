@@ -1,0 +1,52 @@
+// What an interrupted run leaves behind: nothing.
+#pragma once
+
+#include <sys/types.h>
+
+#include <csignal>
+#include <string>
+
+namespace qarv::command {
+
+/// Has the signals that end a run (interrupt, termination, hang-up) end it without its perishable
+/// files, folders and its child process.  Signals that are ignored stay ignored.
+void CleanUpWhenInterrupted();
+
+/// A file or an empty folder that disappears with its object, and where the run is interrupted.
+class Perishable {
+ public:
+  enum class Kind { File, Folder };
+
+  /// @param[in] path  absolute, or as it counts from a working folder that does not change
+  Perishable(const std::string& path, Kind kind);
+  Perishable(const Perishable&) = delete;
+  Perishable& operator=(const Perishable&) = delete;
+  ~Perishable();
+
+  const std::string& GetPath() const;
+  /// From now on it stays.
+  void Keep();
+
+ private:
+  struct Node;
+  friend void RemovePerishables();
+  Node* node_;
+};
+
+/// Holds interruptions back for as long as the object lives.
+class Uninterrupted {
+ public:
+  Uninterrupted();
+  Uninterrupted(const Uninterrupted&) = delete;
+  Uninterrupted& operator=(const Uninterrupted&) = delete;
+  ~Uninterrupted();
+
+ private:
+  sigset_t before_;
+};
+
+/// Remembers the process that an interruption has to end first, because it writes to a perishable
+/// file; 0 for none.
+void NoteChild(pid_t child);
+
+}  // namespace qarv::command
