@@ -16,7 +16,6 @@
 #include "definition.h"
 #include "entries.h"
 #include "html.h"
-#include "kinematics.h"
 #include "output_files.h"
 #include "plot.h"
 #include "progress.h"
@@ -99,9 +98,7 @@ void WriteFilesOf(CWaveDef& def, const std::string& name, const std::string& fol
   WriteWaveCsv(def, files->Reserve(target(kSuffix.csv)));
   WriteRecord(def, files->Reserve(target(kSuffix.record)));
   WriteReportPage(def, name, target(kSuffix.report), files);
-  const Motion motion = IsCompensated(def) ? Motion::Shown : Motion::Hidden;
-  PlotWave(def, name + ": " + FamilyOf(def).title, motion, PlotFormat::Png,
-           files->Reserve(target(kSuffix.plot)));
+  PlotDefinition(def, name, PlotFormat::Png, files->Reserve(target(kSuffix.plot)));
   SrsOptions srs;
   srs.input = name;
   srs.plot = target(kSuffix.spectrum);
@@ -111,20 +108,22 @@ void WriteFilesOf(CWaveDef& def, const std::string& name, const std::string& fol
 /// The definition of a file, and what is wrong with it.
 Row RowOf(const fs::path& file, CWaveDef* def) {
   Row row{file.stem().string(), kDone, "", {}};
-  Findings findings;
   try {
     const Definition definition = ReadDefinition(file.string());
-    findings = FindingsOf(definition);
-    *def = Generated(definition, file.string());
-    for (Finding& finding : FindingsOf(*def)) findings.push_back(std::move(finding));
+    const Findings findings = Examine(definition, def);
+    if (HasFailure(findings)) {
+      row.state = kRefused;
+      row.remark = RefusalLine(definition, file.string(), FindingText(findings.front()));
+      return row;
+    }
+    if (!findings.empty()) {
+      row.state = kWarned;
+      row.remark = FindingText(findings.front());
+    }
   } catch (const CommandError& e) {
     row.state = kRefused;
     row.remark = e.what();
     return row;
-  }
-  if (!findings.empty()) {
-    row.state = kWarned;
-    row.remark = FindingText(findings.front());
   }
   row.entries = ReportOf(*def);
   return row;
@@ -236,9 +235,8 @@ std::vector<fs::path> DefinitionsIn(const std::string& folder) {
   for (const auto& entry : fs::directory_iterator(folder, error)) {
     if (entry.path().extension() == ".json") files.push_back(entry.path());
   }
-  if (error) throw CommandError(kBadInput, OneLine(folder + ": cannot be read"));
-  if (files.empty())
-    throw CommandError(kBadInput, OneLine(folder + ": has no definitions (.json)"));
+  if (error) Fail(folder, "cannot be read");
+  if (files.empty()) Fail(folder, "has no definitions (.json)");
   std::sort(files.begin(), files.end());
   return files;
 }
@@ -250,7 +248,7 @@ ExitCode Batch(const BatchOptions& options) {
   OutputFiles files;
   std::error_code error;
   if (!options.output.empty() && fs::equivalent(options.output, options.folder, error)) {
-    throw CommandError(kBadInput, "--output: is the folder of the definitions");
+    Fail("--output", "is the folder of the definitions");
   }
   if (!options.output.empty()) files.MakeFolder(options.output);
   std::vector<Row> rows;
@@ -265,16 +263,15 @@ ExitCode Batch(const BatchOptions& options) {
       }
     }
   }
-  const auto write = [&](const std::string& target, const std::string& text) {
-    WriteFile(files.Reserve(target), text.data(), text.size());
-  };
-  if (!options.csv.empty()) write(options.csv, AsCsv(rows));
+  if (!options.csv.empty()) WriteFile(files.Reserve(options.csv), AsCsv(rows));
   if (!options.output.empty()) {
-    write((fs::path(options.output) / "summary.csv").string(), AsCsv(rows));
-    write((fs::path(options.output) / "index.html").string(), AsPage(rows));
+    const auto target = [&](const char* name) {
+      return (fs::path(options.output) / name).string();
+    };
+    WriteFile(files.Reserve(target("summary.csv")), AsCsv(rows));
+    WriteFile(files.Reserve(target("index.html")), AsPage(rows));
   }
-  const std::string text = AsText(rows);
-  Print(text);
+  Print(AsText(rows));
   files.Commit();
   const auto has = [&](ExitCode state) {
     return std::any_of(rows.begin(), rows.end(), [=](const Row& r) { return r.state == state; });

@@ -16,7 +16,6 @@ constexpr const char* kFile = "FILE";
 constexpr const char* kFolder = "FOLDER";
 constexpr const char* kHertz = "HZ";
 constexpr const char* kNumber = "NUMBER";
-constexpr const char* kResponses = "acceleration|displacement|pseudo-velocity";
 
 /// A definition that the examples begin with, so that they work wherever they are pasted.
 constexpr const char* kMakeShock =
@@ -34,7 +33,7 @@ constexpr const char* kExitStatus =
 
 /// An option with a value.
 template <class T>
-CLI::Option* Add(CLI::App* command, const char* name, T* value, const char* type,
+CLI::Option* Add(CLI::App* command, const char* name, T* value, const std::string& type,
                  const char* description) {
   return command->add_option(name, *value, description)->type_name(type);
 }
@@ -132,7 +131,7 @@ void CommandLine::AddSrs() {
       "definition (.json), measured samples (.csv, .uff) or record")
       ->required();
   AddFsamp(command, &srs.fsamp);
-  Add(command, "--response", &srs.response, kResponses,
+  Add(command, "--response", &srs.response, ResponseNames("|"),
       "absolute acceleration, relative displacement or pseudo velocity");
   auto* const q = Add(command, "--q", &srs.q, kNumber, "quality factor (10)");
   Add(command, "--damping", &srs.damping, kNumber, "damping ratio, instead of --q")->excludes(q);

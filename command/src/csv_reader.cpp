@@ -20,15 +20,8 @@ namespace {
 
 constexpr double kStepTolerance = 0.001;  // of the mean step
 
-[[noreturn]] void Fail(const std::string& file, uint64 line, const std::string& what) {
-  throw CommandError(kBadInput, OneLine(fmt::format("{}:{}: {}", file, line, what)));
-}
-
-std::string Trimmed(const std::string& text) {
-  constexpr const char* kBlanks = " \t\r";
-  const auto first = text.find_first_not_of(kBlanks);
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+[[noreturn]] void FailAtLine(const std::string& file, uint64 line, const std::string& what) {
+  Fail(fmt::format("{}:{}", file, line), what);
 }
 
 /// The separator of a line; 0 if it has only one column.
@@ -44,7 +37,7 @@ std::vector<std::string> Columns(const std::string& line, char separator) {
   std::string::size_type begin = 0;
   for (;;) {
     const auto end = separator != 0 ? line.find(separator, begin) : std::string::npos;
-    columns.push_back(Trimmed(line.substr(begin, end - begin)));
+    columns.emplace_back(Trimmed(std::string_view(line).substr(begin, end - begin)));
     if (end == std::string::npos) return columns;
     begin = end + 1;
   }
@@ -95,11 +88,12 @@ MeasuredCsv ReadCsv(const std::string& file) {
       withBands = Trimmed(text) == kWaveCsvHeader;
       continue;
     }
-    if (!ParseColumns(columns, separator, &numbers)) Fail(file, line, "is not a line of numbers");
+    if (!ParseColumns(columns, separator, &numbers))
+      FailAtLine(file, line, "is not a line of numbers");
     if (width == 0) width = numbers.size();
     if (width > 2 && !(withBands && width == 4))
-      Fail(file, line, "has more than a time and a value");
-    if (numbers.size() != width) Fail(file, line, "has another number of columns");
+      FailAtLine(file, line, "has more than a time and a value");
+    if (numbers.size() != width) FailAtLine(file, line, "has another number of columns");
     values.push_back(width == 1 ? numbers.front() : numbers[1]);
     if (width > 1) {
       times.push_back(numbers.front());
@@ -109,9 +103,9 @@ MeasuredCsv ReadCsv(const std::string& file) {
   if (!in.eof() || line == 0) {
     // A folder opens like a file, and fails at the first read.
     const bool empty = in.is_open() && in.eof();
-    throw CommandError(kBadInput, OneLine(file + (empty ? ": is empty" : ": cannot be read")));
+    Fail(file, empty ? "is empty" : "cannot be read");
   }
-  if (values.empty()) throw CommandError(kBadInput, OneLine(file + ": has no samples"));
+  if (values.empty()) Fail(file, "has no samples");
   MeasuredCsv out{file, {}, std::move(times), std::move(lines)};
   out.values.SetData(values.size(), values.data(), false);
   return out;
@@ -121,15 +115,15 @@ double SampleRateOf(const MeasuredCsv& csv) {
   const uint64 n = csv.times.size();
   if (n < 2) {
     const char* const why = n == 0 ? "has no time column" : "one sample has no time step";
-    throw CommandError(kBadInput, OneLine(fmt::format("{}: {}: Fsamp is needed", csv.file, why)));
+    Fail(csv.file, fmt::format("{}: Fsamp is needed", why));
   }
   const double mean = (csv.times[n - 1] - csv.times[0]) / static_cast<double>(n - 1);
   for (uint64 i = 1; i < n; ++i) {
     const double step = csv.times[i] - csv.times[i - 1];
     // Written so that a NaN is refused.
     if (!(step > 0.0 && std::fabs(step - mean) <= kStepTolerance * mean)) {
-      Fail(csv.file, csv.lines[i],
-           fmt::format("the time step of {} s is not the mean step of {} s", step, mean));
+      FailAtLine(csv.file, csv.lines[i],
+                 fmt::format("the time step of {} s is not the mean step of {} s", step, mean));
     }
   }
   // The text of a time column holds no more than 12 digits: 1000 Hz, not 1000.0000000000001 Hz.

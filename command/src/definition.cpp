@@ -51,7 +51,7 @@ Json ParseFile(const std::string& file) {
   try {
     return Json::parse(text, watch);
   } catch (const Json::exception& e) {
-    throw CommandError(kBadInput, OneLine(file + ": not JSON: " + e.what()));
+    Fail(file, std::string("not JSON: ").append(e.what()));
   }
 }
 
@@ -132,12 +132,16 @@ std::string TryToDefine(const Definition& definition, CWaveDef* def) {
   return "the waveform does not fit into memory";
 }
 
+std::string RefusalLine(const Definition& definition, const std::string& file,
+                        const std::string& reason) {
+  return OneLine(fmt::format("{}: {}: {}", file, definition.family->key, reason));
+}
+
 CWaveDef Generated(const Definition& definition, const std::string& file) {
   CWaveDef def;
   const std::string reason = TryToDefine(definition, &def);
   if (reason.empty()) return def;
-  throw CommandError(kRefused,
-                     OneLine(fmt::format("{}: {}: {}", file, definition.family->key, reason)));
+  throw CommandError(kRefused, RefusalLine(definition, file, reason));
 }
 
 CWaveDef LoadDefinition(const std::string& file) { return Generated(ReadDefinition(file), file); }

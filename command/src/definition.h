@@ -77,6 +77,10 @@ bool DefineWave(const Definition& definition, wave_def::CWaveDef* def);
 /// @return why there is none; empty if there is
 std::string TryToDefine(const Definition& definition, wave_def::CWaveDef* def);
 
+/// What is said of a definition that is refused: its file, its family and the reason.
+std::string RefusalLine(const Definition& definition, const std::string& file,
+                        const std::string& reason);
+
 /// The waveform of a definition.  Ends the command where the library refuses it.
 /// @param[in] file  of the definition, for messages
 wave_def::CWaveDef Generated(const Definition& definition, const std::string& file);

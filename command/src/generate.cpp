@@ -85,8 +85,7 @@ void Generate(const GenerateOptions& options) {
   if (!options.record.empty()) WriteRecord(def, files.Reserve(options.record));
   if (!options.plot.empty()) {
     const PlotFormat format = PlotFormatOf(options.plot);
-    const Motion motion = IsCompensated(def) ? Motion::Shown : Motion::Hidden;
-    PlotWave(def, name + ": " + FamilyOf(def).title, motion, format, files.Reserve(options.plot));
+    PlotDefinition(def, name, format, files.Reserve(options.plot));
   }
   Warn(def, options.definition);
   const std::string summary = Summary(def);

@@ -22,7 +22,7 @@ PlotFormat PlotFormatOf(const std::string& file) {
   const std::string extension = std::filesystem::path(file).extension().string();
   if (extension == ".png") return PlotFormat::Png;
   if (extension == ".svg") return PlotFormat::Svg;
-  throw CommandError(kBadInput, OneLine(file + ": a plot ends with .png or .svg"));
+  Fail(file, "a plot ends with .png or .svg");
 }
 
 std::string Quoted(const std::string& text) {

@@ -41,7 +41,7 @@ std::vector<unsigned char> ReadFile(const std::string& file) {
   }
   // A folder opens like a file, and fails at the first read.
   if (!in || std::ferror(in.get()) != 0) {
-    throw CommandError(kBadInput, OneLine(file + ": cannot be read"));
+    Fail(file, "cannot be read");
   }
   return bytes;
 }

@@ -22,8 +22,7 @@ bool IsUniversalFile(const std::string& file) {
 }
 
 [[noreturn]] void FailWithOwnRate(const std::string& file) {
-  throw CommandError(kBadInput,
-                     OneLine(file + ": has its sampling frequency: --fsamp is not for it"));
+  Fail(file, "has its sampling frequency: --fsamp is not for it");
 }
 
 }  // namespace
@@ -40,11 +39,11 @@ InputWave LoadMeasured(const std::string& file, std::optional<double> fsamp) {
   }
   MeasuredCsv csv = ReadCsv(file);
   if (csv.times.empty() && !fsamp) {
-    throw CommandError(kBadInput, OneLine(file + ": has no time column: --fsamp is needed"));
+    Fail(file, "has no time column: --fsamp is needed");
   }
   if (!csv.times.empty() && fsamp) FailWithOwnRate(file);
   if (fsamp && !(*fsamp > 0.0 && std::isfinite(*fsamp))) {
-    throw CommandError(kBadInput, "--fsamp: is not above 0");
+    Fail("--fsamp", "is not above 0");
   }
   const double rate = fsamp ? *fsamp : SampleRateOf(csv);
   return {std::move(csv.values), rate, ""};

@@ -12,14 +12,14 @@
 
 namespace qarv::command {
 
-struct Perishable::Node {
+struct PerishableNode {
   std::string path;
-  Kind kind;
+  Perishable::Kind kind;
   std::atomic<bool> there;
-  Node* next;
+  PerishableNode* next;  // the one before it
 
   void Remove() const {
-    if (kind == Kind::Folder) {
+    if (kind == Perishable::Kind::Folder) {
       rmdir(path.c_str());
     } else {
       unlink(path.c_str());
@@ -31,19 +31,9 @@ namespace {
 
 constexpr std::array<int, 3> kSignals{SIGINT, SIGTERM, SIGHUP};
 
-std::atomic<void*> g_newest{nullptr};  // of the nodes; what is in a folder comes before it
+std::atomic<PerishableNode*> g_newest{
+    nullptr};  // of the nodes; what is in a folder comes before it
 std::atomic<pid_t> g_child{0};
-
-}  // namespace
-
-void RemovePerishables() {
-  for (auto* node = static_cast<Perishable::Node*>(g_newest.load()); node != nullptr;
-       node = node->next) {
-    if (node->there.load()) node->Remove();
-  }
-}
-
-namespace {
 
 void OnInterruption(int signal) {
   const pid_t child = g_child.load();
@@ -51,7 +41,9 @@ void OnInterruption(int signal) {
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
   }
-  RemovePerishables();
+  for (const PerishableNode* node = g_newest.load(); node != nullptr; node = node->next) {
+    if (node->there.load()) node->Remove();
+  }
   raise(signal);  // with its default action, which ends the run as the caller expects
 }
 
@@ -78,7 +70,7 @@ void CleanUpWhenInterrupted() {
 }
 
 Perishable::Perishable(const std::string& path, Kind kind)
-    : node_(new Node{path, kind, true, static_cast<Node*>(g_newest.load())}) {
+    : node_(new PerishableNode{path, kind, true, g_newest.load()}) {
   g_newest.store(node_);
 }
 

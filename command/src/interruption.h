@@ -12,6 +12,8 @@ namespace qarv::command {
 /// files, folders and its child process.  Signals that are ignored stay ignored.
 void CleanUpWhenInterrupted();
 
+struct PerishableNode;
+
 /// A file or an empty folder that disappears with its object, and where the run is interrupted.
 class Perishable {
  public:
@@ -28,9 +30,7 @@ class Perishable {
   void Keep();
 
  private:
-  struct Node;
-  friend void RemovePerishables();
-  Node* node_;
+  PerishableNode* node_;
 };
 
 /// Holds interruptions back for as long as the object lives.

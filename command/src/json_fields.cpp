@@ -25,8 +25,7 @@ Place Place::Element(std::size_t i) const {
 }
 
 void Place::Fail(const std::string& what) const {
-  const std::string key = key_.empty() ? "" : key_ + ": ";
-  throw CommandError(kBadInput, OneLine(file_ + ": " + key + what));
+  command::Fail(key_.empty() ? file_ : fmt::format("{}: {}", file_, key_), what);
 }
 
 namespace {

@@ -62,8 +62,7 @@ void ConvertUnit(const CWaveDef& def, const std::string& file, InputWave* measur
   const MotionUnits from = MotionUnitsOf(measured->unit);
   const MotionUnits to = MotionUnitsOf(unit);
   if (!from.known || !to.known) {
-    throw CommandError(
-        kBadInput, OneLine(fmt::format("{}: its unit is {}, not {}", file, measured->unit, unit)));
+    Fail(file, fmt::format("its unit is {}, not {}", measured->unit, unit));
   }
   for (double& v : measured->samples) v *= from.velocity / to.velocity;
 }
@@ -79,15 +78,13 @@ Scaled ScaleOf(const CWaveDef& def, const InputWave& measured, const std::string
   constexpr double kLongest = 1e9;  // [sample] that are worth an attempt
   const auto record = SpanOf(measured.samples);
   if (!std::all_of(record.begin(), record.end(), [](double v) { return std::isfinite(v); })) {
-    throw CommandError(kBadInput, OneLine(file + ": has samples that are no numbers"));
+    Fail(file, "has samples that are no numbers");
   }
   const double ratio = measured.fsamp / SampleRateOf(def);
   const double end = static_cast<double>(record.size() - 1) / ratio;
   if (!(ratio > 0.0 && std::isfinite(ratio) && end < kLongest)) {
-    throw CommandError(
-        kBadInput,
-        OneLine(fmt::format("{}: a sampling frequency of {:g} Hz does not go with {:g} Hz", file,
-                            measured.fsamp, SampleRateOf(def))));
+    Fail(file, fmt::format("a sampling frequency of {:g} Hz does not go with {:g} Hz",
+                           measured.fsamp, SampleRateOf(def)));
   }
   return {ratio, std::fabs(ratio - 1.0) < 1e-9, end};
 }
@@ -120,7 +117,7 @@ Overlay LayOver(const CWaveDef& def, const InputWave& measured, const std::strin
   const analysis::Alignment found = analysis::Align(
       SpanOf(def.GetWave()).subspan(reference.first, reference.last - reference.first + 1), onGrid);
   if (!(found.correlation > 0.0)) {
-    throw CommandError(kBadInput, OneLine(file + ": does not show the waveform"));
+    Fail(file, "does not show the waveform");
   }
   const double start = found.lag - static_cast<double>(reference.first);
   constexpr double kSlack = 1e-6;  // [sample] lost to rounding
@@ -130,7 +127,7 @@ Overlay LayOver(const CWaveDef& def, const InputWave& measured, const std::strin
   const bool whole =
       first <= static_cast<double>(reference.first) && last >= static_cast<double>(reference.last);
   if (!(first <= last) || (IsClassical(def) && !whole)) {
-    throw CommandError(kBadInput, OneLine(file + ": does not hold the whole pulse"));
+    Fail(file, "does not hold the whole pulse");
   }
   return {SampledAtDefinition(def, scaled, start, record),
           static_cast<std::size_t>(common::TruncToIndex(first)),
@@ -224,11 +221,11 @@ Entries EntriesOf(const CWaveDef& def, const Overlay& overlay, const Judgement& 
 }  // namespace
 
 ExitCode Judge(const JudgeOptions& options) {
-  if (!(options.dvTol >= 0.0)) throw CommandError(kBadInput, "--dv-tol: is not 0 or above");
+  if (!(options.dvTol >= 0.0)) Fail("--dv-tol", "is not 0 or above");
   const CWaveDef def = LoadDefinitionOrRecord(options.definition);
   if (def.GetNsamp() == 0 || def.GetTolU().GetSize() != def.GetNsamp() ||
       def.GetTolL().GetSize() != def.GetNsamp()) {
-    throw CommandError(kBadInput, OneLine(options.definition + ": has no samples with bands"));
+    Fail(options.definition, "has no samples with bands");
   }
   InputWave measured = LoadMeasured(options.measured, options.fsamp);
   ConvertUnit(def, options.measured, &measured);
@@ -240,10 +237,7 @@ ExitCode Judge(const JudgeOptions& options) {
   const Entries entries = EntriesOf(def, overlay, judgement, options.dvTol);
 
   OutputFiles files;
-  if (!options.json.empty()) {
-    const std::string json = AsJson(entries);
-    WriteFile(files.Reserve(options.json), json.data(), json.size());
-  }
+  if (!options.json.empty()) WriteFile(files.Reserve(options.json), AsJson(entries));
   if (!options.plot.empty()) {
     const PlotFormat format = PlotFormatOf(options.plot);
     const std::string title = std::filesystem::path(options.measured).stem().string() +
@@ -254,8 +248,7 @@ ExitCode Judge(const JudgeOptions& options) {
     fmt::print(stderr, "qarv-wave: warning: {}: covers {} of the {} samples of the frame\n",
                OneLine(options.measured), judgement.bands.judged, def.GetNsamp());
   }
-  const std::string text = AsText(entries);
-  Print(text);
+  Print(AsText(entries));
   files.Commit();
   return judgement.Passes() ? kDone : kRefused;
 }

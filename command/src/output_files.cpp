@@ -20,10 +20,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-[[noreturn]] void Fail(const std::string& file, const std::string& what) {
-  throw CommandError(kBadInput, OneLine(file + ": " + what));
-}
-
 [[noreturn]] void FailWithErrno(const std::string& file) { Fail(file, std::strerror(errno)); }
 
 /// Makes an empty file that was not there before, beside the target.
@@ -122,9 +118,9 @@ void Close(FilePtr file, const std::string& name) {
   if (std::fclose(file.release()) != 0) FailWithErrno(name);
 }
 
-void WriteFile(const std::string& file, const void* data, std::size_t n) {
+void WriteFile(const std::string& file, std::string_view bytes) {
   FilePtr out = OpenForWriting(file);
-  WriteBytes(out.get(), data, n, file);
+  WriteBytes(out.get(), bytes.data(), bytes.size(), file);
   Close(std::move(out), file);
 }
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "interruption.h"
@@ -59,6 +60,6 @@ void Close(FilePtr file, const std::string& name);
 void Print(const std::string& text);
 
 /// Writes a whole file.
-void WriteFile(const std::string& file, const void* data, std::size_t n);
+void WriteFile(const std::string& file, std::string_view bytes);
 
 }  // namespace qarv::command

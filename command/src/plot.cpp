@@ -151,6 +151,12 @@ void PlotPanels(const std::vector<Panel>& panels, double fsamp, const std::strin
   RunGnuplot(Script(panels, fsamp, title, format, file), file);
 }
 
+void PlotDefinition(const CWaveDef& def, const std::string& name, PlotFormat format,
+                    const std::string& file) {
+  const Motion motion = IsCompensated(def) ? Motion::Shown : Motion::Hidden;
+  PlotWave(def, name + ": " + FamilyOf(def).title, motion, format, file);
+}
+
 void PlotWave(const CWaveDef& def, const std::string& title, Motion motion, PlotFormat format,
               const std::string& file) {
   std::vector<Panel> panels{{AmplitudeLabel(def),

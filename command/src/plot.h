@@ -37,6 +37,11 @@ void PlotPanels(const std::vector<Panel>& panels, double fsamp, const std::strin
 /// Whether a picture shows velocity and displacement below the waveform.
 enum class Motion { Hidden, Shown };
 
+/// Plots a definition's waveform under its name, and its motion where it is compensated.
+/// Ends the command where gnuplot is missing or does not succeed.
+void PlotDefinition(const wave_def::CWaveDef& def, const std::string& name, PlotFormat format,
+                    const std::string& file);
+
 /// Plots the waveform, its bands dashed, over time.
 /// Ends the command where gnuplot is missing or does not succeed.
 void PlotWave(const wave_def::CWaveDef& def, const std::string& title, Motion motion,

@@ -13,17 +13,17 @@ void WriteRecord(wave_def::CWaveDef& def, const std::string& file) {
   if (!def.Serialize(&stream)) {
     throw CommandError(kRefused, OneLine(file + ": the definition has no record"));
   }
-  WriteFile(file, stream.GetData(), stream.GetSize());
+  WriteFile(file, {reinterpret_cast<const char*>(stream.GetData()), stream.GetSize()});
 }
 
 wave_def::CWaveDef ReadRecord(const std::string& file) {
   common::CSerialData stream(ReadFile(file));
   wave_def::CWaveDef def;
   if (!def.Serialize(&stream)) {
-    throw CommandError(kBadInput, OneLine(file + ": is not a whole record of a definition"));
+    Fail(file, "is not a whole record of a definition");
   }
   if (!stream.IsAtEnd()) {
-    throw CommandError(kBadInput, OneLine(file + ": goes on behind the record"));
+    Fail(file, "goes on behind the record");
   }
   return def;
 }

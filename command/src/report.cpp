@@ -145,25 +145,20 @@ void WriteReportPage(const CWaveDef& def, const std::string& name, const std::st
   }
   const std::string html = HtmlPage(
       title, fmt::format("{}\n<table>\n{}</table>\n", Picture(def, title, files, target), rows));
-  WriteFile(file, html.data(), html.size());
+  WriteFile(file, html);
 }
 
 void Report(const ReportOptions& options) {
   const CWaveDef def = LoadDefinitionOrRecord(options.input);
-  if (def.GetNsamp() == 0)
-    throw CommandError(kBadInput, OneLine(options.input + ": has no samples"));
+  if (def.GetNsamp() == 0) Fail(options.input, "has no samples");
   const Entries entries = ReportOf(def);
   OutputFiles files;
-  if (!options.json.empty()) {
-    const std::string json = AsJson(entries);
-    WriteFile(files.Reserve(options.json), json.data(), json.size());
-  }
+  if (!options.json.empty()) WriteFile(files.Reserve(options.json), AsJson(entries));
   if (!options.html.empty()) {
     WriteReportPage(def, std::filesystem::path(options.input).stem().string(), options.html,
                     &files);
   }
-  const std::string text = AsText(entries);
-  Print(text);
+  Print(AsText(entries));
   files.Commit();
 }
 

@@ -38,7 +38,7 @@ void Show(const ShowOptions& options) {
   }
   const std::string text = DefinitionText(def, samplesName);
   if (!options.output.empty()) {
-    WriteFile(files.Reserve(options.output), text.data(), text.size());
+    WriteFile(files.Reserve(options.output), text);
   } else {
     Print(text);
   }

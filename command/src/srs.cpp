@@ -43,6 +43,19 @@ constexpr std::array<Response, 3> kResponses{{
     kPseudoVelocity,
 }};
 
+}  // namespace
+
+std::string ResponseNames(const std::string& separator) {
+  std::string names;
+  for (const Response& response : kResponses) {
+    if (!names.empty()) names += separator;
+    names += response.name;
+  }
+  return names;
+}
+
+namespace {
+
 /// What a run works with, checked.
 struct Task {
   const Response* response;
@@ -53,8 +66,6 @@ struct Task {
   bool known;        // whether motion is in m/s and mm
 };
 
-[[noreturn]] void Refuse(const std::string& what) { throw CommandError(kBadInput, OneLine(what)); }
-
 Task Prepare(const SrsOptions& options, const InputWave& wave) {
   Task task{};
   for (const Response& response : kResponses) {
@@ -62,30 +73,30 @@ Task Prepare(const SrsOptions& options, const InputWave& wave) {
   }
   if (options.tripartite) task.response = &kPseudoVelocity;
   if (task.response == nullptr) {
-    Refuse("--response: is none of acceleration, displacement, pseudo-velocity");
+    Fail("--response", "is none of " + ResponseNames(", "));
   }
-  if (!(options.q > 0.5)) Refuse("--q: is not above 0.5");
+  if (!(options.q > 0.5)) Fail("--q", "is not above 0.5");
   task.zeta = options.damping.value_or(0.5 / options.q);
-  if (!(task.zeta >= 0.0 && task.zeta < 1.0)) Refuse("--damping: is not within 0 to 1");
+  if (!(task.zeta >= 0.0 && task.zeta < 1.0)) Fail("--damping", "is not within 0 to 1");
 
   const double highest = 0.499 * wave.fsamp;
   const double to = options.to.value_or(wave.fsamp / kSamplesPerCycle);
   const double from = options.from.value_or(std::min(5.0, to / 10.0));
-  if (!(from > 0.0 && from <= to)) Refuse("--from, --to: are not 0 < from <= to");
+  if (!(from > 0.0 && from <= to)) Fail("--from, --to", "are not 0 < from <= to");
   if (!(to <= highest)) {
-    Refuse(fmt::format("--to: {:g} Hz is not below half the sampling frequency of {:g} Hz", to,
-                       wave.fsamp));
+    Fail("--to", fmt::format("{:g} Hz is not below half the sampling frequency of {:g} Hz", to,
+                             wave.fsamp));
   }
   double perOctave = options.perOctave;
   if (options.points) {
     if (*options.points < 1 || *options.points > 100000)
-      Refuse("--points: is not within 1 to 100000");
+      Fail("--points", "is not within 1 to 100000");
     perOctave =
         *options.points > 1 && to > from ? (*options.points - 1) / std::log2(to / from) : 1.0;
   }
   task.frequencies = options.points == 1 ? std::vector<double>{from}
                                          : analysis::SrsFrequencies(from, to, perOctave);
-  if (task.frequencies.empty()) Refuse("--per-octave: gives no frequencies");
+  if (task.frequencies.empty()) Fail("--per-octave", "gives no frequencies");
 
   const MotionUnits units = MotionUnitsOf(wave.unit);
   switch (task.response->response) {
@@ -119,7 +130,7 @@ void WriteSpectrumCsv(const std::vector<SrsPoint>& points, double factor, const 
                    factor * p.primary.negative, factor * p.residual.positive,
                    factor * p.residual.negative);
   }
-  WriteFile(file, text.data(), text.size());
+  WriteFile(file, {text.data(), text.size()});
 }
 
 /// The lines of constant displacement and acceleration through a plot of pseudo velocity.
@@ -233,10 +244,10 @@ std::vector<SrsPoint> Calculate(const Task& task, const InputWave& wave) {
 }  // namespace
 
 std::string WriteSpectrum(const SrsOptions& options, const InputWave& wave, OutputFiles* files) {
-  if (wave.samples.GetSize() == 0) Refuse(options.input + ": has no samples");
+  if (wave.samples.GetSize() == 0) Fail(options.input, "has no samples");
   const Task task = Prepare(options, wave);
   const auto points = Calculate(task, wave);
-  if (points.empty()) Refuse(options.input + ": its sampling frequency is not a positive number");
+  if (points.empty()) Fail(options.input, "its sampling frequency is not a positive number");
   if (!options.csv.empty()) WriteSpectrumCsv(points, task.factor, files->Reserve(options.csv));
   if (!options.plot.empty()) {
     const PlotFormat format = PlotFormatOf(options.plot);

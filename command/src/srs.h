@@ -22,6 +22,9 @@ struct SrsOptions {
   std::string csv, plot;      // files to write; empty for none
 };
 
+/// The names of the responses, for SrsOptions::response.
+std::string ResponseNames(const std::string& separator);
+
 /// Calculates the spectrum of a waveform, which stands for options.input, and writes the files that
 /// are asked for.
 /// @return a short summary

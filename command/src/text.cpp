@@ -8,7 +8,6 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <string_view>
 
 namespace qarv::command {
 namespace {
@@ -27,6 +26,17 @@ bool ParseWhole(std::string_view text, T* v, Base... base) {
 }
 
 }  // namespace
+
+void Fail(const std::string& where, const std::string& what) {
+  throw CommandError(kBadInput, OneLine(fmt::format("{}: {}", where, what)));
+}
+
+std::string_view Trimmed(std::string_view text) {
+  constexpr const char* kBlanks = " \t\r";
+  const auto first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
 
 std::string OneLine(const std::string& text) {
   std::string out;

@@ -3,6 +3,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace qarv::command {
 
@@ -18,6 +19,12 @@ class CommandError : public std::runtime_error {
  private:
   ExitCode code_;
 };
+
+/// Ends the command because of an input or an output: "WHERE: what", as one line.
+[[noreturn]] void Fail(const std::string& where, const std::string& what);
+
+/// The text without the blanks and the line end around it.
+std::string_view Trimmed(std::string_view text);
 
 /// The text with its control bytes escaped ("\x0a"), so that it stays one line.
 std::string OneLine(const std::string& text);

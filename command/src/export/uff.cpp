@@ -24,10 +24,6 @@ using Samples = common::CDataArrayFloatT<double>;
 
 namespace {
 
-[[noreturn]] void Fail(const std::string& file, const std::string& what) {
-  throw CommandError(kBadInput, OneLine(file + ": " + what));
-}
-
 constexpr const char* kDelimiter = "    -1";
 constexpr const char* kRate = "Fsamp = ";  // the increment has six digits only
 
@@ -75,12 +71,6 @@ void AppendFunction(int number, const char* role, const Samples& samples,
 }
 
 // ---- Reading -----------------------------------------------------------------------------------
-
-std::string_view Trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t\r");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
 
 /// The lines of a file, one after the other.
 class Lines {
@@ -175,7 +165,7 @@ void WriteUff(const wave_def::CWaveDef& def, const std::string& name, const std:
     }
     AppendFunction(++number, role, *samples, def, name, &text);
   }
-  WriteFile(file, text.data(), text.size());
+  WriteFile(file, {text.data(), text.size()});
 }
 
 std::vector<UffFunction> ReadUff(const std::string& file) {

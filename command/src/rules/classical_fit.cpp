@@ -28,10 +28,34 @@ using namespace wave_def::wave_def_sub;
 
 namespace {
 
-constexpr const char* kFront = "the front region of the band";
-
 double IntervalOf(const Set& set) {
   return 1.0 / com_def::comdefsystemconst::ConvFmaxToFsampByVal(set.GetFmax());
+}
+
+/// The sample of a pulse's placement, which takes the half width without its guard.
+int64 PlacedStart(const Set& set) {
+  const double dt = IntervalOf(set);
+  return static_cast<int64>(wave_def::CentreOf(set, dt) - wave_def::PlacedHalfWidth(set, dt));
+}
+
+/// The length of the front region of a definition's band.  [sample]
+uint64 FrontOf(const Set& set, const PulseSpan& p) {
+  if (set.GetTolKind() == Set::TOL_USER_DEF) {
+    return p.Samples(set.GetDefTolUserDef().GetTolFrontA());
+  }
+  switch (set.GetWaveKind()) {
+    case HALF_SINE:
+      return wave_def::HalfSineFront(set, p);
+    case HAVERSINE:
+      return wave_def::HaversineFront(set, p);
+    case TERMINAL_PEAK_SAWTOOTH:
+      return wave_def::SawtoothFront(set, p);
+    case TRAPEZOID:
+    case TRIANGLE:
+    case USER_TRAPEZOID:
+      break;
+  }
+  return wave_def::TrapezoidFront(set, p);
 }
 
 void AddSawtooth(const Set& set, const PulseSpan& p, std::vector<Extent>* out) {
@@ -40,7 +64,6 @@ void AddSawtooth(const Set& set, const PulseSpan& p, std::vector<Extent>* out) {
   out->push_back({"the peak", corners->peak});
   out->push_back({"the end of the fall", corners->end});
   if (set.GetTolKind() == Set::TOL_USER_DEF) return;
-  out->push_back({kFront, p.start - wave_def::SawtoothFront(set, p)});
   out->push_back({"the left level of the upper band", p.start + wave_def::SawtoothLeft(set, p)});
   if (const auto fall = wave_def::SawtoothFall(set, p)) {
     for (const uint64 drop : {uint64{0}, uint64{1}}) {
@@ -60,8 +83,6 @@ void AddTrapezoid(const Set& set, const PulseSpan& p, std::vector<Extent>* out) 
   if (!corners) return;
   out->push_back({"the end of the rise", corners->riseEnd});
   out->push_back({"the start of the fall", corners->fallStart});
-  if (set.GetTolKind() == Set::TOL_USER_DEF) return;
-  out->push_back({kFront, p.start - wave_def::TrapezoidFront(set, p)});
 }
 
 /// The reach of a pulse.  [sample]
@@ -138,39 +159,22 @@ std::vector<Extent> ExtentsOf(const Set& set) {
   const PulseSpan& p = *span;
   std::vector<Extent> out{{"the start of the pulse", p.start},
                           {"the centre of the pulse", p.centre},
-                          {"the end of the pulse", p.end}};
+                          {"the end of the pulse", p.end},
+                          {"the front region of the band", p.start - FrontOf(set, p)}};
   if (set.GetTolKind() == Set::TOL_USER_DEF) {
-    const auto& tol = set.GetDefTolUserDef();
-    out.push_back({kFront, p.start - p.Samples(tol.GetTolFrontA())});
-    out.push_back({"the rear region of the band", p.end + p.Samples(tol.GetTolRearA())});
+    const uint64 rear = p.Samples(set.GetDefTolUserDef().GetTolRearA());
+    out.push_back({"the rear region of the band", p.end + rear});
   }
-  switch (set.GetWaveKind()) {
-    case HALF_SINE:
-      if (set.GetTolKind() == Set::TOL_USER_DEF) break;
-      out.push_back({kFront, p.start - wave_def::HalfSineFront(set, p)});
-      break;
-    case HAVERSINE:
-      if (set.GetTolKind() == Set::TOL_USER_DEF) break;
-      out.push_back({kFront, p.start - wave_def::HaversineFront(set, p)});
-      break;
-    case TERMINAL_PEAK_SAWTOOTH:
-      AddSawtooth(set, p, &out);
-      break;
-    case TRAPEZOID:
-    case TRIANGLE:
-    case USER_TRAPEZOID:
-      AddTrapezoid(set, p, &out);
-      break;
+  if (set.GetWaveKind() == TERMINAL_PEAK_SAWTOOTH) {
+    AddSawtooth(set, p, &out);
+  } else {
+    AddTrapezoid(set, p, &out);  // the fractions tell which shapes are
   }
   return out;
 }
 
 bool FitsFrame(const Set& set) {
-  const double dt = IntervalOf(set);
-  // The placement takes the half width without its guard, and only looks before the frame.
-  if (static_cast<int64>(wave_def::CentreOf(set, dt) - wave_def::PlacedHalfWidth(set, dt)) < 0) {
-    return false;
-  }
+  if (PlacedStart(set) < 0) return false;  // behind the frame it is not looked for
   const std::vector<Extent> extents = ExtentsOf(set);
   return std::all_of(extents.begin(), extents.end(),
                      [&](const Extent& extent) { return extent.index < set.GetNsamp(); });
@@ -178,10 +182,8 @@ bool FitsFrame(const Set& set) {
 
 std::string MisfitText(const Set& set) {
   const uint64 N = set.GetNsamp();
-  const double dt = IntervalOf(set);
   std::vector<Extent> extents = ExtentsOf(set);
-  extents.push_back(
-      {"the start of the pulse", wave_def::CentreOf(set, dt) - wave_def::PlacedHalfWidth(set, dt)});
+  extents.push_back({"the start of the pulse", static_cast<uint64>(PlacedStart(set))});
   // The one that is farthest outside says what is needed.
   const Extent* worst = nullptr;
   double farthest = 0.0;

@@ -191,18 +191,19 @@ std::string RefusalText(const Refusal& refusal, const Set& set) {
   return {};
 }
 
-/// Why a pulse that fits its frame cannot be compensated; empty if it can.  The only rule that has
-/// to try.
-std::string WhyNotCompensated(Set set, double fsamp) {
+}  // namespace
+
+Findings CompensationFindings(const Set& set, double fsamp) {
+  if (!set.GetAddCmp()) return {};
+  Set tried = set;
   common::CDataArrayFloatT<double> wave;
   common::CDataArrayFloatT<double> upper;
   common::CDataArrayFloatT<double> lower;
   Refusal refusal;
-  const bool done = GenerateClassical(set, fsamp, &wave, &upper, &lower, false, &refusal);
-  return done ? std::string() : RefusalText(refusal, set);
+  if (GenerateClassical(tried, fsamp, &wave, &upper, &lower, false, &refusal)) return {};
+  const std::string reason = RefusalText(refusal, set);
+  return Broken({{Fails, !reason.empty(), reason}});
 }
-
-}  // namespace
 
 // ---- The table ---------------------------------------------------------------------------------
 
@@ -224,10 +225,6 @@ Findings BrokenRules(const Set& set, double fsamp) {
   const bool negative = set.GetMainAmpl() < 0.0;
   const bool rounded = shape == HALF_SINE || shape == HAVERSINE;
   const double implied = ConvFmaxToFsampByVal(set.GetFmax());
-  const bool drawable = at.placed && at.fits && !at.pointLike && !at.flat;
-  const std::string compensation = drawable && set.GetAddCmp() && HasCompensationType(set)
-                                       ? WhyNotCompensated(set, fsamp)
-                                       : std::string();
   return Broken({
       {Fails, !hasShape, "WaveKind is not set"},
       {Fails, !hasKind, "TolKind is not set"},
@@ -248,7 +245,6 @@ Findings BrokenRules(const Set& set, double fsamp) {
       {Fails, at.flat, "the pulse has no positive sample, to which its band could be scaled",
        negative ? std::vector<Remedy>{{"MainAmpl", -set.GetMainAmpl()}} : std::vector<Remedy>{}},
       {Fails, set.GetAddCmp() && !HasCompensationType(set), "CmpType is not set"},
-      {Fails, !compensation.empty(), compensation},
 
       {Warns, at.placed && at.clamped,
        format("MainWidth is {:.6g} samples, and is cut to the frame of {}", at.samples,

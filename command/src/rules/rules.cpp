@@ -316,12 +316,42 @@ Findings BrokenRules(const MeasuredSet& /*set*/, double fsamp) {
 
 // ---- All ---------------------------------------------------------------------------------------
 
-Findings FindingsOf(const Definition& definition) {
+namespace {
+
+/// All rules but the one that has to try.
+Findings FindingsWithoutTrying(const Definition& definition) {
   const double fsamp = definition.settings.GetFsamp();
   Findings findings =
       std::visit([&](const auto& set) { return BrokenRules(set, fsamp); }, definition.set);
   if (definition.family->type == CWaveDef::WAVE_TYPE_CLASSICAL) return findings;
   for (Finding& finding : BandRules(definition.settings)) findings.push_back(std::move(finding));
+  return findings;
+}
+
+}  // namespace
+
+bool HasFailure(const Findings& findings) {
+  return !findings.empty() && findings.front().severity == Severity::Fails;
+}
+
+Findings FindingsOf(const Definition& definition) {
+  Findings findings = FindingsWithoutTrying(definition);
+  const auto* const set = std::get_if<wave_def::CWaveDefClassical>(&definition.set);
+  if (set == nullptr || HasFailure(findings)) return findings;
+  Findings all = CompensationFindings(*set, definition.settings.GetFsamp());
+  all.insert(all.end(), findings.begin(), findings.end());
+  return all;
+}
+
+Findings Examine(const Definition& definition, CWaveDef* def) {
+  Findings findings = FindingsWithoutTrying(definition);
+  if (HasFailure(findings)) return findings;
+  const std::string reason = TryToDefine(definition, def);
+  if (!reason.empty()) {
+    findings.insert(findings.begin(), {Severity::Fails, reason, {}});
+    return findings;
+  }
+  for (Finding& finding : FindingsOf(*def)) findings.push_back(std::move(finding));
   return findings;
 }
 
@@ -360,9 +390,7 @@ Findings FindingsOf(const CWaveDef& def) {
 
 std::string WhyRefused(const Definition& definition) {
   const Findings findings = FindingsOf(definition);
-  if (findings.empty() || findings.front().severity != Fails) {
-    return "the parameters give no waveform";
-  }
+  if (!HasFailure(findings)) return "the parameters give no waveform";
   return FindingText(findings.front());
 }
 

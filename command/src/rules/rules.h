@@ -24,9 +24,17 @@ struct Finding {
 };
 using Findings = std::vector<Finding>;
 
+/// Whether a definition fails by the rules that it breaks.
+bool HasFailure(const Findings& findings);
+
 /// The broken rules of a definition, those by which it fails first.  No waveform is generated,
 /// except to see whether a pulse can be compensated.
 Findings FindingsOf(const Definition& definition);
+
+/// The broken rules of a definition and, where it does not fail, its waveform with what is wrong
+/// with that.
+/// @param[out] def  the waveform; undefined where the definition fails
+Findings Examine(const Definition& definition, wave_def::CWaveDef* def);
 
 /// What is wrong with a waveform that was generated: samples that are no numbers, crossed bands, a
 /// waveform outside its own bands.
@@ -37,6 +45,10 @@ std::string WhyRefused(const Definition& definition);
 
 /// A finding as one text: what is wrong, and what works.
 std::string FindingText(const Finding& finding);
+
+/// Whether a classical pulse that breaks no other rule can be compensated.  The only rule that has
+/// to try, and therefore one of its own.
+Findings CompensationFindings(const wave_def::CWaveDefClassical& set, double fsamp);
 
 // The tables, one per family.  `fsamp` is the sampling frequency of the definition [Hz].
 Findings BrokenRules(const wave_def::CWaveDefClassical& set, double fsamp);
