@@ -11,6 +11,13 @@ function(qarv_compile_settings target)
     -Wold-style-cast)
 endfunction()
 
+# Sources whose loops become lanes: GCC does so from -O3 on, whatever the build asks for otherwise.
+function(qarv_lanes)
+  if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+    set_property(SOURCE ${ARGN} APPEND PROPERTY COMPILE_OPTIONS -O3)
+  endif()
+endfunction()
+
 # A library with its public headers below hdr: qarv_library(name TYPE HEADERS ... SOURCES ...).
 function(qarv_library target type)
   cmake_parse_arguments(ARG "" "" "HEADERS;SOURCES" ${ARGN})
