@@ -6,8 +6,12 @@
 
 #include <algorithm>
 
+#include "numeric/elementary.h"
+
 namespace qarv::test::reference {
 namespace {
+
+using namespace common::elementary;
 
 using Def = CWaveDefClassical;
 using Std = wave_def::CWaveDefTolSpecify;
@@ -392,7 +396,7 @@ void CosinePulse(const Def& def, uint64 centre, double dt, Wave* wave) {
   const bool haversine = def.GetWaveKind() == HAVERSINE;
   const double s = haversine ? 3.141592653589793 / half->h : 3.141592653589793 / half->h * 0.5;
   for (uint64 k = 1; k <= half->n; ++k) {
-    const double c = std::cos(static_cast<double>(k) * s);
+    const double c = Cos(static_cast<double>(k) * s);
     const double v = haversine ? (c * 0.5 + 0.5) * peak : c * peak;
     if (k <= centre) wave->at(centre - k) = v;
     if (centre + k < N) wave->at(centre + k) = v;

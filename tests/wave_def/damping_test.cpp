@@ -9,11 +9,14 @@
 #include "common/numeric/calc_wave.h"
 #include "common/numeric/constants.h"
 #include "expect_wave.h"
+#include "numeric/elementary.h"
 #include "random_values.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::wave_def {
 namespace {
+
+using namespace common::elementary;
 
 using namespace com_def::comdefconst;
 using common::kPi;
@@ -69,20 +72,19 @@ void LayDampedSine(Wave* wave, double dt, double freq, double ampl, double zeta,
   double held = 0.0;
   Lay(wave, delay, dt, wave->size(), [&](uint64 k) {
     const double x = (static_cast<double>(k) * dt) * (freq * 6.283185307179586);
-    const double e = std::exp(x * zeta);
-    if (!(e == 0.0)) held = std::sin(x) / e;
+    const double e = Exp(x * zeta);
+    if (!(e == 0.0)) held = Sin(x) / e;
     return held * ampl;
   });
 }
 
 void LayModified(Wave* wave, double dt, double freq, double ampl, double zeta, double delay) {
-  const double phi = std::atan(zeta * (-2.0) / (zeta * zeta - 1.0));
+  const double phi = Atan(zeta * (-2.0) / (zeta * zeta - 1.0));
   double held = 0.0;
   Lay(wave, delay, dt, wave->size(), [&](uint64 k) {
     const double x = (static_cast<double>(k) * dt) * (freq * 6.283185307179586);
-    const double e = std::exp(x * zeta);
-    if (!(e == 0.0))
-      held = (std::cos(x + phi) * x + std::sin(x)) * (std::exp(1.0) * (ampl * zeta)) / e;
+    const double e = Exp(x * zeta);
+    if (!(e == 0.0)) held = (Cos(x + phi) * x + Sin(x)) * (Exp(1.0) * (ampl * zeta)) / e;
     return held;
   });
 }
@@ -97,7 +99,7 @@ void LayWavelet(Wave* wave, double fsamp, const Elm& elm) {
   const uint64 length = test::Index((static_cast<double>(halves) * 0.5) * fsamp / elm.GetFreq());
   Lay(wave, 0.0 + elm.GetDelay(), dt, length, [&](uint64 k) {
     const double t = static_cast<double>(k) * dt;
-    return std::sin(t * omega) * elm.GetAmpl() * std::sin(t * window);
+    return Sin(t * omega) * elm.GetAmpl() * Sin(t * window);
   });
 }
 
@@ -172,8 +174,7 @@ TEST(DampedSines, AComponentIsADecayingSineFromItsDelayOn) {
   ASSERT_TRUE(AddDampedSine(wave.data(), 100, 1000, 40, 3, 0.05, 0.02));
   for (std::size_t k = 0; k < 100; ++k) {
     const double t = k < 20 ? 0 : (static_cast<double>(k) - 20) / 1000;
-    EXPECT_NEAR(wave[k], 3 * std::exp(-0.05 * kTwoPi * 40 * t) * std::sin(kTwoPi * 40 * t), 1e-13)
-        << k;
+    EXPECT_NEAR(wave[k], 3 * Exp(-0.05 * kTwoPi * 40 * t) * Sin(kTwoPi * 40 * t), 1e-13) << k;
   }
   EXPECT_FALSE(AddDampedSine(nullptr, 100, 1000, 40, 3, 0.05, 0));
   EXPECT_FALSE(AddModifiedDampedSine(nullptr, 100, 1000, 40, 3, 0.05, 0));
@@ -184,8 +185,7 @@ TEST(DampedSines, TheValueIsHeldWhereTheDivisorHasVanished) {
   Wave wave(400);
   ASSERT_TRUE(AddDampedSine(wave.data(), 400, 1000, 37, 1, -10, 0));
   std::size_t last = 0;
-  while (last + 1 < 400 &&
-         std::exp(static_cast<double>(last + 1) * 0.001 * (37 * kTwoPi) * -10) != 0.0)
+  while (last + 1 < 400 && Exp(static_cast<double>(last + 1) * 0.001 * (37 * kTwoPi) * -10) != 0.0)
     ++last;
   ASSERT_GT(last, 10U);
   ASSERT_LT(last, 399U);
@@ -277,8 +277,7 @@ TEST(DampedSines, AWaveletOfFiveHalfCyclesCoversTwentyFiveSamples) {
   for (uint64 k = 0; k < 60; ++k) {
     const double t = (static_cast<double>(k) - 10) / 1000;
     const bool inside = k >= 10 && k < 35;
-    const double expected =
-        inside ? std::sin(kTwoPi * 100 * t) * std::sin(kTwoPi * 100 * t / 5) : 0.0;
+    const double expected = inside ? Sin(kTwoPi * 100 * t) * Sin(kTwoPi * 100 * t / 5) : 0.0;
     EXPECT_NEAR(wave[k], expected, 1e-13) << k;
   }
 }
@@ -434,7 +433,7 @@ TEST(DampedSines, AModifiedOneHasNoFinalVelocityAndDisplacement) {
   for (int round = 0; round < 500; ++round) {
     const double zeta = random.Between(0.001, 0.999);
     const Complex phase =
-        std::polar(1.0L, static_cast<long double>(std::atan(zeta * -2.0 / (zeta * zeta - 1.0))));
+        std::polar(1.0L, static_cast<long double>(Atan(zeta * -2.0 / (zeta * zeta - 1.0))));
     const Complex pole(zeta, -1.0L);  // the integrals of t^n e^(i t - zeta t) are n! / pole^(n + 1)
     const long double velocity = std::real(phase / (pole * pole)) + std::imag(1.0L / pole);
     const long double moment =

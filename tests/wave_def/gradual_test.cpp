@@ -5,11 +5,14 @@
 
 #include "common/numeric/constants.h"
 #include "expect_wave.h"
+#include "numeric/elementary.h"
 #include "random_values.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::wave_def {
 namespace {
+
+using namespace common::elementary;
 
 using common::uint64;
 using test::Samples;
@@ -30,7 +33,7 @@ Set Ramp(double pre, double ramp, unsigned int n) {
 }
 
 double Envelope(const Samples& wave, uint64 k) {
-  return wave[k] / std::sin(static_cast<double>(k) / 3.7 * common::kTwoPi);
+  return wave[k] / Sin(static_cast<double>(k) / 3.7 * common::kTwoPi);
 }
 
 /// The wave as its formula says, section by section.
@@ -60,8 +63,8 @@ std::optional<Wave> Reference(const Set& set, double fsamp) {
     double level = (static_cast<double>(k) - static_cast<double>(n)) * down;
     if (k < rampEnd) level = static_cast<double>(k - pre) * change + set.GetLevelBeg();
     if (k < pre) level = static_cast<double>(k) * up;
-    wave.push_back(level * std::sin(static_cast<double>(k) / (set.GetPeriod() / interval) *
-                                    6.283185307179586));
+    wave.push_back(level *
+                   Sin(static_cast<double>(k) / (set.GetPeriod() / interval) * 6.283185307179586));
   }
   return wave;
 }

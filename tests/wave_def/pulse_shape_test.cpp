@@ -7,12 +7,15 @@
 
 #include "classical_case.h"
 #include "common/numeric/constants.h"
+#include "numeric/elementary.h"
 #include "pulse/pulse_span.h"
 #include "random_values.h"
 #include "reference_classical.h"
 
 namespace qarv::wave_def {
 namespace {
+
+using namespace common::elementary;
 
 using common::kPi;
 using common::uint64;
@@ -62,8 +65,8 @@ TEST(HalfSinePulse, IsHalfAPeriodAboutItsCentre) {
   Wave wave(32);
   ASSERT_TRUE(DrawHalfSine(16, 0.01, 0.001, 3, wave));
   EXPECT_EQ(wave[16], 3.0);
-  EXPECT_NEAR(wave[15], 3 * std::cos(kPi / 10), 1e-14);
-  EXPECT_NEAR(wave[17], 3 * std::cos(kPi / 10), 1e-14);
+  EXPECT_NEAR(wave[15], 3 * Cos(kPi / 10), 1e-14);
+  EXPECT_NEAR(wave[17], 3 * Cos(kPi / 10), 1e-14);
   EXPECT_NEAR(wave[11], 0, 1e-14);
   EXPECT_NEAR(wave[21], 0, 1e-14);
   ExpectLevel(wave, 0, 10, 0);
@@ -75,7 +78,7 @@ TEST(HaversinePulse, IsARaisedCosineAboutItsCentre) {
   ASSERT_TRUE(DrawHaversine(16, 0.01, 0.001, 3, wave));
   EXPECT_EQ(wave[16], 3.0);
   for (int k = -5; k <= 5; ++k) {
-    EXPECT_NEAR(wave[static_cast<std::size_t>(16 + k)], 1.5 + 1.5 * std::cos(kPi * k / 5), 1e-14);
+    EXPECT_NEAR(wave[static_cast<std::size_t>(16 + k)], 1.5 + 1.5 * Cos(kPi * k / 5), 1e-14);
   }
 }
 
@@ -116,8 +119,8 @@ TEST(HalfSinePulse, ClampedToTheFrameUsesTheTimeForItsStep) {
   Wave wave(32);
   ASSERT_TRUE(DrawHalfSine(16, 1.0, 0.001, 3, wave));
   const double step = kPi / (15 * 0.001) * 0.5;
-  EXPECT_NEAR(wave[17], 3 * std::cos(step), 1e-12);
-  EXPECT_NEAR(wave[1], 3 * std::cos(15 * step), 1e-10);
+  EXPECT_NEAR(wave[17], 3 * Cos(step), 1e-12);
+  EXPECT_NEAR(wave[1], 3 * Cos(15 * step), 1e-10);
   EXPECT_EQ(wave[0], 0.0);
 }
 

@@ -7,11 +7,14 @@
 
 #include "common/numeric/constants.h"
 #include "expect_wave.h"
+#include "numeric/elementary.h"
 #include "random_values.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::wave_def {
 namespace {
+
+using namespace common::elementary;
 
 using common::int64;
 using common::uint64;
@@ -64,8 +67,7 @@ void Taper(Wave* packet, bool hanning, bool rising, int64 first, int64 last) {
     const auto from =
         static_cast<double>(rising ? static_cast<uint64>(at) - static_cast<uint64>(first)
                                    : static_cast<uint64>(last) - static_cast<uint64>(at));
-    (*packet)[i] *=
-        hanning ? 0.5 - 0.5 * std::cos(3.141592653589793 * from / length) : from / length;
+    (*packet)[i] *= hanning ? 0.5 - 0.5 * Cos(3.141592653589793 * from / length) : from / length;
   }
 }
 
@@ -74,8 +76,8 @@ Wave Packet(const Set& set, double fsamp, uint64 n) {
   const double dt = 1.0 / fsamp;
   for (uint64 k = 0; k < n; ++k) {
     const double x = ((static_cast<double>(k) * dt) * set.GetFreq()) * 6.283185307179586;
-    packet[k] = std::sin(x) * set.GetAmpl();
-    if (set.GetWaveKind() == Set::SINE_BEAT) packet[k] *= std::sin(x / set.GetCycle() * 0.5);
+    packet[k] = Sin(x) * set.GetAmpl();
+    if (set.GetWaveKind() == Set::SINE_BEAT) packet[k] *= Sin(x / set.GetCycle() * 0.5);
   }
   if (set.GetWaveKind() == Set::SINE_BURST && set.GetEdging()) {
     const double cyclesPerSample = dt * set.GetFreq();
@@ -136,8 +138,7 @@ TEST(SineBeatBurst, ABeatRisesToTheMiddleAndFallsBack) {
   EXPECT_EQ(wave[0], 0.0);
   for (uint64 k = 1; k < 1000; ++k) {
     const double t = static_cast<double>(k) / 10000;
-    EXPECT_NEAR(wave[k], 2.0 * std::sin(common::kTwoPi * 100 * t) * std::sin(common::kPi * 10 * t),
-                1e-12);
+    EXPECT_NEAR(wave[k], 2.0 * Sin(common::kTwoPi * 100 * t) * Sin(common::kPi * 10 * t), 1e-12);
   }
   EXPECT_NEAR(wave[525], 2.0, 0.01) << "the peak next to the middle";
 }
@@ -146,8 +147,7 @@ TEST(SineBeatBurst, ABurstWithoutEdgesIsAPlainSine) {
   Set set = Packets(Set::SINE_BURST, 100, 3, 2, 0.001);
   const Samples plain = Generate(set, 10000);
   for (uint64 k = 0; k < 300; ++k) {
-    EXPECT_NEAR(plain[k], 2.0 * std::sin(common::kTwoPi * 100 * static_cast<double>(k) / 10000),
-                1e-12);
+    EXPECT_NEAR(plain[k], 2.0 * Sin(common::kTwoPi * 100 * static_cast<double>(k) / 10000), 1e-12);
   }
   set.SetEdging(false, 1, 1, Set::WINDOW_RAMP);
   EXPECT_EQ(Generate(set, 10000), plain);
@@ -172,7 +172,7 @@ TEST(SineBeatBurst, EdgesTaperBothEndsOfEveryPacket) {
     set.SetEdging(true, 1, 2, window);
     const Samples tapered = Generate(set, 10000);
     const auto weight = [&](double part) {
-      return window == Set::WINDOW_RAMP ? part : std::pow(std::sin(common::kPi / 2 * part), 2);
+      return window == Set::WINDOW_RAMP ? part : std::pow(Sin(common::kPi / 2 * part), 2);
     };
     for (const uint64 begin : std::vector<uint64>{0, n + 10}) {
       EXPECT_EQ(tapered[begin], 0.0);

@@ -5,11 +5,14 @@
 
 #include "common/numeric/constants.h"
 #include "expect_wave.h"
+#include "numeric/elementary.h"
 #include "random_values.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::wave_def {
 namespace {
+
+using namespace common::elementary;
 
 using test::Samples;
 using test::Wave;
@@ -34,7 +37,7 @@ std::optional<Wave> Reference(const CWaveDefSingle& set, double fsamp) {
   Wave wave;
   for (common::uint64 k = 0; k < n; ++k) {
     const double carrier =
-        std::sin(static_cast<double>(k) / (set.GetPeriod() / interval) * 6.283185307179586);
+        Sin(static_cast<double>(k) / (set.GetPeriod() / interval) * 6.283185307179586);
     double level = (static_cast<double>(n) - static_cast<double>(k)) * slope;
     if (k < n - edge) level = set.GetPeakLevel();
     if (k < edge) level = static_cast<double>(k) * slope;
@@ -47,7 +50,7 @@ std::optional<Wave> Reference(const CWaveDefSingle& set, double fsamp) {
 /// choosing the period so that every sample of interest carries +-1 would move the edges, so the
 /// carrier is divided out where it is not small.
 double Envelope(const Samples& wave, double period, common::uint64 k) {
-  return wave[k] / std::sin(static_cast<double>(k) / period * common::kTwoPi);
+  return wave[k] / Sin(static_cast<double>(k) / period * common::kTwoPi);
 }
 
 TEST(SingleWave, RisesFromZeroAndFallsToOneStep) {
@@ -76,7 +79,7 @@ TEST(SingleWave, WithoutEdgesIsThePlainSine) {
   Samples wave;
   ASSERT_TRUE(SingleGenerate(Set(0.01, 3.0, 0.0, 25), 1000.0, &wave));
   for (common::uint64 k = 0; k < 25; ++k) {
-    EXPECT_NEAR(wave[k], 3.0 * std::sin(common::kTwoPi * static_cast<double>(k) / 10.0), 1e-12);
+    EXPECT_NEAR(wave[k], 3.0 * Sin(common::kTwoPi * static_cast<double>(k) / 10.0), 1e-12);
   }
 }
 

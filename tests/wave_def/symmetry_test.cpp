@@ -6,11 +6,14 @@
 #include <numeric>
 
 #include "expect_wave.h"
+#include "numeric/elementary.h"
 #include "random_values.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::wave_def {
 namespace {
+
+using namespace common::elementary;
 
 using common::int64;
 using common::uint64;
@@ -84,14 +87,14 @@ std::optional<std::vector<std::pair<Wide, double>>> PulseOf(const Set& set, doub
   const double width = static_cast<double>(n);
   if (set.GetWaveKind() == HALF_SINE) {
     for (uint64 k = 0; k < n; ++k) {
-      out.emplace_back(k, std::sin(static_cast<double>(k) * 3.141592653589793 / width) * a);
+      out.emplace_back(k, Sin(static_cast<double>(k) * 3.141592653589793 / width) * a);
     }
   } else if (set.GetWaveKind() == HAVERSINE) {
     const uint64 half = n / 2;
     out.emplace_back(half, a);
     for (uint64 k = 0; k < half; ++k) {
       const double angle = static_cast<double>(k) * 3.141592653589793 / static_cast<double>(half);
-      const double y = (std::cos(angle) * 0.5 + 0.5) * a;
+      const double y = (Cos(angle) * 0.5 + 0.5) * a;
       out.emplace_back(half - k, y);
       out.emplace_back(half + k, y);
     }

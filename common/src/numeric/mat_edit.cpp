@@ -2,9 +2,9 @@
 #include "common/numeric/mat_edit.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "common/numeric/constants.h"
+#include "numeric/elementary.h"
 
 namespace qarv::common {
 namespace {
@@ -34,8 +34,9 @@ bool Taper(CDataArrayFloatT<double>* wave, bool rising, int64 first, int64 last,
 bool CMatEdit::HalfHanning(double /*fsamp*/, CDataArrayFloatT<double>* wave, HALFHANNING_DIRECT dir,
                            double level, int64 first, int64 last) {
   if (dir != HALFHANNING_START && dir != HALFHANNING_END) return false;
-  return Taper(wave, dir == HALFHANNING_START, first, last,
-               [level](double k, double n) { return level * (0.5 - 0.5 * std::cos(kPi * k / n)); });
+  return Taper(wave, dir == HALFHANNING_START, first, last, [level](double k, double n) {
+    return level * (0.5 - 0.5 * elementary::Cos(kPi * k / n));
+  });
 }
 
 bool CMatEdit::RampFunction(double /*fsamp*/, CDataArrayFloatT<double>* wave, bool rising,

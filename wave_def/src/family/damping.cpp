@@ -7,33 +7,142 @@
 //   Ac, dc     amplitude and delay of the compensating component
 #include "family/damping.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
 #include "common/numeric/mat_basic.h"
+#include "numeric/sample_blocks.h"
 
 namespace qarv::wave_def {
 
+using common::InstructionSet;
 using common::kTwoPi;
+using common::SampleBlock;
 using common::uint64;
+using namespace common::elementary;
 
 namespace {
 
-/// Adds value(k), k = 0, 1, ... to the samples from the one at `delay` on, at most `length` of
-/// them.
-template <class Value>
-void AddFrom(double* buffer, uint64 nsamp, double delay, double dt, uint64 length, Value value) {
+/// The samples that a component covers.
+struct Extent {
+  uint64 first, count;
+};
+
+/// From the sample of `delay` on, at most `length` of them; none where that is outside.
+Extent ExtentOf(uint64 nsamp, double delay, double dt, uint64 length) {
   const uint64 s = common::FloorToIndex(delay / dt);  // floor
-  if (s >= nsamp) return;
-  const uint64 count = length < nsamp - s ? length : nsamp - s;
-  for (uint64 k = 0; k < count; ++k) buffer[s + k] += value(k);
+  if (s >= nsamp) return {0, 0};
+  return {s, std::min(length, nsamp - s)};
+}
+
+/// A decaying oscillation  v(x) gain,  v(x) = f(x) / e^(x zeta),  x = k dt omega.
+///
+/// Kind::Numerator fills f(x) for a block of x, Kind::Bound(x) is not below |f| from 0 to |x|.
+template <class Kind>
+struct Decay {
+  Kind kind;
+  double dt, omega, zeta, gain;
+
+  double X(double k) const { return k * dt * omega; }
+  bool Falls() const { return X(1.0) * zeta > 0.0 && std::isfinite(gain); }
+
+  /// No sample from the k-th to the last is larger than this.
+  double Bound(double k, double last) const {
+    return kind.Bound(X(last)) * std::fabs(gain) / Exp(X(k) * zeta) * (1.0 + 1e-6);
+  }
+};
+
+/// The numerator of a damped sine.
+struct PlainSine {
+  void Numerator(const SampleBlock& x, std::size_t n, SampleBlock& f, InstructionSet set) const {
+    Sin({x.data(), n}, {f.data(), n}, set);
+  }
+  static double Bound(double) { return 1.0; }
+};
+
+/// The numerator of a damped sine that ends at rest.
+struct ModifiedSine {
+  double phi, scale;
+
+  void Numerator(const SampleBlock& x, std::size_t n, SampleBlock& f, InstructionSet set) const {
+    SampleBlock sine;
+    Sin({x.data(), n}, {sine.data(), n}, set);
+    for (std::size_t i = 0; i < n; ++i) f[i] = x[i] + phi;
+    Cos({f.data(), n}, {f.data(), n}, set);
+    for (std::size_t i = 0; i < n; ++i) f[i] = (f[i] * x[i] + sine[i]) * scale;
+  }
+  double Bound(double x) const { return (std::fabs(x) + 1.0) * std::fabs(scale); }
+};
+
+/// Whether every sample is so large that adding anything up to `bound` leaves it as it is: a sum
+/// rounds to its larger part where the other one is below a quarter of its last place.
+QARV_LANES_INLINE bool Swallows(const double* sample, std::size_t n, double bound) {
+  double least = std::numeric_limits<double>::infinity();
+  for (std::size_t i = 0; i < n; ++i) {
+    const double size = std::fabs(sample[i]);
+    least = size < least ? size : least;  // a NaN stays one whatever is added
+  }
+  return least > bound * 0x1p55 + 1e-290;  // subnormal contributions are out of the question there
+}
+
+/// Adds the oscillation to the samples of its extent.
+///
+/// Two things end the work early and change no bit: where e^(x zeta) has become infinite, only
+/// zeros follow, and a block that swallows the largest contribution left is passed over.
+template <class Kind>
+void AddDecay(double* buffer, Extent extent, const Decay<Kind>& decay, InstructionSet set) {
+  SampleBlock x, e, v;
+  double held = 0.0;
+  bool over = false;
+  const bool falls = decay.Falls() && std::isfinite(decay.X(static_cast<double>(extent.count)));
+  common::ForBlocks(set, 0, extent.count, [&](uint64 k, std::size_t n) QARV_LANES {
+    if (over) return;
+    double* const out = buffer + extent.first + k;
+    const auto first = static_cast<double>(k);
+    if (falls && Swallows(out, n, decay.Bound(first, first + static_cast<double>(n - 1)))) return;
+    common::FillBlock(x.data(), k, n, [&](double at) QARV_LANES { return decay.X(at); });
+    for (std::size_t i = 0; i < n; ++i) e[i] = x[i] * decay.zeta;
+    Exp({e.data(), n}, {e.data(), n}, set);
+    over = falls && std::isinf(e[0]);
+    if (over) return;
+    decay.kind.Numerator(x, n, v, set);
+    bool vanished = false;
+    for (std::size_t i = 0; i < n; ++i) {
+      vanished |= e[i] == 0.0;
+      v[i] /= e[i];
+    }
+    // Deliberate: where e has become 0 (a negative damping) the value before it is held.  A NaN is
+    // not 0.
+    for (std::size_t i = 0; vanished && i < n; ++i) {
+      if (e[i] == 0.0) v[i] = i == 0 ? held : v[i - 1];
+    }
+    held = v[n - 1];
+    for (std::size_t i = 0; i < n; ++i) out[i] += v[i] * decay.gain;
+  });
 }
 
 /// An odd number of half cycles, at least 3: only those windows leave no velocity behind.
 uint64 OddHalves(uint64 halves) {
   if (halves < 3) return 3;
   return halves % 2 == 0 ? halves + 1 : halves;
+}
+
+/// Adds  sin(t omega) ampl sin(t window),  t = k dt.
+void AddWavelet(double* buffer, Extent extent, double dt, double omega, double window, double ampl,
+                InstructionSet set) {
+  SampleBlock carrier, envelope;
+  common::ForBlocks(set, 0, extent.count, [&](uint64 k, std::size_t n) QARV_LANES {
+    common::FillBlock(carrier.data(), k, n, [=](double at) QARV_LANES { return at * dt * omega; });
+    common::FillBlock(envelope.data(), k, n,
+                      [=](double at) QARV_LANES { return at * dt * window; });
+    Sin({carrier.data(), n}, {carrier.data(), n}, set);
+    Sin({envelope.data(), n}, {envelope.data(), n}, set);
+    double* const out = buffer + extent.first + k;
+    for (std::size_t i = 0; i < n; ++i) out[i] += carrier[i] * ampl * envelope[i];
+  });
 }
 
 bool IsMethod(com_def::comdefconst::SYNC_WAVE_TYPE type) {
@@ -45,37 +154,27 @@ bool IsMethod(com_def::comdefconst::SYNC_WAVE_TYPE type) {
 }  // namespace
 
 bool AddDampedSine(double* buffer, uint64 nsamp, double fsamp, double freq, double ampl,
-                   double zeta, double delay) {
+                   double zeta, double delay, InstructionSet set) {
   if (buffer == nullptr) return false;
   const double dt = 1.0 / fsamp;
-  const double omega = freq * kTwoPi;
-  double v = 0.0;
-  AddFrom(buffer, nsamp, delay, dt, nsamp, [&](uint64 k) {
-    const double x = static_cast<double>(k) * dt * omega;
-    const double e = std::exp(x * zeta);
-    // Deliberate: where e has become 0 (a negative damping) the value before it is held.  A NaN is
-    // not 0.
-    if (e != 0.0) v = std::sin(x) / e;
-    return v * ampl;
-  });
+  const Decay<PlainSine> decay{
+      .kind = {}, .dt = dt, .omega = freq * kTwoPi, .zeta = zeta, .gain = ampl};
+  AddDecay(buffer, ExtentOf(nsamp, delay, dt, nsamp), decay, set);
   return true;
 }
 
 bool AddModifiedDampedSine(double* buffer, uint64 nsamp, double fsamp, double freq, double ampl,
-                           double zeta, double delay) {
+                           double zeta, double delay, InstructionSet set) {
   if (buffer == nullptr) return false;
   const double dt = 1.0 / fsamp;
-  const double omega = freq * kTwoPi;
-  const double phi = std::atan(zeta * -2.0 / (zeta * zeta - 1.0));
-  const double scale = std::exp(1.0) * (ampl * zeta);
-  double v = 0.0;
-  AddFrom(buffer, nsamp, delay, dt, nsamp, [&](uint64 k) {
-    const double x = static_cast<double>(k) * dt * omega;
-    const double e = std::exp(x * zeta);
-    // Deliberate: held where e is 0, as in a damped sine.
-    if (e != 0.0) v = (std::cos(x + phi) * x + std::sin(x)) * scale / e;
-    return v;
-  });
+  const double phi = Atan(zeta * -2.0 / (zeta * zeta - 1.0));
+  const double scale = Exp(1.0) * (ampl * zeta);
+  const Decay<ModifiedSine> decay{.kind = {.phi = phi, .scale = scale},
+                                  .dt = dt,
+                                  .omega = freq * kTwoPi,
+                                  .zeta = zeta,
+                                  .gain = 1.0};
+  AddDecay(buffer, ExtentOf(nsamp, delay, dt, nsamp), decay, set);
   return true;
 }
 
@@ -147,7 +246,7 @@ bool SynthesizeModifiedDampedSines(double* buffer, uint64 nsamp, double fsamp, d
 
 bool SynthesizeWavelets(double* buffer, uint64 nsamp, double fsamp, double timeOrigin, uint64 count,
                         const double* freq, const double* ampl, const uint64* halves,
-                        const double* delay) {
+                        const double* delay, InstructionSet set) {
   if (buffer == nullptr) return false;
   common::CMatBasic::ClrDouble(buffer, nsamp);
   const double dt = 1.0 / fsamp;
@@ -158,10 +257,8 @@ bool SynthesizeWavelets(double* buffer, uint64 nsamp, double fsamp, double timeO
     const double window = omega / N;
     // Deliberate: the length multiplies by the rate, while the start divides by the interval.
     const uint64 length = common::TruncToIndex(N * 0.5 * fsamp / freq[i]);  // truncated
-    AddFrom(buffer, nsamp, timeOrigin + delay[i], dt, length, [&](uint64 k) {
-      const double t = static_cast<double>(k) * dt;
-      return std::sin(t * omega) * ampl[i] * std::sin(t * window);
-    });
+    AddWavelet(buffer, ExtentOf(nsamp, timeOrigin + delay[i], dt, length), dt, omega, window,
+               ampl[i], set);
   }
   return true;
 }

@@ -6,6 +6,7 @@
 
 #include "common/data_array/data_array_float_t.h"
 #include "common/int_types.h"
+#include "numeric/instruction_set.h"
 #include "wave_def/wave_def_damping.h"
 
 namespace qarv::wave_def {
@@ -41,14 +42,16 @@ struct DampingComponents {
 /// @param[in] delay [s]
 /// @return false if the buffer is null
 bool AddDampedSine(double* buffer, common::uint64 nsamp, double fsamp, double freq, double ampl,
-                   double zeta, double delay);
+                   double zeta, double delay,
+                   common::InstructionSet set = common::BestInstructionSet());
 
 /// Adds e ampl zeta (x cos(x + phi) + sin(x)) e^(-zeta x), x = omega t,
 /// phi = atan(-2 zeta / (zeta^2 - 1)): a damped sine whose final velocity and displacement are 0.
 /// The arguments are those of AddDampedSine.
 /// @return false if the buffer is null
 bool AddModifiedDampedSine(double* buffer, common::uint64 nsamp, double fsamp, double freq,
-                           double ampl, double zeta, double delay);
+                           double ampl, double zeta, double delay,
+                           common::InstructionSet set = common::BestInstructionSet());
 
 /// The velocity at the end of a sum of damped sines, and the delay-dependent term of its
 /// displacement, from the integrals of each component over all time.
@@ -101,6 +104,7 @@ bool SynthesizeModifiedDampedSines(double* buffer, common::uint64 nsamp, double 
 /// @return false, with nothing changed, if the buffer is null
 bool SynthesizeWavelets(double* buffer, common::uint64 nsamp, double fsamp, double timeOrigin,
                         common::uint64 count, const double* freq, const double* ampl,
-                        const common::uint64* halves, const double* delay);
+                        const common::uint64* halves, const double* delay,
+                        common::InstructionSet set = common::BestInstructionSet());
 
 }  // namespace qarv::wave_def

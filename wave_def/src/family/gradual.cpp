@@ -9,11 +9,10 @@
 #include "family/gradual.h"
 
 #include <algorithm>
-#include <cmath>
 #include <optional>
 
-#include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
+#include "family/sine_section.h"
 
 namespace qarv::wave_def {
 
@@ -57,18 +56,15 @@ bool GradualGenerate(const CWaveDefGradual& def, double fsamp,
 
   wave->Resize(N);
   double* const x = wave->GetData();
-  // The samples of one section, as far as the frame goes.
-  const auto draw = [=](uint64 first, uint64 end, auto envelope) {
-    for (uint64 k = first; k < std::min(end, N); ++k) {
-      const double c = std::sin(static_cast<double>(k) / Ps * common::kTwoPi);
-      x[k] = envelope(k) * c;
-    }
-  };
-  draw(0, P0, [=](uint64 k) { return static_cast<double>(k) * a; });
-  draw(P0, Ne, [=](uint64 k) { return static_cast<double>(k - P0) * r + B; });
+  const auto offset = static_cast<double>(P0);
+  const auto length = static_cast<double>(N);
+  const uint64 riseEnd = std::min(P0, N);
+  const uint64 rampEnd = std::clamp(Ne, riseEnd, N);
+  DrawSineSection(x, 0, riseEnd, Ps, [=](double k) QARV_LANES { return k * a; });
+  DrawSineSection(x, riseEnd, rampEnd, Ps,
+                  [=](double k) QARV_LANES { return (k - offset) * r + B; });
   // Deliberate: the fall ends at LevelEnd / (N - Ne) in the last sample, not at 0.
-  draw(std::max(P0, Ne), N,
-       [=](uint64 k) { return (static_cast<double>(k) - static_cast<double>(N)) * b; });
+  DrawSineSection(x, rampEnd, N, Ps, [=](double k) QARV_LANES { return (k - length) * b; });
   return true;
 }
 

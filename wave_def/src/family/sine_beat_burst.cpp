@@ -6,15 +6,16 @@
 #include "family/sine_beat_burst.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
 #include "common/numeric/mat_edit.h"
+#include "numeric/sample_blocks.h"
 
 namespace qarv::wave_def {
 
 using common::CMatEdit;
+using common::InstructionSet;
 using common::int64;
 using common::RoundToIndex;
 using common::uint64;
@@ -62,11 +63,19 @@ void DrawPacket(const CWaveDefSineBeatBurst& def, double fsamp, uint64 Np, Sampl
   const bool beat = def.GetWaveKind() == CWaveDefSineBeatBurst::SINE_BEAT;
   packet->Resize(Np);
   double* const sample = packet->GetData();
-  for (uint64 k = 0; k < Np; ++k) {
-    const double x = static_cast<double>(k) * dt * Freq * common::kTwoPi;
-    const double y = std::sin(x) * Ampl;
-    sample[k] = beat ? y * std::sin(x / Cycle * 0.5) : y;
-  }
+  common::SampleBlock x;
+  const InstructionSet set = common::BestInstructionSet();
+  common::ForBlocks(set, 0, Np, [&](uint64 first, std::size_t n) QARV_LANES {
+    double* const y = sample + first;
+    common::FillBlock(x.data(), first, n,
+                      [=](double k) QARV_LANES { return k * dt * Freq * common::kTwoPi; });
+    common::elementary::Sin({x.data(), n}, {y, n}, set);
+    for (std::size_t i = 0; i < n; ++i) y[i] *= Ampl;
+    if (!beat) return;
+    for (std::size_t i = 0; i < n; ++i) x[i] = x[i] / Cycle * 0.5;
+    common::elementary::Sin({x.data(), n}, {x.data(), n}, set);
+    for (std::size_t i = 0; i < n; ++i) y[i] *= x[i];
+  });
   if (!beat && def.GetEdging()) TaperEdges(def, fsamp, dt, packet);
 }
 

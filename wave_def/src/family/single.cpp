@@ -7,10 +7,10 @@
 //   Ps  period of the sine, not rounded [sample]
 #include "family/single.h"
 
-#include <cmath>
+#include <algorithm>
 
-#include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
+#include "family/sine_section.h"
 
 namespace qarv::wave_def {
 
@@ -27,19 +27,16 @@ bool SingleGenerate(const CWaveDefSingle& def, double fsamp,
   const double s = E != 0 ? P / static_cast<double>(E) : 0.0;
   const double Ps = def.GetPeriod() / dt;
 
-  // Deliberate: the rising edge starts at 0, the falling one ends at s.  Where E is above N, N - E
-  // wraps, every sample lies on the rising edge and the peak level is not reached.
-  const auto envelope = [=](uint64 k) {
-    if (k < E) return static_cast<double>(k) * s;
-    if (k < N - E) return P;
-    return (static_cast<double>(N) - static_cast<double>(k)) * s;
-  };
   wave->Resize(N);
   double* const x = wave->GetData();
-  for (uint64 k = 0; k < N; ++k) {
-    const double c = std::sin(static_cast<double>(k) / Ps * common::kTwoPi);
-    x[k] = envelope(k) * c;
-  }
+  // Deliberate: the rising edge starts at 0, the falling one ends at s.  Where E is above N, N - E
+  // wraps, every sample lies on the rising edge and the peak level is not reached.
+  const uint64 riseEnd = std::min(E, N);
+  const uint64 fallStart = std::clamp(N - E, riseEnd, N);
+  DrawSineSection(x, 0, riseEnd, Ps, [=](double k) QARV_LANES { return k * s; });
+  DrawSineSection(x, riseEnd, fallStart, Ps, [=](double) QARV_LANES { return P; });
+  DrawSineSection(x, fallStart, N, Ps,
+                  [=](double k) QARV_LANES { return (static_cast<double>(N) - k) * s; });
   return true;
 }
 

@@ -5,13 +5,13 @@
 //                           negative times wrap below 0
 #include "family/symmetry.h"
 
-#include <cmath>
-
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
+#include "numeric/sample_blocks.h"
 
 namespace qarv::wave_def {
 
+using common::InstructionSet;
 using common::uint64;
 
 namespace {
@@ -100,21 +100,32 @@ bool PulseFits(const CWaveDefSymmetry& def, uint64 n, uint64 at, uint64 size) {
   }
 }
 
-void SymHalfSinePulse(double a, uint64 n, uint64 at, double* buffer) {
-  for (uint64 k = 0; k < n; ++k) {
-    buffer[at + k] = std::sin(static_cast<double>(k) * common::kPi / static_cast<double>(n)) * a;
-  }
+void SymHalfSinePulse(double a, uint64 n, uint64 at, double* buffer, InstructionSet set) {
+  const auto width = static_cast<double>(n);
+  common::ForBlocks(set, 0, n, [&](uint64 first, std::size_t count) QARV_LANES {
+    double* const x = buffer + at + first;
+    common::FillBlock(x, first, count,
+                      [=](double k) QARV_LANES { return k * common::kPi / width; });
+    common::elementary::Sin({x, count}, {x, count}, set);
+    for (std::size_t i = 0; i < count; ++i) x[i] *= a;
+  });
 }
 
-void SymHaversinePulse(double a, uint64 n, uint64 at, double* buffer) {
+void SymHaversinePulse(double a, uint64 n, uint64 at, double* buffer, InstructionSet set) {
   const uint64 h = n / 2;
   buffer[at + h] = a;
-  for (uint64 k = 0; k < h; ++k) {
-    const double phase = static_cast<double>(k) * common::kPi / static_cast<double>(h);
-    const double y = (std::cos(phase) * 0.5 + 0.5) * a;
-    buffer[at + h - k] = y;
-    buffer[at + h + k] = y;
-  }
+  const auto half = static_cast<double>(h);
+  common::SampleBlock y;
+  common::ForBlocks(set, 0, h, [&](uint64 first, std::size_t count) QARV_LANES {
+    common::FillBlock(y.data(), first, count,
+                      [=](double k) QARV_LANES { return k * common::kPi / half; });
+    common::elementary::Cos({y.data(), count}, {y.data(), count}, set);
+    for (std::size_t i = 0; i < count; ++i) {
+      const double sample = (y[i] * 0.5 + 0.5) * a;
+      buffer[at + h - first - i] = sample;
+      buffer[at + h + first + i] = sample;
+    }
+  });
 }
 
 void SymTrianglePulse(double a, uint64 n, double peakPos, uint64 at, double* buffer) {

@@ -8,6 +8,7 @@
 #include "common/data_array/data_array_float_t.h"
 #include "common/int_types.h"
 #include "family/total_length.h"
+#include "numeric/instruction_set.h"
 #include "wave_def/wave_def_symmetry.h"
 
 namespace qarv::wave_def {
@@ -49,10 +50,12 @@ bool PulseFits(const CWaveDefSymmetry& def, common::uint64 n, common::uint64 at,
 // check.
 
 /// A half sine, sin(k pi / n) a; it ends one sample before its zero.
-void SymHalfSinePulse(double a, common::uint64 n, common::uint64 at, double* buffer);
+void SymHalfSinePulse(double a, common::uint64 n, common::uint64 at, double* buffer,
+                      common::InstructionSet set = common::BestInstructionSet());
 /// A haversine about its sample h = n / 2 (rounded down): (cos(k pi / h) 0.5 + 0.5) a at k samples
 /// to either side.  It begins one sample behind `at`; of no samples it still has its peak.
-void SymHaversinePulse(double a, common::uint64 n, common::uint64 at, double* buffer);
+void SymHaversinePulse(double a, common::uint64 n, common::uint64 at, double* buffer,
+                       common::InstructionSet set = common::BestInstructionSet());
 /// A triangle that rises to sample trunc(peakPos n), at least 1; it ends one sample before its
 /// zero.
 /// @param[in] peakPos  place of the peak [width]; the peak lies inside the width

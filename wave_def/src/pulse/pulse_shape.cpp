@@ -5,7 +5,7 @@
 //   r, f   fractions of the width that rise and fall take [width]
 #include "pulse/pulse_shape.h"
 
-#include <cmath>
+#include <algorithm>
 
 #include "band/half_sine_band.h"
 #include "band/haversine_band.h"
@@ -14,30 +14,41 @@
 #include "band/user_band.h"
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
+#include "numeric/sample_blocks.h"
 #include "pulse/pulse_span.h"
 
 namespace qarv::wave_def {
 
 using common::FloorToIndex;
+using common::InstructionSet;
 using common::uint64;
 using Def = CWaveDefClassical;
 using Std = CWaveDefTolSpecify;
 
 namespace {
 
-/// Draws a pulse that is symmetric about its centre; value(k, h) at k samples to either side.
-template <class Value>
-bool DrawSymmetric(uint64 centre, double width, double dt, double peak, SampleSpan wave,
+/// Draws a pulse that is symmetric about its centre:  value(cos(k step(h)))  at k samples to either
+/// side, h being the half width.
+template <class Step, class Value>
+bool DrawSymmetric(uint64 centre, double width, double dt, double peak, SampleSpan wave, Step step,
                    Value value) {
   const uint64 N = wave.size();
   const auto half = CalcPulseHalfWidth(width, dt, N);
   if (peak == 0.0 || !half || centre >= N) return false;
-  wave[static_cast<std::size_t>(centre)] = peak;
-  for (uint64 k = 1; k <= half->n; ++k) {
-    const double v = value(static_cast<double>(k), half->h);
-    if (centre >= k) wave[static_cast<std::size_t>(centre - k)] = v;
-    if (centre + k < N) wave[static_cast<std::size_t>(centre + k)] = v;
-  }
+  double* const x = wave.data();
+  x[centre] = peak;
+  const double s = step(half->h);
+  const uint64 left = std::min(half->n, centre);
+  const uint64 right = std::min(half->n, N - 1 - centre);
+  common::SampleBlock y;
+  const InstructionSet set = common::BestInstructionSet();
+  common::ForBlocks(set, 1, std::max(left, right) + 1, [&](uint64 k, std::size_t n) QARV_LANES {
+    common::FillBlock(y.data(), k, n, [=](double at) QARV_LANES { return at * s; });
+    common::elementary::Cos({y.data(), n}, {y.data(), n}, set);
+    for (std::size_t i = 0; i < n; ++i) y[i] = value(y[i]);
+    for (std::size_t i = 0; i < n && k + i <= left; ++i) x[centre - k - i] = y[i];
+    for (std::size_t i = 0; i < n && k + i <= right; ++i) x[centre + k + i] = y[i];
+  });
   return true;
 }
 
@@ -98,17 +109,15 @@ bool BuildTrapezoid(const Def& def, uint64 centre, double dt, const PulseArrays&
 }  // namespace
 
 bool DrawHalfSine(uint64 centre, double width, double dt, double peak, SampleSpan wave) {
-  return DrawSymmetric(centre, width, dt, peak, wave, [peak](double k, double h) {
-    const double s = common::kPi / h * 0.5;
-    return std::cos(k * s) * peak;
-  });
+  return DrawSymmetric(
+      centre, width, dt, peak, wave, [](double h) { return common::kPi / h * 0.5; },
+      [peak](double c) QARV_LANES { return c * peak; });
 }
 
 bool DrawHaversine(uint64 centre, double width, double dt, double peak, SampleSpan wave) {
-  return DrawSymmetric(centre, width, dt, peak, wave, [peak](double k, double h) {
-    const double s = common::kPi / h;
-    return (std::cos(k * s) * 0.5 + 0.5) * peak;
-  });
+  return DrawSymmetric(
+      centre, width, dt, peak, wave, [](double h) { return common::kPi / h; },
+      [peak](double c) QARV_LANES { return (c * 0.5 + 0.5) * peak; });
 }
 
 std::optional<TrapezoidCorners> CornersOf(const Def& def, uint64 centre, double dt, double rise,
