@@ -67,7 +67,27 @@ void BM_Ref_ScalarDamped(benchmark::State& state) {
   }
   CountSamples(state, static_cast<double>(n * components));
 }
-BENCHMARK(BM_Ref_ScalarDamped)->Args({40, 16384});
+BENCHMARK(BM_Ref_ScalarDamped)->Args({40, 16384})->Args({12, 1000000});
+
+/// Two sines per sample of a wavelet, as long as it lasts.
+void BM_Ref_ScalarWavelets(benchmark::State& state) {
+  const auto components = static_cast<std::size_t>(state.range(0));
+  const auto n = static_cast<std::size_t>(state.range(1));
+  std::vector<double> sum(n);
+  for (auto _ : state) {
+    for (std::size_t i = 0; i < components; ++i) {
+      const double freq = 20.0 * static_cast<double>(i + 1);
+      const double omega = freq * kTwoPi;
+      const std::size_t length = std::min(n, static_cast<std::size_t>(10.5 * 10000.0 / freq));
+      for (std::size_t k = 0; k < length; ++k) {
+        const double t = static_cast<double>(k) * 1e-4;
+        sum[k] += std::sin(t * omega) * std::sin(t * (omega / 21.0));
+      }
+    }
+    benchmark::DoNotOptimize(sum.data());
+  }
+}
+BENCHMARK(BM_Ref_ScalarWavelets)->Args({40, 16384});
 
 /// The copies that a measured waveform or a burst comes down to.
 void BM_Ref_Memcpy(benchmark::State& state) {
@@ -182,6 +202,7 @@ void BM_SetDefSymmetry(benchmark::State& state) {
 }
 BENCHMARK(BM_SetDefSymmetry);
 
+/// The components' frequencies rise with `descending` 0 and fall with 1.
 void BM_SetDefDamping(benchmark::State& state) {
   CWaveDefDamping set;
   set.SetSyncWaveType(
@@ -189,9 +210,10 @@ void BM_SetDefDamping(benchmark::State& state) {
   set.SetNsamp(static_cast<common::uint64>(state.range(2)));
   set.SetFreq(8.0);
   set.SetZeta(0.9);
-  for (int i = 0; i < state.range(1); ++i) {
+  const auto count = static_cast<int>(state.range(1));
+  for (int i = 0; i < count; ++i) {
     CWaveDefDampingElm elm;
-    elm.SetFreq(20.0 * (i + 1));
+    elm.SetFreq(20.0 * (state.range(3) != 0 ? count - i : i + 1));
     elm.SetAmpl(1.0);
     elm.SetZeta(0.05);
     elm.SetNumHalf(21);
@@ -200,11 +222,14 @@ void BM_SetDefDamping(benchmark::State& state) {
   RunWarm(state, &CWaveDef::SetDefDamping, set);
 }
 BENCHMARK(BM_SetDefDamping)
-    ->ArgNames({"method", "elements", "n"})
-    ->Args({1, 40, 16384})
-    ->Args({2, 40, 16384})
-    ->Args({3, 40, 16384})
-    ->Args({1, 100000, 64});
+    ->ArgNames({"method", "elements", "n", "descending"})
+    ->Args({1, 40, 16384, 0})
+    ->Args({1, 40, 16384, 1})
+    ->Args({2, 40, 16384, 0})
+    ->Args({3, 40, 16384, 0})
+    ->Args({1, 12, 1000000, 0})
+    ->Args({1, 12, 1000000, 1})
+    ->Args({1, 100000, 64, 0});
 
 /// Half of a pulse of a tenth of the frame, and three constants: what a classical pulse cannot do
 /// without.

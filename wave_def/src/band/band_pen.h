@@ -58,7 +58,6 @@ class BandPen {
   bool Holds(Knot a, Knot b) const { return a.index < out_.size() && b.index < out_.size(); }
   /// The one line that all strokes are made of; `last` replaces the value that it ends with.
   void Stroke(Knot from, Knot to, std::optional<double> last, Merge merge) const;
-  void Put(common::uint64 i, double v, Merge merge) const;
 
   SampleSpan out_;
   bool upper_;
