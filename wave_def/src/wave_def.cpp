@@ -16,13 +16,32 @@ namespace qarv::wave_def {
 
 using common::uint64;
 
+namespace {
+
+/// Runs `make`; where that ends in an exception, `drop` takes back what it has left half made.
+template <class Make, class Drop>
+auto WholeOrNothing(Make make, Drop drop) {
+  try {
+    return make();
+  } catch (...) {
+    drop();
+    throw;
+  }
+}
+
+}  // namespace
+
 CWaveDef::~CWaveDef() = default;
 
 CWaveDef& CWaveDef::operator=(const CWaveDef& other) {
   if (this == &other) return *this;
   Clear();
-  def_ = other.def_;
-  head_ = other.head_;  // the type last: what runs out of memory on the way is undefined
+  WholeOrNothing(
+      [&] {
+        def_ = other.def_;
+        head_ = other.head_;
+      },
+      [this] { Clear(); });
   return *this;
 }
 
@@ -97,63 +116,73 @@ bool CWaveDef::SerializeItems(common::CSerialData* stream) {
          def_.Wave.Serialize(stream) && def_.TolU.Serialize(stream) && def_.TolL.Serialize(stream);
 }
 
-/// Generates a family's waveform and stores the parameters that it was made from.
-template <class Set, class Generate>
-bool CWaveDef::Define(WAVE_TYPE type, Set Definition::*set, const Set& def, Generate generate) {
+/// The frame of every definition: the one before is dropped, `make` fills the waveform and stores
+/// the parameters, and with the type and the bands the object is defined.  An exception leaves
+/// nothing but the settings.
+template <class Make>
+bool CWaveDef::Define(WAVE_TYPE type, Make make) {
   LelWaveTypeClear();
-  if (!generate(def, head_->Fsamp, &def_.Wave)) return false;
-  def_.*set = def;
-  return Conclude(type);
+  return WholeOrNothing(
+      [&] {
+        if (!make()) return false;
+        head_->WaveType = type;
+        return LclCalcTolData();
+      },
+      [this] { LelWaveTypeClear(); });
 }
 
-/// Makes the object defined: its type, then its bands.
-bool CWaveDef::Conclude(WAVE_TYPE type) {
-  head_->WaveType = type;
-  try {
-    return LclCalcTolData();
-  } catch (...) {  // no memory for a band: never defined without its bands
-    LelWaveTypeClear();
-    throw;
-  }
+/// Defines a family whose generator fills the waveform alone and leaves the parameters as they are.
+template <class Set, class Generate>
+bool CWaveDef::DefineFrom(WAVE_TYPE type, Set Definition::*set, const Set& def, Generate generate) {
+  return Define(type, [&] {
+    if (!generate(def, head_->Fsamp, &def_.Wave)) return false;
+    def_.*set = def;
+    return true;
+  });
 }
 
 bool CWaveDef::SetDefMeasure(const CWaveDefMeasure& def,
                              const common::CDataArrayFloatT<double>& samples) {
-  LelWaveTypeClear();
-  def_.Wave = samples;
-  def_.Measure = def;
-  return Conclude(WAVE_TYPE_MEASURE);
+  return Define(WAVE_TYPE_MEASURE, [&] {
+    def_.Wave = samples;
+    def_.Measure = def;
+    return true;
+  });
 }
 
 bool CWaveDef::SetDefClassical(const CWaveDefClassical& def) {
-  LelWaveTypeClear();
-  CWaveDefClassical params(def);
-  if (!GenerateClassical(params, head_->Fsamp, &def_.Wave, &def_.TolU, &def_.TolL,
-                         head_->AutoFsamp)) {
-    return false;
-  }
-  def_.Classical = params;  // as the generation left it, with the results that it found
-  head_->WaveType = WAVE_TYPE_CLASSICAL;
-  return true;
+  return Define(WAVE_TYPE_CLASSICAL, [&] {
+    CWaveDefClassical params(def);
+    if (!GenerateClassical(params, head_->Fsamp, &def_.Wave, &def_.TolU, &def_.TolL,
+                           head_->AutoFsamp)) {
+      return false;
+    }
+    // Deliberate: stored after the generation, as that has left it: with the results of the
+    // compensation.  The sets of the other families are stored as they were given.
+    def_.Classical = params;
+    return true;
+  });
 }
+
 bool CWaveDef::SetDefSymmetry(const CWaveDefSymmetry& def) {
-  return Define(WAVE_TYPE_SYMMETRY, &Definition::Symmetry, def, SymmetryGenerate);
+  return DefineFrom(WAVE_TYPE_SYMMETRY, &Definition::Symmetry, def, SymmetryGenerate);
 }
 
 bool CWaveDef::SetDefSineBeatBurst(const CWaveDefSineBeatBurst& def) {
-  return Define(WAVE_TYPE_SINE_BEAT_BURST, &Definition::SineBeatBurst, def, SineBeatBurstGenerate);
+  return DefineFrom(WAVE_TYPE_SINE_BEAT_BURST, &Definition::SineBeatBurst, def,
+                    SineBeatBurstGenerate);
 }
 
 bool CWaveDef::SetDefGradual(const CWaveDefGradual& def) {
-  return Define(WAVE_TYPE_GRADUAL, &Definition::Gradual, def, GradualGenerate);
+  return DefineFrom(WAVE_TYPE_GRADUAL, &Definition::Gradual, def, GradualGenerate);
 }
 
 bool CWaveDef::SetDefSingle(const CWaveDefSingle& def) {
-  return Define(WAVE_TYPE_SINGLE, &Definition::Single, def, SingleGenerate);
+  return DefineFrom(WAVE_TYPE_SINGLE, &Definition::Single, def, SingleGenerate);
 }
 
 bool CWaveDef::SetDefDamping(const CWaveDefDamping& def) {
-  return Define(WAVE_TYPE_DAMPING, &Definition::Damping, def, DampingSynthesize);
+  return DefineFrom(WAVE_TYPE_DAMPING, &Definition::Damping, def, DampingSynthesize);
 }
 
 bool CWaveDef::LclCalcTolData() {

@@ -30,7 +30,9 @@ namespace qarv::wave_def {
 /// The object is either undefined (`WAVE_TYPE_NONE`: fresh, cleared, after a failed definition or
 /// load) or defined.  It is a plain value that owns all it holds, and it is used from one thread at
 /// a time.  No setter checks.  Failures are reported by false; only the standard allocation, length
-/// and out-of-range errors are thrown, and they leave the object undefined.
+/// and out-of-range errors are thrown.  One that a definition ends in leaves the object undefined,
+/// with no parameter set and no samples and with its settings; one that a copy assignment or a load
+/// ends in leaves it cleared.
 class QARV_WAVE_DEF_EXPORT CWaveDef {
  public:
   /// Which family is defined.  The values stand in records.
@@ -48,14 +50,14 @@ class QARV_WAVE_DEF_EXPORT CWaveDef {
  private:
   // The leading fields of the data model, in record order.
   struct Fields {
-    WAVE_TYPE WaveType = WAVE_TYPE_NONE;  // the active parameter set, which made the waveform
-    bool LongWave = false;                // kept for the caller
-    common::uint64 MaxNsamp = 0;          // [sample] kept for the caller
-    bool AutoFsamp = false;               // handed to the classical pipeline only
-    double Fsamp = 0.0;                   // [Hz] sampling frequency
-    common::CUnitCtrl UnitAmpl;           // amplitude unit, kept for the caller
-    double TolUpperRat = 0.0;             // [ratio] upper band
-    double TolLowerRat = 0.0;             // [ratio] lower band, applied with its sign
+    WAVE_TYPE WaveType = WAVE_TYPE_NONE;
+    bool LongWave = false;
+    common::uint64 MaxNsamp = 0;
+    bool AutoFsamp = false;
+    double Fsamp = 0.0;
+    common::CUnitCtrl UnitAmpl;
+    double TolUpperRat = 0.0;
+    double TolLowerRat = 0.0;
     bool operator==(const Fields&) const = default;
     static auto Record(auto& f) {
       return std::tie(f.WaveType, f.LongWave, f.MaxNsamp, f.AutoFsamp, f.Fsamp, f.UnitAmpl,
@@ -102,27 +104,40 @@ class QARV_WAVE_DEF_EXPORT CWaveDef {
   ///         be written, and for an undefined object, which is no storable record (its settings are
   ///         in the stream then); reading, at the first item that cannot be read or if the record
   ///         names no family (cleared then)
+  // Deliberate: an undefined object cannot be stored.  Only a defined waveform is a record.
   bool Serialize(common::CSerialData* stream);
 
   WAVE_TYPE GetWaveType() const { return head_->WaveType; }
+  /// Long-wave mode of the caller; default false; kept, not generated from.
   bool GetLongWave() const { return head_->LongWave; }
   void SetLongWave(bool v) { head_->LongWave = v; }
+  /// Largest length that the caller allows [sample]; default 0; kept, not generated from.
   common::uint64 GetMaxNsamp() const { return head_->MaxNsamp; }
   void SetMaxNsamp(common::uint64 v) { head_->MaxNsamp = v; }
+  /// Automatic sampling of the caller; default false; has no effect on any waveform.
   bool GetAutoFsamp() const { return head_->AutoFsamp; }
   void SetAutoFsamp(bool v) { head_->AutoFsamp = v; }
+  /// Sampling frequency [Hz]; default 0; above 0.  A classical pulse is drawn at 2.56 Fmax instead;
+  /// set it to that all the same, for GetMainPulsPos.
   double GetFsamp() const { return head_->Fsamp; }
   void SetFsamp(double v) { head_->Fsamp = v; }
+  /// Unit of the amplitude; default none; kept, not generated from.
   const common::CUnitCtrl& GetUnitAmpl() const { return head_->UnitAmpl; }
   void SetUnitAmpl(const common::CUnitCtrl& v) { head_->UnitAmpl = v; }
+  /// Upper band over the waveform, of its largest magnitude [ratio]; default 0; 0 or above.  Not
+  /// used by a classical pulse.
   double GetTolUpperRat() const { return head_->TolUpperRat; }
   void SetTolUpperRat(double v) { head_->TolUpperRat = v; }
+  /// Lower band, applied with its sign [ratio]; default 0; 0 or below.  Not used by a classical
+  /// pulse.
   double GetTolLowerRat() const { return head_->TolLowerRat; }
   void SetTolLowerRat(double v) { head_->TolLowerRat = v; }
 
   /// The number of samples of the waveform.
   common::uint64 GetNsamp() const { return def_.Wave.GetSize(); }
-  /// The waveform and its bands, GetNsamp() samples each once defined.  [amplitude unit]
+  /// The waveform and its bands [amplitude unit], GetNsamp() samples each after a definition.  A
+  /// record loads with bands of any length, also shorter than the waveform: whoever has loaded one
+  /// looks at GetSize() of a band before its samples.
   const common::CDataArrayFloatT<double>& GetWave() const { return def_.Wave; }
   const common::CDataArrayFloatT<double>& GetTolU() const { return def_.TolU; }
   const common::CDataArrayFloatT<double>& GetTolL() const { return def_.TolL; }
@@ -203,6 +218,12 @@ class QARV_WAVE_DEF_EXPORT CWaveDef {
   /// @param[out] start,end  first and last sample [sample]
   /// @return false, with nothing written, if a place is null or the waveform is not classical
   ///
+  /// They are the samples of the drawn pulse where Fsamp is 2.56 Fmax; another Fsamp makes them
+  /// too wide or too narrow.  A shift that the compensation applied (WaveShift) is not included:
+  /// add WaveShift Nsamp.  Where MainShift is no whole number of samples, they may lie one sample
+  /// beside the pulse: behind it for a negative shift, which is truncated towards 0 here and
+  /// rounded down there, and before it for a positive one in a frame of an odd number of samples.
+  ///
   /// Not limited to the frame: a pulse wider than what lies before its centre wraps below 0.
   bool GetMainPulsPos(common::uint64* start, common::uint64* end) const;
   /// The same with result places of the other 64-bit spelling.
@@ -236,9 +257,10 @@ class QARV_WAVE_DEF_EXPORT CWaveDef {
  private:
   template <class F>
   static bool WithActiveSet(WAVE_TYPE type, F f);
+  template <class Make>
+  bool Define(WAVE_TYPE type, Make make);
   template <class Set, class Generate>
-  bool Define(WAVE_TYPE type, Set Definition::*set, const Set& def, Generate generate);
-  bool Conclude(WAVE_TYPE type);
+  bool DefineFrom(WAVE_TYPE type, Set Definition::*set, const Set& def, Generate generate);
   bool SerializeItems(common::CSerialData* stream);
 };
 

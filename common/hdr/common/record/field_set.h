@@ -13,7 +13,8 @@ class CSerialData;
 /// F is an aggregate that states each field once: name, type, default, in record order, with a
 /// defaulted `operator==` and a static `Record` that ties its members in the same order.
 ///
-/// - copy: every field; move: the same, and the source is left with its defaults;
+/// - copy: every field, and a copy that runs out of memory leaves its target with the defaults;
+///   move: the same, and the source is left with its defaults;
 /// - `==`: true for the same object, otherwise field by field in declaration order: a NaN is equal
 ///   to nothing, and 0 equals -0;
 /// - `Clear`: the member initialisers of F;
@@ -30,7 +31,12 @@ class FieldSet {
   explicit FieldSet(F fields) : fields_(std::move(fields)) {}
   FieldSet(const FieldSet&) = default;
   FieldSet(FieldSet&& other) noexcept(kNoThrow) : fields_(std::exchange(other.fields_, F{})) {}
-  FieldSet& operator=(const FieldSet&) = default;
+  FieldSet& operator=(const FieldSet& other) {
+    if (this == &other) return *this;
+    Clear();  // what is left where the copy runs out of memory
+    fields_ = F(other.fields_);
+    return *this;
+  }
   FieldSet& operator=(FieldSet&& other) noexcept(kNoThrow) {
     if (this != &other) fields_ = std::exchange(other.fields_, F{});
     return *this;
