@@ -91,6 +91,13 @@ double SampleRateOf(const CWaveDef& def) {
   return com_def::comdefsystemconst::ConvFmaxToFsampByVal(def.GetDefClassical().GetFmax());
 }
 
+void RequireBands(const CWaveDef& def, const std::string& source) {
+  const common::uint64 n = def.GetNsamp();
+  if (n == 0 || def.GetTolU().GetSize() != n || def.GetTolL().GetSize() != n) {
+    Fail(source, "has no samples with bands");
+  }
+}
+
 Definition ReadDefinition(const std::string& file) {
   const Json json = ParseFile(file);
   const Place at(file);

@@ -59,6 +59,9 @@ const Family& FamilyOf(const wave_def::CWaveDef& def);
 /// analysis frequency, otherwise Fsamp.
 double SampleRateOf(const wave_def::CWaveDef& def);
 
+/// Refuses a definition without samples, or with a band of another length, as a record may have it.
+void RequireBands(const wave_def::CWaveDef& def, const std::string& source);
+
 /// What a definition file says, before its waveform is generated.
 struct Definition {
   const Family* family;

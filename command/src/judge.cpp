@@ -223,10 +223,7 @@ Entries EntriesOf(const CWaveDef& def, const Overlay& overlay, const Judgement& 
 ExitCode Judge(const JudgeOptions& options) {
   if (!(options.dvTol >= 0.0)) Fail("--dv-tol", "is not 0 or above");
   const CWaveDef def = LoadDefinitionOrRecord(options.definition);
-  if (def.GetNsamp() == 0 || def.GetTolU().GetSize() != def.GetNsamp() ||
-      def.GetTolL().GetSize() != def.GetNsamp()) {
-    Fail(options.definition, "has no samples with bands");
-  }
+  RequireBands(def, options.definition);
   InputWave measured = LoadMeasured(options.measured, options.fsamp);
   ConvertUnit(def, options.measured, &measured);
   const Overlay overlay = LayOver(def, measured, options.measured);

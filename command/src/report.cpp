@@ -150,7 +150,7 @@ void WriteReportPage(const CWaveDef& def, const std::string& name, const std::st
 
 void Report(const ReportOptions& options) {
   const CWaveDef def = LoadDefinitionOrRecord(options.input);
-  if (def.GetNsamp() == 0) Fail(options.input, "has no samples");
+  RequireBands(def, options.input);
   const Entries entries = ReportOf(def);
   OutputFiles files;
   if (!options.json.empty()) WriteFile(files.Reserve(options.json), AsJson(entries));

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "run_command.h"
+#include "wave_def/wave_def.h"
 
 namespace qarv::test {
 namespace {
@@ -117,6 +118,30 @@ TEST(ReportCommand, NamesCannotReachThePage) {
   ASSERT_EQ(RunCommand({"report", name, "--html", folder / "r.html"}).code, 0);
   EXPECT_NE(ReadText(folder / "r.html").find("<h1>a&lt;b&gt;&amp;c: single sine wave</h1>"),
             std::string::npos);
+}
+
+TEST(ReportCommand, RefusesARecordWithABandShorterThanItsWave) {
+  wave_def::CWaveDef def;
+  def.SetFsamp(100);
+  ASSERT_TRUE(def.SetDefMeasure({}, {1.0, -2.0, 3.0}));
+  common::CSerialData whole;
+  ASSERT_TRUE(def.Serialize(&whole));
+  const auto recordOf = [](const common::CDataArrayFloatT<double>& array) {
+    common::CSerialData stream;
+    EXPECT_TRUE(common::CDataArrayFloatT<double>(array).Serialize(&stream));
+    return std::string(stream.GetData(), stream.GetData() + stream.GetSize());
+  };
+  std::string bytes(whole.GetData(), whole.GetData() + whole.GetSize());
+  const std::string lower = recordOf(def.GetTolL());
+  ASSERT_TRUE(bytes.ends_with(lower)) << "the lower band is the last item";
+  bytes.replace(bytes.size() - lower.size(), lower.size(), recordOf({1.0}));
+  const TempFolder folder;
+  WriteText(folder / "short.rec", bytes);
+  EXPECT_EQ(RunCommand({"show", folder / "short.rec"}).code, 0) << "it loads";
+  const auto result = RunCommand({"report", folder / "short.rec", "--json", folder / "r.json"});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_NE(result.err.find("has no samples with bands"), std::string::npos) << result.err;
+  EXPECT_EQ(folder.List(), std::vector<std::string>{"short.rec"});
 }
 
 TEST(ReportCommand, RefusesWithNothingWritten) {

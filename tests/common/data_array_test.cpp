@@ -4,14 +4,17 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <iostream>
 #include <limits>
 #include <numeric>
 #include <random>
 #include <stdexcept>
+#include <streambuf>
 #include <vector>
 
 #include "common/data_array/data_array_float_t.h"
 #include "common/data_array/data_array_integer_t.h"
+#include "throwing_new.h"
 #include "value_semantics.h"
 
 namespace qarv::common {
@@ -171,6 +174,36 @@ TEST(GetAbsMax, IsTheLargestMagnitudeOfTheRange) {
   EXPECT_EQ(x.GetAbsMax(1, 1), 2.0);
   EXPECT_EQ(x.GetAbsMax(0, 1), 3.0);
   EXPECT_EQ((Counts{4, 9, 2}.GetAbsMax(0, 0)), 9U);
+}
+
+TEST(GetAbsMax, OfAnEmptyArrayNeedsNoMemoryForItsLine) {
+  const Doubles empty;
+  double peak = -1.0;
+  const std::string printed = Printed([&] {
+    const test::Starved starved(1, test::Starved::How::FromThenOn);
+    EXPECT_NO_THROW(peak = empty.GetAbsMax(0, 0));
+    EXPECT_EQ(test::AllocationsSoFar(), 0U);
+  });
+  ExpectReport(printed, kEndOver);
+  EXPECT_EQ(peak, 0.0);
+}
+
+TEST(GetAbsMax, DoesNotThrowWhereTheErrorStreamDoes) {
+  struct Full : std::streambuf {};  // takes nothing
+  Full full;
+  std::streambuf* const buffer = std::cerr.rdbuf(&full);
+  std::cerr.exceptions(std::ios::badbit);
+  const Doubles empty;
+  EXPECT_NO_THROW(EXPECT_EQ(empty.GetAbsMax(0, 0), 0.0));
+  EXPECT_TRUE(std::cerr.bad());
+  std::cerr.exceptions(std::ios::goodbit);
+  std::cerr.rdbuf(buffer);
+}
+
+TEST(ArrayReport, ALineThatIsTooLongIsCutAndStillALine) {
+  const std::string path(1000, 'p');
+  const std::string printed = Printed([&] { ReportArrayError(path.c_str(), 7, "message"); });
+  EXPECT_EQ(printed, "[Error] " + path.substr(0, 503) + "\n");
 }
 
 TEST(GetAbsMax, StartsAtZeroAndPassesOverNaN) {

@@ -212,6 +212,23 @@ TEST(SerialData, ARunCanBeTakenInPieces) {
   EXPECT_EQ(v, 7U);
 }
 
+TEST(SerialData, TakesItsOwnBytesAsARun) {
+  CSerialData stream;
+  EXPECT_TRUE(stream.Write(std::string("some bytes to begin with")));
+  for (int round = 0; round < 10; ++round) {  // the memory grows and moves in between
+    const std::vector<unsigned char> before = BytesOf(stream);
+    const uint64 skipped = static_cast<uint64>(round);
+    ASSERT_TRUE(stream.Write(stream.GetData() + skipped, stream.GetSize() - skipped));
+    std::vector<unsigned char> expected(before);
+    expected.push_back('r');
+    for (uint64 n = before.size() - skipped, k = 0; k < 8; ++k, n >>= 8) {
+      expected.push_back(static_cast<unsigned char>(n & 0xff));
+    }
+    expected.insert(expected.end(), before.begin() + round, before.end());
+    ASSERT_EQ(BytesOf(stream), expected) << round;
+  }
+}
+
 TEST(SerialData, LengthsBeyondTheBytesAreRefused) {
   for (const unsigned char tag : std::vector<unsigned char>{'s', 'r'}) {
     for (const uint64 length :

@@ -18,7 +18,7 @@ bool CMatBasic::ZeroArr(double* p, uint64 n) {
 
 bool CMatBasic::CopyArr(double* dst, const double* src, uint64 n) {
   if (dst == nullptr || src == nullptr || n == 0) return false;
-  std::memmove(dst, src, n * sizeof(double));
+  std::memmove(dst, src, static_cast<std::size_t>(n) * sizeof(double));
   return true;
 }
 
@@ -36,13 +36,7 @@ bool CMatBasic::GetMinMax(uint64 n, const double* p, uint64 start, double* first
     low = p[i] < low ? p[i] : low;
     high = p[i] > high ? p[i] : high;
   }
-  // Crossed only while no number has been met, or nothing but one infinity.
-  if (low > high) {
-    const double* const any =
-        std::find_if(p + std::min(start, n), p + n, [](double x) { return x == x; });
-    if (any == p + n) return false;
-    low = high = *any;
-  }
+  if (low > high) return false;  // crossed as long as no number has been met
   if (first != nullptr) *first = low;
   if (second != nullptr) *second = high;
   return true;

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstring>
+#include <functional>
 #include <utility>
 
 namespace qarv::common {
@@ -50,7 +51,10 @@ bool CSerialData::Write(const std::string& v) {
 
 bool CSerialData::Write(const unsigned char* data, uint64 n) {
   if (finalized_ || (data == nullptr && n != 0)) return false;
-  return n == 0 || Append(Tag::Run, &n, sizeof n, data, n);
+  if (n == 0) return true;
+  if (!IsOwn(data)) return Append(Tag::Run, &n, sizeof n, data, n);
+  const std::vector<unsigned char> copy(data, data + n);  // growing gives the old memory back
+  return Append(Tag::Run, &n, sizeof n, copy.data(), n);
 }
 
 bool CSerialData::Read(bool* v) {
@@ -92,6 +96,12 @@ const unsigned char* CSerialData::ReadPtr(uint64 n) {
   return bytes_.data() + begin;
 }
 
+/// Whether a place lies in the stream's own bytes.
+bool CSerialData::IsOwn(const unsigned char* p) const {
+  const std::less<> before;  // an order of all pointers, also of those into different memory
+  return !before(p, bytes_.data()) && before(p, bytes_.data() + bytes_.size());
+}
+
 /// Appends a tag and the two parts behind it, whole or not at all.
 bool CSerialData::Append(Tag tag, const void* head, std::size_t headSize, const void* body,
                          uint64 bodySize) {
@@ -103,7 +113,8 @@ bool CSerialData::Append(Tag tag, const void* head, std::size_t headSize, const 
   // The room first, and at least doubled: the three inserts below can then neither fail half-way
   // nor copy the stream again for every value.
   const uint64 needed = size + fixed + bodySize;
-  if (needed > bytes_.capacity()) bytes_.reserve(std::max(needed, 2 * size));
+  if (needed > bytes_.capacity())
+    bytes_.reserve(static_cast<std::size_t>(std::max(needed, 2 * size)));
   bytes_.push_back(static_cast<unsigned char>(tag));
   const auto insert = [this](const void* part, uint64 n) {
     const auto* p = static_cast<const unsigned char*>(part);
@@ -117,7 +128,8 @@ bool CSerialData::Append(Tag tag, const void* head, std::size_t headSize, const 
 /// Takes a scalar of n bytes behind its tag.
 bool CSerialData::Take(Tag tag, void* target, std::size_t n) {
   if (target == nullptr || !finalized_ || runLeft_ != 0) return false;
-  if (bytes_.size() - pos_ < 1 + n || bytes_[pos_] != static_cast<unsigned char>(tag)) return false;
+  if (bytes_.size() - pos_ < 1 + n || bytes_.data()[pos_] != static_cast<unsigned char>(tag))
+    return false;
   std::memcpy(target, bytes_.data() + pos_ + 1, n);
   pos_ += 1 + n;
   return true;
@@ -128,7 +140,7 @@ bool CSerialData::Take(Tag tag, void* target, std::size_t n) {
 bool CSerialData::NextRun(Tag tag, uint64* begin, uint64* n) const {
   constexpr uint64 kHead = 1 + sizeof *n;
   if (!finalized_ || runLeft_ != 0 || bytes_.size() - pos_ < kHead) return false;
-  if (bytes_[pos_] != static_cast<unsigned char>(tag)) return false;
+  if (bytes_.data()[pos_] != static_cast<unsigned char>(tag)) return false;
   std::memcpy(n, bytes_.data() + pos_ + 1, sizeof *n);
   *begin = pos_ + kHead;
   return *n <= bytes_.size() - *begin;

@@ -63,7 +63,7 @@ class CSerialData {
   /// A pointer is not a value; without this it would be written as a bool.
   bool Write(const void*) = delete;
 
-  /// Appends n raw bytes as one run; 0 bytes append nothing.
+  /// Appends n raw bytes as one run; 0 bytes append nothing.  The bytes may be the stream's own.
   /// @return false, with nothing appended, as for a value, or if `data` is null and n is not 0
   bool Write(const unsigned char* data, uint64 n);
 
@@ -93,6 +93,7 @@ class CSerialData {
  private:
   enum class Tag : unsigned char;
 
+  bool IsOwn(const unsigned char* p) const;
   bool Append(Tag tag, const void* head, std::size_t headSize, const void* body, uint64 bodySize);
   bool Take(Tag tag, void* target, std::size_t n);
   bool NextRun(Tag tag, uint64* begin, uint64* n) const;
