@@ -247,7 +247,7 @@ std::vector<double> SrsFrequencies(double low, double high, double perOctave) {
   if (!(low > 0.0 && low <= high && std::isfinite(high) && perOctave > 0.0)) return {};
   const double steps = std::log2(high / low) * perOctave + 1e-9;
   if (!(steps < kMost)) return {};
-  std::vector<double> frequencies(common::FloorToIndex(steps) + 1);
+  std::vector<double> frequencies(static_cast<std::size_t>(common::FloorToIndex(steps) + 1));
   for (std::size_t k = 0; k < frequencies.size(); ++k) {
     frequencies[k] = low * std::exp2(static_cast<double>(k) / perOctave);
   }

@@ -149,13 +149,13 @@ void RunAnyPass(uint64 radix, uint64 m, uint64 stride, const Complex* twiddle, c
 /// filtering approach to the computation of the discrete Fourier transform, 1970).
 class ChirpFft {
  public:
-  explicit ChirpFft(uint64 n) : convolution_(LengthFor(n)), chirp_(n) {
-    const uint64 M = convolution_.GetSize();
+  explicit ChirpFft(uint64 n) : convolution_(LengthFor(n)), chirp_(static_cast<std::size_t>(n)) {
+    const auto M = static_cast<std::size_t>(convolution_.GetSize());
     std::vector<double> re(M);
     std::vector<double> im(M);
-    std::vector<double> scratch(convolution_.GetScratchSize());
+    std::vector<double> scratch(static_cast<std::size_t>(convolution_.GetScratchSize()));
     uint64 square = 0;  // j^2 modulo 2 n
-    for (uint64 j = 0; j < n; ++j) {
+    for (std::size_t j = 0; j < n; ++j) {
       const Complex c = UnitRoot(square, 2 * n);
       chirp_[j] = {c.re, -c.im};
       re[j] = c.re;
@@ -169,7 +169,7 @@ class ChirpFft {
     convolution_.Transform(re.data(), im.data(), scratch.data());
     const double scale = 1.0 / static_cast<double>(M);
     filter_.reserve(M);
-    for (uint64 k = 0; k < M; ++k) filter_.push_back({re[k] * scale, im[k] * scale});
+    for (std::size_t k = 0; k < M; ++k) filter_.push_back({re[k] * scale, im[k] * scale});
   }
 
   uint64 GetScratchSize() const {
@@ -177,18 +177,18 @@ class ChirpFft {
   }
 
   void Transform(double* re, double* im, double* scratch) const {
-    const uint64 n = chirp_.size();
-    const uint64 M = convolution_.GetSize();
+    const std::size_t n = chirp_.size();
+    const std::size_t M = filter_.size();
     double* const zr = scratch;
     double* const zi = scratch + M;
     double* const rest = scratch + 2 * M;
-    for (uint64 j = 0; j < n; ++j) Put(Complex{re[j], im[j]} * chirp_[j], j, zr, zi);
+    for (std::size_t j = 0; j < n; ++j) Put(Complex{re[j], im[j]} * chirp_[j], j, zr, zi);
     std::fill(zr + n, zr + M, 0.0);
     std::fill(zi + n, zi + M, 0.0);
     convolution_.Transform(zr, zi, rest);
-    for (uint64 k = 0; k < M; ++k) Put(Complex{zr[k], zi[k]} * filter_[k], k, zr, zi);
+    for (std::size_t k = 0; k < M; ++k) Put(Complex{zr[k], zi[k]} * filter_[k], k, zr, zi);
     convolution_.Transform(zi, zr, rest);  // exchanged: the inverse
-    for (uint64 k = 0; k < n; ++k) Put(Complex{zr[k], zi[k]} * chirp_[k], k, re, im);
+    for (std::size_t k = 0; k < n; ++k) Put(Complex{zr[k], zi[k]} * chirp_[k], k, re, im);
   }
 
  private:
@@ -219,7 +219,7 @@ class ChirpFft {
 ComplexFft::ComplexFft(uint64 n) : n_(n) {
   if (n < 2) return;
   // More than memory can hold is refused before any table is begun.
-  if (n > std::numeric_limits<uint64>::max() / (8 * sizeof(Complex))) throw std::bad_alloc();
+  if (n > std::numeric_limits<std::size_t>::max() / (8 * sizeof(Complex))) throw std::bad_alloc();
   const std::vector<uint64> factors = Factorise(n);
   if (factors.empty()) {
     chirp_ = std::make_shared<const ChirpFft>(n);
@@ -235,7 +235,7 @@ void ComplexFft::AddPasses(const std::vector<uint64>& factors) {
   uint64 stride = 1;
   for (const uint64 radix : factors) {
     Pass pass{radix, length / radix, stride, {}, {}};
-    pass.twiddle.reserve(pass.m * (radix - 1));
+    pass.twiddle.reserve(static_cast<std::size_t>(pass.m * (radix - 1)));
     for (uint64 j = 0; j < pass.m; ++j) {
       for (uint64 q = 1; q < radix; ++q) pass.twiddle.push_back(conjugate(roots(j * q * stride)));
     }

@@ -10,26 +10,28 @@
 namespace qarv::common {
 
 Complex UnitRoot(uint64 i, uint64 n) {
-  // The angle is num / den of a turn; den grows to 8 n at the most, beyond 64 bits.
-  __extension__ using Wide = unsigned __int128;
-  Wide num = i;
-  Wide den = n;
-  const bool lowerHalf = 2 * num > den;
-  if (lowerHalf) num = den - num;
-  const bool leftHalf = 4 * num > den;
-  if (leftHalf) {  // 1/2 - num / den
-    num = den - 2 * num;
-    den = 2 * den;
+  // The angle is part num / (n parts) of a turn, parts a power of two.  A multiple of num is only
+  // formed where it is at most n, so that 64 bits hold it for every n.
+  uint64 num = i;
+  double parts = 1.0;
+  const bool lowerHalf = num > n - num;
+  if (lowerHalf) num = n - num;
+  const bool leftHalf = 2 * num > n - 2 * num;
+  if (leftHalf) {  // 1/2 - num / n
+    num = n - 2 * num;
+    parts = 2.0;
   }
-  const bool steep = 8 * num > den;
-  if (steep) {  // 1/4 - num / den
-    num = den - 4 * num;
-    den = 4 * den;
+  const uint64 quarter = leftHalf ? 2 * num : 4 * num;  // of 1/4, in units of 1 / n; at most n
+  const bool steep = quarter > n - quarter;
+  const bool diagonal = quarter == n - quarter;
+  if (steep) {  // 1/4 - num / (n parts)
+    num = n - quarter;
+    parts = 4.0;
   }
-  const double x = kTwoPi * (static_cast<double>(num) / static_cast<double>(den));
+  const double x = kTwoPi * (static_cast<double>(num) / static_cast<double>(n) / parts);
   double c = std::cos(x);
   double s = std::sin(x);
-  if (8 * num == den) c = s = std::sqrt(0.5);  // on the diagonal the two are one number
+  if (diagonal) c = s = std::sqrt(0.5);  // on the diagonal the two are one number
   if (steep) std::swap(c, s);
   return {leftHalf ? -c : c, lowerHalf ? -s : s};
 }

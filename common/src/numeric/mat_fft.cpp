@@ -19,7 +19,7 @@ class FftPlan::Tables {
   explicit Tables(uint64 n) : n_(n), complex_(n % 2 == 0 ? n / 2 : n) {
     if (n % 2 != 0) return;
     const RootTable roots(n);
-    twiddle_.reserve(n / 4 + 1);
+    twiddle_.reserve(static_cast<std::size_t>(n / 4 + 1));
     for (uint64 k = 0; k <= n / 4; ++k) twiddle_.push_back(roots(k));
   }
 
@@ -100,7 +100,7 @@ class FftPlan::Tables {
     re[0] = z0.re + z0.im;
     re[h] = z0.re - z0.im;
     im[0] = im[h] = 0.0;
-    for (uint64 k = 1; k <= h / 2; ++k) {
+    for (std::size_t k = 1; k <= h / 2; ++k) {
       const Complex a{re[k], im[k]};
       const Complex b{re[h - k], im[h - k]};
       const Complex even{0.5 * (a.re + b.re), 0.5 * (a.im - b.im)};
@@ -118,7 +118,7 @@ class FftPlan::Tables {
     const uint64 h = n_ / 2;
     zr[0] = 0.5 * (spec1[0] + spec1[h]);
     zi[0] = 0.5 * (spec1[0] - spec1[h]);
-    for (uint64 k = 1; k <= h / 2; ++k) {
+    for (std::size_t k = 1; k <= h / 2; ++k) {
       const Complex a{spec1[k], spec2[k]};
       const Complex b{spec1[h - k], -spec2[h - k]};
       const Complex even{0.5 * (a.re + b.re), 0.5 * (a.im + b.im)};
@@ -162,7 +162,7 @@ template <class Transform>
 bool WithWork(uint64 n, double* work, Transform transform) {
   const FftPlan plan(n);
   if (plan.GetWorkSize() <= n) return transform(plan, work);
-  std::vector<double> larger(plan.GetWorkSize());
+  std::vector<double> larger(static_cast<std::size_t>(plan.GetWorkSize()));
   return transform(plan, larger.data());
 }
 

@@ -68,13 +68,13 @@ constexpr std::array<SuffixName, 3> kSuffixNames{{
 // clang-format on
 
 std::string_view NameOf(Unit::UNIT_CODE code) {
-  const auto* const row = std::ranges::find(kCodeNames, code, &CodeName::code);
+  const auto row = std::ranges::find(kCodeNames, code, &CodeName::code);
   return row == kCodeNames.end() ? "?" : row->name;
 }
 
 std::string_view NameOf(Unit::UNIT_SUFFIX suffix) {
   if (suffix == Unit::UNIT_SUFFIX_NONE) return "";
-  const auto* const row = std::ranges::find(kSuffixNames, suffix, &SuffixName::suffix);
+  const auto row = std::ranges::find(kSuffixNames, suffix, &SuffixName::suffix);
   return row == kSuffixNames.end() ? " ?" : row->name;
 }
 
@@ -95,7 +95,7 @@ std::string Product(const std::vector<std::string_view>& names) {
 bool ParsePower(std::string_view text, Unit::UNIT_CALC calc,
                 std::vector<std::pair<Unit::UNIT_CODE, Unit::UNIT_CALC>>* factors) {
   const auto hat = text.find('^');
-  const auto* const row = std::ranges::find(kCodeNames, text.substr(0, hat), &CodeName::name);
+  const auto row = std::ranges::find(kCodeNames, text.substr(0, hat), &CodeName::name);
   if (row == kCodeNames.end()) return false;
   int power = 1;
   if (hat != std::string_view::npos) {

@@ -72,9 +72,9 @@ Spending SpendingOf(const Settings& s) {
 /// The main pulse lowered towards its lower limit: its top stays, and it still rises to one peak
 /// and falls.
 Wave LoweredPulse(const Pulse& pulse, double mu) {
-  const auto first = pulse.wave.begin() + pulse.at.iS;
-  const auto last = pulse.wave.begin() + pulse.at.iE;
-  const int64 peak = std::max_element(first, last + 1) - pulse.wave.begin();
+  const double* const first = pulse.wave.data() + pulse.at.iS;
+  const double* const last = pulse.wave.data() + pulse.at.iE;
+  const int64 peak = std::max_element(first, last + 1) - pulse.wave.data();
   // The lower band, no higher than the wave, with its notches filled towards the peak.
   Wave floor(pulse.wave.size());
   for (int64 i = pulse.at.iS; i <= pulse.at.iE; ++i) {
@@ -132,7 +132,7 @@ class Side {
   }
   /// A pulse of n samples, from its inner end outwards, scaled by s.
   Wave Draw(int64 n, double s) const {
-    Wave pulse(profile_.begin(), profile_.begin() + std::max<int64>(n, 0));
+    Wave pulse(profile_.data(), profile_.data() + std::max<int64>(n, 0));
     for (double& v : pulse) v *= s;
     if (n <= 0) return pulse;
     const int64 t = TaperOf(n);
@@ -144,7 +144,7 @@ class Side {
   double LevelOf(int64 n) const {
     if (n <= 0) return 0.0;
     const auto flat = std::max<int64>(1, n - TaperOf(n));
-    return *std::min_element(profile_.begin(), profile_.begin() + flat);
+    return *std::min_element(profile_.data(), profile_.data() + flat);
   }
 
  private:

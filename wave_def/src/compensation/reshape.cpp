@@ -62,18 +62,20 @@ bool Solve(Matrix4 G, Vector4 b, Vector4* x) {
 }  // namespace
 
 Reshaper::Reshaper(uint64 N) : plan_(N) {
-  const uint64 lines = com_def::comdefsystemconst::ConvNsampToNlineByVal(N) + 1;
+  const auto lines =
+      static_cast<std::size_t>(com_def::comdefsystemconst::ConvNsampToNlineByVal(N) + 1);
+  const auto work = static_cast<std::size_t>(plan_.GetWorkSize());
   const std::array parts{&cos_, &sin_, &tan_, &re_, &im_, &shapedRe_, &shapedIm_};
-  block_.resize(parts.size() * lines + plan_.GetWorkSize());
+  block_.resize(parts.size() * lines + work);
   std::span<double> rest(block_);
-  const auto take = [&rest](uint64 n) {
+  const auto take = [&rest](std::size_t n) {
     const std::span<double> part = rest.first(n);
     rest = rest.subspan(n);
     return part;
   };
   for (Lines* const part : parts) *part = take(lines);
-  work_ = take(plan_.GetWorkSize());
-  for (uint64 k = 0; k < lines; ++k) {
+  work_ = take(work);
+  for (std::size_t k = 0; k < lines; ++k) {
     common::CMatFFT::GetCosSinI(static_cast<int64>(k), static_cast<int64>(N), &cos_[k], &sin_[k]);
     const bool hasSine = k != 0 && 2 * k != N;
     tan_[k] = hasSine ? (1.0 + cos_[k]) / sin_[k] : 0.0;
@@ -86,11 +88,11 @@ void Reshaper::SetWave(const Wave& comp) {
 
 bool Reshaper::Reshape(double g, Wave* out) {
   const uint64 N = plan_.GetSize();
-  const uint64 nline = re_.size() - 1;
+  const std::size_t nline = re_.size() - 1;
   const auto n = static_cast<double>(N);
   const double energy = g / Squared(Squared(n));
   // 1 / (1 + w); the first and the last line have no weight.
-  const auto weight = [&](uint64 k) {
+  const auto weight = [&](std::size_t k) {
     if (k == nline) return 1.0;
     return 1.0 / (1.0 + energy / Squared(Squared(static_cast<double>(k) * common::kTwoPi / n)));
   };
@@ -99,7 +101,7 @@ bool Reshaper::Reshape(double g, Wave* out) {
   double Hc = 0.0;
   double Q = 0.0;
   Vector4 b{re_[0], 0.0, re_[0], re_[0]};
-  for (uint64 k = 1; k <= nline; ++k) {
+  for (std::size_t k = 1; k <= nline; ++k) {
     const double h = weight(k);
     const double mh = 2 * k == N ? h : 2.0 * h;
     H += mh;
@@ -119,12 +121,12 @@ bool Reshaper::Reshape(double g, Wave* out) {
 
   shapedRe_[0] = re_[0] - lambda[0] - lambda[2] - lambda[3];
   shapedIm_[0] = 0.0;
-  for (uint64 k = 1; k <= nline; ++k) {
+  for (std::size_t k = 1; k <= nline; ++k) {
     const double h = shapedRe_[k];
     shapedRe_[k] = h * (re_[k] + lambda[1] - lambda[2] - lambda[3] * cos_[k]);
     shapedIm_[k] = h * (im_[k] - lambda[1] * tan_[k] - lambda[3] * sin_[k]);
   }
-  out->resize(N);
+  out->resize(static_cast<std::size_t>(N));
   return plan_.Inverse(out->data(), work_.data(), shapedRe_.data(), shapedIm_.data());
 }
 

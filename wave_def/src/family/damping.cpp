@@ -125,6 +125,7 @@ void AddDecay(double* buffer, Extent extent, const Decay<Kind>& decay, Instructi
 }
 
 /// An odd number of half cycles, at least 3: only those windows leave no velocity behind.
+// Deliberate: another number is no mistake to refuse but is drawn as the next odd one.
 uint64 OddHalves(uint64 halves) {
   if (halves < 3) return 3;
   return halves % 2 == 0 ? halves + 1 : halves;

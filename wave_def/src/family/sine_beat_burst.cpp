@@ -101,7 +101,7 @@ PacketLayout LayOut(const CWaveDefSineBeatBurst& def, double fsamp) {
   PacketLayout out{.packet = RoundToIndex(packetSamples),  // rounded half up
                    .rest = RoundToIndex(restSamples),      // rounded half up
                    .total = {}};
-  const uint64 frames = def.GetFrame();
+  const unsigned int frames = def.GetFrame();
   out.total.Add(out.packet, packetSamples, frames);
   out.total.Add(out.rest, restSamples, frames == 0 ? 0 : frames - 1);
   return out;

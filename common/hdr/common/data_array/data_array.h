@@ -1,6 +1,7 @@
 // DataArray: what the sample array and its integer sibling have in common, which is everything.
 #pragma once
 
+#include <cstddef>
 #include <initializer_list>
 #include <type_traits>
 #include <utility>
@@ -93,7 +94,7 @@ class DataArray {
   bool Serialize(CSerialData* stream);
 
  private:
-  uint64 Checked(uint64 i) const;
+  std::size_t Checked(uint64 i) const;
   void CheckLength(uint64 n) const;
   bool ReadRecord(CSerialData& stream);
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -53,7 +54,7 @@ T LargestMagnitude(const T* x, uint64 n) {
   std::array<T, 16> lanes{};
   uint64 i = 0;
   for (; n - i >= lanes.size(); i += lanes.size()) {
-    for (uint64 k = 0; k < lanes.size(); ++k) raise(lanes[k], Magnitude(x[i + k]));
+    for (std::size_t k = 0; k < lanes.size(); ++k) raise(lanes[k], Magnitude(x[i + k]));
   }
   for (; i < n; ++i) raise(lanes[0], Magnitude(x[i]));
   return *std::max_element(lanes.begin(), lanes.end());
@@ -62,9 +63,9 @@ T LargestMagnitude(const T* x, uint64 n) {
 }  // namespace array_check
 
 template <class T>
-uint64 DataArray<T>::Checked(uint64 i) const {
+std::size_t DataArray<T>::Checked(uint64 i) const {
   if (i >= data_.size()) throw std::out_of_range("invalid vector<T> subscript");
-  return i;
+  return static_cast<std::size_t>(i);
 }
 
 template <class T>
@@ -78,13 +79,13 @@ void DataArray<T>::CheckLength(uint64 n) const {
 template <class T>
 void DataArray<T>::Resize(uint64 n) {
   CheckLength(n);
-  data_.resize(n);
+  data_.resize(static_cast<std::size_t>(n));
 }
 
 template <class T>
 void DataArray<T>::Reserve(uint64 n) {
   CheckLength(n);
-  data_.reserve(n);
+  data_.reserve(static_cast<std::size_t>(n));
 }
 
 template <class T>
@@ -162,7 +163,7 @@ bool DataArray<T>::ReadRecord(CSerialData& stream) {
   const unsigned char* const bytes = stream.ReadPtr(n * sizeof(T));
   if (bytes == nullptr) return false;
   SetData(n, nullptr, true);
-  std::memcpy(data_.data(), bytes, n * sizeof(T));  // the bytes have no alignment
+  std::memcpy(data_.data(), bytes, data_.size() * sizeof(T));  // the bytes have no alignment
   return true;
 }
 
