@@ -16,6 +16,23 @@ namespace qarv::wave_def {
 /// The parameters of a classical shock pulse: its shape, size and place, the sampling of the frame,
 /// the tolerance definition, and the compensation before and after the pulse.
 ///
+///   half sine  A sin(pi t / W)    haversine  A (1 - cos(2 pi t / W)) / 2    0 <= t <= W
+///   sawtooth, trapezoid, triangle: straight lines
+///
+/// Take it for the pulses of the shock standards, with the bands that these draw around them.
+/// CWaveDefSymmetry compensates with a pulse as high as the main one; CWaveDefDamping serves a
+/// required spectrum.
+///
+///     CWaveDefClassical pulse;
+///     pulse.SetWaveKind(wave_def_sub::HALF_SINE);
+///     pulse.SetMainAmpl(50.0);
+///     pulse.SetMainWidth(0.011);
+///     pulse.SetFmax(1000.0);
+///     pulse.SetNsamp(1024);
+///     pulse.SetTolKind(CWaveDefClassical::TOL_FIXED_4);
+///
+/// The pulse begins and ends on samples: its half width is rounded down to whole ones.
+///
 /// A value that owns its two nested sets; the setters store what they are given, except the two of
 /// the nested sets, which ask for the tolerance kind to be set first.
 class QARV_WAVE_DEF_EXPORT CWaveDefClassical {
@@ -48,33 +65,33 @@ class QARV_WAVE_DEF_EXPORT CWaveDefClassical {
  private:
   // The data model, in record order.
   struct Fields {
-    wave_def_sub::WAVE_KIND WaveKind = {};  // shape of the pulse
-    double MainAmpl = 0.0;                  // [amplitude unit] peak of the main pulse, not 0
-    double MainWidth = 0.0;                 // [s] width of the main pulse
-    double MainRise = 0.0;                  // [width] rise, USER_TRAPEZOID only
-    double MainFall = 0.0;                  // [width] fall, USER_TRAPEZOID only
-    double MainShift = 0.0;  // [frame] place of the pulse's centre, from the middle of the frame
-    double RestPre = 0.0;    // [s] rest before the main pulse, behind the pre-compensation
-    double RestPost = 0.0;   // [s] rest after the main pulse, ahead of the post-compensation
-    double Fmax = 0.0;       // [Hz] upper analysis frequency, not 0; sets the sample interval
-    unsigned int Nsamp = 0;  // [sample] length of the frame, not 0
-    double WaveShift = 0.0;  // [frame] result: shift that the compensation applied
-    TOL_KIND TolKind = TOL_NONE;       // which tolerance definition applies
-    CWaveDefTolUserDef DefTolUserDef;  // levels for TOL_USER_DEF
-    CWaveDefTolSpecify DefTolSpecify;  // levels for TOL_SPECIFY
-    bool AddCmp = false;               // add compensation before and after the pulse
-    bool CmpNonSym = false;            // let pre- and post-compensation differ
-    COMP_TYPE CmpType = CMP_NONE;      // form of the compensation
-    double CmpPre = 0.0;               // [ratio] level of the pre-compensation
-    double CmpPost = 0.0;              // [ratio] level of the post-compensation
-    double CmpPcal = 0.0;              // kept for the caller; not generated from
-    double CmpU1 = 0.0;                // [ratio] result: level of the drawn pre-compensation
-    double CmpU2 = 0.0;                // [ratio] result: level of the drawn post-compensation
-    double CmpRgm1 = 0.0;    // [1] result: share of the main area that the pre-compensation cancels
-    double CmpRgm2 = 0.0;    // [1] result: share that the post-compensation cancels
-    double CmpCparam = 0.0;  // [1] result: the spectrum gain that the search found
-    bool CmpErr = false;     // kept for the caller; not generated from
-    double OptRatLevel = 0.0;  // [1] blend of CMP_OPTIMIZED, used clamped to 0..1
+    wave_def_sub::WAVE_KIND WaveKind = {};
+    double MainAmpl = 0.0;
+    double MainWidth = 0.0;
+    double MainRise = 0.0;
+    double MainFall = 0.0;
+    double MainShift = 0.0;
+    double RestPre = 0.0;
+    double RestPost = 0.0;
+    double Fmax = 0.0;
+    unsigned int Nsamp = 0;
+    double WaveShift = 0.0;
+    TOL_KIND TolKind = TOL_NONE;
+    CWaveDefTolUserDef DefTolUserDef;
+    CWaveDefTolSpecify DefTolSpecify;
+    bool AddCmp = false;
+    bool CmpNonSym = false;
+    COMP_TYPE CmpType = CMP_NONE;
+    double CmpPre = 0.0;
+    double CmpPost = 0.0;
+    double CmpPcal = 0.0;
+    double CmpU1 = 0.0;
+    double CmpU2 = 0.0;
+    double CmpRgm1 = 0.0;
+    double CmpRgm2 = 0.0;
+    double CmpCparam = 0.0;
+    bool CmpErr = false;
+    double OptRatLevel = 0.0;
     bool operator==(const Fields&) const = default;
     static auto Record(auto& f) {
       return std::tie(f.WaveKind, f.MainAmpl, f.MainWidth, f.MainRise, f.MainFall, f.MainShift,
@@ -100,54 +117,86 @@ class QARV_WAVE_DEF_EXPORT CWaveDefClassical {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
+  /// Shape of the pulse; default 0, no shape, which is refused.
   wave_def_sub::WAVE_KIND GetWaveKind() const { return set_->WaveKind; }
   void SetWaveKind(wave_def_sub::WAVE_KIND v) { set_->WaveKind = v; }
+  /// Peak of the main pulse [amplitude unit]; default 0; not 0, a negative one points downwards.
   double GetMainAmpl() const { return set_->MainAmpl; }
   void SetMainAmpl(double v) { set_->MainAmpl = v; }
+  /// Width of the main pulse [s]; default 0; above 0, shorter than the frame.
   double GetMainWidth() const { return set_->MainWidth; }
   void SetMainWidth(double v) { set_->MainWidth = v; }
+  /// Rise of a USER_TRAPEZOID [width]; default 0; 0 or above.
   double GetMainRise() const { return set_->MainRise; }
   void SetMainRise(double v) { set_->MainRise = v; }
+  /// Fall of a USER_TRAPEZOID [width]; default 0; 0 or above.
   double GetMainFall() const { return set_->MainFall; }
   void SetMainFall(double v) { set_->MainFall = v; }
+  /// Place of the pulse's centre, from the middle of the frame [frame]; default 0; above -0.5,
+  /// below 0.5.
   double GetMainShift() const { return set_->MainShift; }
   void SetMainShift(double v) { set_->MainShift = v; }
+  /// Rest before the main pulse, behind the pre-compensation [s]; default 0; 0 or above.
   double GetRestPre() const { return set_->RestPre; }
   void SetRestPre(double v) { set_->RestPre = v; }
+  /// Rest after the main pulse, ahead of the post-compensation [s]; default 0; 0 or above.
   double GetRestPost() const { return set_->RestPost; }
   void SetRestPost(double v) { set_->RestPost = v; }
+  /// Upper analysis frequency, which sets the sampling frequency to 2.56 Fmax [Hz]; default 0;
+  /// above 0.
   double GetFmax() const { return set_->Fmax; }
   void SetFmax(double v) { set_->Fmax = v; }
+  /// Length of the frame [sample]; default 0; 2 or more.
   unsigned int GetNsamp() const { return set_->Nsamp; }
   void SetNsamp(unsigned int v) { set_->Nsamp = v; }
+  /// Result: by how much the compensation moved the pulse [frame]; default 0; positive to the
+  /// right.
   double GetWaveShift() const { return set_->WaveShift; }
   void SetWaveShift(double v) { set_->WaveShift = v; }
+  /// Which tolerance definition applies; default TOL_NONE, which is refused.
   TOL_KIND GetTolKind() const { return set_->TolKind; }
   void SetTolKind(TOL_KIND v) { set_->TolKind = v; }
+  /// Whether compensation is added before and after the pulse; default false.
   bool GetAddCmp() const { return set_->AddCmp; }
   void SetAddCmp(bool v) { set_->AddCmp = v; }
+  /// Whether the two sides may differ; default false.  Compensation of one side alone is never
+  /// symmetric, whatever this says.
   bool GetCmpNonSym() const { return set_->CmpNonSym; }
   void SetCmpNonSym(bool v) { set_->CmpNonSym = v; }
+  /// Form of the compensation; default CMP_NONE, which is refused with AddCmp.
   COMP_TYPE GetCmpType() const { return set_->CmpType; }
   void SetCmpType(COMP_TYPE v) { set_->CmpType = v; }
+  /// Scale of the bands before the pulse, within which the compensation keeps [1]; default 0, which
+  /// leaves that side no more than 1 % of the peak; usually 1.  Not a level: the levels are results
+  /// (CmpU1, CmpU2), and the bands themselves stay as they are drawn.
   double GetCmpPre() const { return set_->CmpPre; }
   void SetCmpPre(double v) { set_->CmpPre = v; }
+  /// Scale of the bands after the pulse, as CmpPre [1]; default 0; usually 1.
   double GetCmpPost() const { return set_->CmpPost; }
   void SetCmpPost(double v) { set_->CmpPost = v; }
+  /// Kept for the caller; default 0; not generated from.
   double GetCmpPcal() const { return set_->CmpPcal; }
   void SetCmpPcal(double v) { set_->CmpPcal = v; }
+  /// Result: level of the drawn pre-compensation [ratio]; default 0.
   double GetCmpU1() const { return set_->CmpU1; }
   void SetCmpU1(double v) { set_->CmpU1 = v; }
+  /// Result: level of the drawn post-compensation [ratio]; default 0.
   double GetCmpU2() const { return set_->CmpU2; }
   void SetCmpU2(double v) { set_->CmpU2 = v; }
+  /// Result: share of the main area that the pre-compensation cancels [1]; default 0.
   double GetCmpRgm1() const { return set_->CmpRgm1; }
   void SetCmpRgm1(double v) { set_->CmpRgm1 = v; }
+  /// Result: share of the main area that the post-compensation cancels [1]; default 0.
   double GetCmpRgm2() const { return set_->CmpRgm2; }
   void SetCmpRgm2(double v) { set_->CmpRgm2 = v; }
+  /// Result: the gain that the search found [1]; default 0.
   double GetCmpCparam() const { return set_->CmpCparam; }
   void SetCmpCparam(double v) { set_->CmpCparam = v; }
+  /// Kept for the caller; default false; not generated from.
   bool GetCmpErr() const { return set_->CmpErr; }
   void SetCmpErr(bool v) { set_->CmpErr = v; }
+  /// CMP_OPTIMIZED: from near the nominal pulse (0) to the least stroke (1) [1]; default 0; clamped
+  /// to 0 .. 1.
   double GetOptRatLevel() const { return set_->OptRatLevel; }
   void SetOptRatLevel(double v) { set_->OptRatLevel = v; }
 

@@ -14,19 +14,32 @@
 
 namespace qarv::wave_def {
 
-/// The parameters of a damped-sine synthesis: the components, the method, and the frequency and
-/// damping of the compensating component that one of the methods adds.
+/// A shock made of decaying sines, each with its own frequency, amplitude, damping and start.
 ///
-/// A value that owns its elements; no setter checks.
+///   x(t) = sum A_i e^(-z_i w_i (t - d_i)) sin(w_i (t - d_i)),   t >= d_i,   w_i = 2 pi Freq_i
+///
+/// Take it for a required shock response spectrum, where a classical pulse has the wrong shape.
+/// With SYNC_WAVE_DAMPED_SINE one more component brings velocity and displacement back to 0; with
+/// the two other methods (SYNC_WAVE_WAVELET among them) every component does so by itself.
+///
+///     CWaveDefDamping shock;
+///     shock.SetSyncWaveType(com_def::comdefconst::SYNC_WAVE_WAVELET);
+///     shock.SetNsamp(4096);
+///     shock.Add(component);  // a CWaveDefDampingElm
+///
+/// At rest at the end as far as the components have died away by then: Nsamp cuts what has not.  A
+/// value that owns its elements; no setter checks.
+///
+/// Source: D. O. Smallwood, A. R. Nord, Matching shock spectra with sums of decaying sinusoids
+/// (1974).
 class QARV_WAVE_DEF_EXPORT CWaveDefDamping {
   // The data model, in record order.
   struct Fields {
-    common::uint64 Nsamp = 0;  // [sample] length of the wave
-    com_def::comdefconst::SYNC_WAVE_TYPE SyncWaveType =
-        com_def::comdefconst::SYNC_WAVE_NONE;  // how the components are summed
-    double Freq = 0.0;                   // [Hz] compensating component, SYNC_WAVE_DAMPED_SINE only
-    double Zeta = 0.0;                   // [1] its damping ratio
-    std::list<CWaveDefDampingElm> Elms;  // the components, in the caller's order
+    common::uint64 Nsamp = 0;
+    com_def::comdefconst::SYNC_WAVE_TYPE SyncWaveType = com_def::comdefconst::SYNC_WAVE_NONE;
+    double Freq = 0.0;
+    double Zeta = 0.0;
+    std::list<CWaveDefDampingElm> Elms;
     bool operator==(const Fields&) const = default;
     static auto Record(auto& f) {
       return std::tie(f.Nsamp, f.SyncWaveType, f.Freq, f.Zeta, f.Elms);
@@ -48,12 +61,17 @@ class QARV_WAVE_DEF_EXPORT CWaveDefDamping {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
+  /// Length of the wave [sample]; default 0; not 0.
   common::uint64 GetNsamp() const { return set_->Nsamp; }
   void SetNsamp(common::uint64 v) { set_->Nsamp = v; }
+  /// How the components are summed; default SYNC_WAVE_NONE, which is refused.
   com_def::comdefconst::SYNC_WAVE_TYPE GetSyncWaveType() const { return set_->SyncWaveType; }
   void SetSyncWaveType(com_def::comdefconst::SYNC_WAVE_TYPE v) { set_->SyncWaveType = v; }
+  /// Frequency of the compensating component [Hz], SYNC_WAVE_DAMPED_SINE only; default 0; below
+  /// that of the components.
   double GetFreq() const { return set_->Freq; }
   void SetFreq(double v) { set_->Freq = v; }
+  /// Its damping ratio [1]; default 0; above 0.
   double GetZeta() const { return set_->Zeta; }
   void SetZeta(double v) { set_->Zeta = v; }
 

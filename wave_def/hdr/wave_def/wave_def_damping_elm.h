@@ -9,15 +9,26 @@
 
 namespace qarv::wave_def {
 
-/// One component of a damped-sine synthesis.  A value; no setter checks.
+/// One component of a damped-sine synthesis (CWaveDefDamping): a decaying sine, or a wavelet of
+/// NumHalf half cycles under a half-sine window.
+///
+///   damped sine  Ampl e^(-Zeta w t) sin(w t),   w = 2 pi Freq,   t from Delay on
+///   wavelet      Ampl sin(w t) sin(w t / NumHalf),   0 <= t <= NumHalf / (2 Freq)
+///
+///     CWaveDefDampingElm component;
+///     component.SetFreq(50.0);
+///     component.SetAmpl(10.0);
+///     component.SetZeta(0.05);
+///
+/// A value; no setter checks.
 class QARV_WAVE_DEF_EXPORT CWaveDefDampingElm {
   // The data model, in record order.
   struct Fields {
-    double Freq = 0.0;         // [Hz] frequency
-    double Ampl = 0.0;         // [amplitude unit] amplitude
-    double Zeta = 0.0;         // [1] damping ratio
-    unsigned int NumHalf = 0;  // [half cycles] wavelet method only
-    double Delay = 0.0;        // [s] start, from the first sample
+    double Freq = 0.0;
+    double Ampl = 0.0;
+    double Zeta = 0.0;
+    unsigned int NumHalf = 0;
+    double Delay = 0.0;
     bool operator==(const Fields&) const = default;
     static auto Record(auto& f) { return std::tie(f.Freq, f.Ampl, f.Zeta, f.NumHalf, f.Delay); }
   };
@@ -37,14 +48,20 @@ class QARV_WAVE_DEF_EXPORT CWaveDefDampingElm {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
+  /// Frequency [Hz]; default 0; above 0, up to half the sampling frequency.
   double GetFreq() const { return set_->Freq; }
   void SetFreq(double v) { set_->Freq = v; }
+  /// Amplitude [amplitude unit]; default 0, which adds nothing; any, also negative.
   double GetAmpl() const { return set_->Ampl; }
   void SetAmpl(double v) { set_->Ampl = v; }
+  /// Damping ratio [1]; default 0; 0 to below 1, usually 0.01 to 0.2; not used by wavelets.
   double GetZeta() const { return set_->Zeta; }
   void SetZeta(double v) { set_->Zeta = v; }
+  /// Length of a wavelet [half cycles]; default 0; odd and 3 or more, as only then it ends at rest:
+  /// less is drawn as 3, an even number as the next one.
   unsigned int GetNumHalf() const { return set_->NumHalf; }
   void SetNumHalf(unsigned int v) { set_->NumHalf = v; }
+  /// Start, from the first sample [s]; default 0; 0 or above.
   double GetDelay() const { return set_->Delay; }
   void SetDelay(double v) { set_->Delay = v; }
 };

@@ -13,7 +13,23 @@ namespace qarv::wave_def {
 /// A sine in three linear sections of amplitude: up from 0 to a beginning level over the pre-time,
 /// from there to an end level over a ramp, and down towards 0 over the remaining samples.
 ///
-/// A value; no setter checks.
+///   x(t) = e(t) sin(2 pi t / Period),   e: 0 to LevelBeg in PreTime, on to LevelEnd in the ramp,
+///                                       and in a straight line towards 0 at the end
+///
+/// Take it to find the level at which something happens, at one frequency.  CWaveDefSingle stays at
+/// one level.
+///
+///     CWaveDefGradual ramp;
+///     ramp.SetPeriod(0.01);
+///     ramp.SetLevelBeg(1.0);
+///     ramp.SetLevelEnd(5.0);
+///     ramp.SetLengthType(CWaveDefGradual::LENGTH_BY_TIME);
+///     ramp.SetWaveTime(2.0);
+///     ramp.SetPreTime(0.1);
+///     ramp.SetNsamp(2300);
+///
+/// The fall does not reach 0: the last sample is that of the line one sample before its end.  A
+/// value; no setter checks.
 class QARV_WAVE_DEF_EXPORT CWaveDefGradual {
  public:
   /// How the length of the ramp is given.
@@ -26,15 +42,15 @@ class QARV_WAVE_DEF_EXPORT CWaveDefGradual {
  private:
   // The data model, in record order.
   struct Fields {
-    double Period = 0.0;    // [s] period of the sine
-    double LevelBeg = 0.0;  // [amplitude unit] amplitude at the start of the ramp
-    double LevelEnd = 0.0;  // [amplitude unit] amplitude at the end of the ramp
-    LENGTH_TYPE LengthType = LENGTH_TYPE_NONE;  // whether the ramp is given by time or by slope
-    double WaveTime = 0.0;                      // [s] duration of the ramp, with LENGTH_BY_TIME
-    double WaveSlope = 0.0;  // [amplitude unit / s] slope of the ramp, with LENGTH_BY_SLOPE
-    double PreTime = 0.0;    // [s] duration of the rise from 0 to LevelBeg
-    double EdgeTime = 0.0;   // [s] kept for the caller; not generated from
-    unsigned int Nsamp = 0;  // [sample] length of the wave
+    double Period = 0.0;
+    double LevelBeg = 0.0;
+    double LevelEnd = 0.0;
+    LENGTH_TYPE LengthType = LENGTH_TYPE_NONE;
+    double WaveTime = 0.0;
+    double WaveSlope = 0.0;
+    double PreTime = 0.0;
+    double EdgeTime = 0.0;
+    unsigned int Nsamp = 0;
     bool operator==(const Fields&) const = default;
     static auto Record(auto& f) {
       return std::tie(f.Period, f.LevelBeg, f.LevelEnd, f.LengthType, f.WaveTime, f.WaveSlope,
@@ -57,22 +73,33 @@ class QARV_WAVE_DEF_EXPORT CWaveDefGradual {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
+  /// Period of the sine [s]; default 0; at least two sampling intervals.
   double GetPeriod() const { return set_->Period; }
   void SetPeriod(double v) { set_->Period = v; }
+  /// Amplitude at the start of the ramp [amplitude unit]; default 0; any.
   double GetLevelBeg() const { return set_->LevelBeg; }
   void SetLevelBeg(double v) { set_->LevelBeg = v; }
+  /// Amplitude at the end of the ramp [amplitude unit]; default 0; any.
   double GetLevelEnd() const { return set_->LevelEnd; }
   void SetLevelEnd(double v) { set_->LevelEnd = v; }
+  /// Whether the ramp is given by its time or its slope; default LENGTH_TYPE_NONE, which is
+  /// refused.
   LENGTH_TYPE GetLengthType() const { return set_->LengthType; }
   void SetLengthType(LENGTH_TYPE v) { set_->LengthType = v; }
+  /// Duration of the ramp [s], with LENGTH_BY_TIME; default 0; 0 or above.
   double GetWaveTime() const { return set_->WaveTime; }
   void SetWaveTime(double v) { set_->WaveTime = v; }
+  /// Slope of the ramp [amplitude unit / s], with LENGTH_BY_SLOPE; default 0; not 0, of the sign of
+  /// LevelEnd - LevelBeg.
   double GetWaveSlope() const { return set_->WaveSlope; }
   void SetWaveSlope(double v) { set_->WaveSlope = v; }
+  /// Duration of the rise from 0 to LevelBeg [s]; default 0; 0 or above.
   double GetPreTime() const { return set_->PreTime; }
   void SetPreTime(double v) { set_->PreTime = v; }
+  /// Kept for the caller [s]; default 0; not generated from.
   double GetEdgeTime() const { return set_->EdgeTime; }
   void SetEdgeTime(double v) { set_->EdgeTime = v; }
+  /// Length of the wave [sample]; default 0; not 0; what lies behind the ramp is the fall.
   unsigned int GetNsamp() const { return set_->Nsamp; }
   void SetNsamp(unsigned int v) { set_->Nsamp = v; }
 };

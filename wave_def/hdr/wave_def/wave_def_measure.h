@@ -12,14 +12,20 @@
 namespace qarv::wave_def {
 
 /// The origin of a measured waveform: its path and the log of its edits.  The samples themselves
-/// are handed to CWaveDef beside it.
+/// are handed to CWaveDef beside it, and nothing is ever read from the path.
+///
+/// Take it to run a recorded shock or vibration again; all other families make their samples.
+///
+///     CWaveDefMeasure origin;
+///     origin.SetMeasPath("drop_test.csv");
+///     def.SetDefMeasure(origin, samples);
 ///
 /// A value; no setter checks.
 class QARV_WAVE_DEF_EXPORT CWaveDefMeasure {
   // The data model, in record order.
   struct Fields {
-    std::string MeasPath;                     // path of the measured data, as the caller gave it
-    data_edit_log::CDataEditLog DataEditLog;  // the edits applied to the measured data
+    std::string MeasPath;
+    data_edit_log::CDataEditLog DataEditLog;
     bool operator==(const Fields&) const = default;
     static auto Record(auto& f) { return std::tie(f.MeasPath, f.DataEditLog); }
   };
@@ -39,8 +45,10 @@ class QARV_WAVE_DEF_EXPORT CWaveDefMeasure {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
+  /// Path of the measured data, as the caller gave it; default empty; never opened.
   const std::string& GetMeasPath() const { return set_->MeasPath; }
   void SetMeasPath(const std::string& v) { set_->MeasPath = v; }
+  /// The edits applied to the measured data; default none.
   const data_edit_log::CDataEditLog& GetDataEditLog() const { return set_->DataEditLog; }
   void SetDataEditLog(const data_edit_log::CDataEditLog& v) { set_->DataEditLog = v; }
 };

@@ -13,7 +13,22 @@ namespace qarv::wave_def {
 /// A sine packet, repeated with a silent rest in between: a beat, whose amplitude follows one half
 /// sine over the packet, or a burst of constant amplitude, whose ends may be tapered.
 ///
-/// A value; no setter checks.
+///   beat:   x(t) = Ampl sin(2 pi Freq t) sin(pi Freq t / Cycle),   0 <= t < Cycle / Freq
+///   burst:  x(t) = Ampl sin(2 pi Freq t)
+///
+/// Take it for tests of equipment at its resonances, as for earthquakes; the beat is the gentler
+/// one.  CWaveDefSingle goes on without a rest.
+///
+///     CWaveDefSineBeatBurst beats;
+///     beats.SetWaveKind(CWaveDefSineBeatBurst::SINE_BEAT);
+///     beats.SetAmpl(1.0);
+///     beats.SetFreq(5.0);
+///     beats.SetCycle(10);
+///     beats.SetFrame(5);
+///     beats.SetRestTime(2.0);
+///
+/// Packet and rest are whole samples, each rounded half up, so a packet may begin up to half a
+/// sample per packet and rest before it beside its time.  A value; no setter checks.
 class QARV_WAVE_DEF_EXPORT CWaveDefSineBeatBurst {
  public:
   /// The kind of packet.
@@ -33,16 +48,16 @@ class QARV_WAVE_DEF_EXPORT CWaveDefSineBeatBurst {
  private:
   // The data model, in record order.
   struct Fields {
-    WAVE_KIND WaveKind = WAVE_KIND_NONE;   // beat or burst
-    double Ampl = 0.0;                     // [amplitude unit] peak amplitude
-    double Freq = 0.0;                     // [Hz] frequency of the sine
-    unsigned int Cycle = 0;                // [cycles] length of a packet
-    unsigned int Frame = 0;                // number of packets
-    double RestTime = 0.0;                 // [s] silence between two packets
-    bool Edging = false;                   // whether a burst's ends are tapered
-    unsigned int EdgeRise = 0;             // [cycles] length of the rising taper
-    unsigned int EdgeFall = 0;             // [cycles] length of the falling taper
-    WINDOW_TYPE EdgeWindow = WINDOW_NONE;  // shape of the tapers
+    WAVE_KIND WaveKind = WAVE_KIND_NONE;
+    double Ampl = 0.0;
+    double Freq = 0.0;
+    unsigned int Cycle = 0;
+    unsigned int Frame = 0;
+    double RestTime = 0.0;
+    bool Edging = false;
+    unsigned int EdgeRise = 0;
+    unsigned int EdgeFall = 0;
+    WINDOW_TYPE EdgeWindow = WINDOW_NONE;
     bool operator==(const Fields&) const = default;
     static auto Record(auto& f) {
       return std::tie(f.WaveKind, f.Ampl, f.Freq, f.Cycle, f.Frame, f.RestTime, f.Edging,
@@ -65,21 +80,31 @@ class QARV_WAVE_DEF_EXPORT CWaveDefSineBeatBurst {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
+  /// Beat or burst; default WAVE_KIND_NONE, which is refused.
   WAVE_KIND GetWaveKind() const { return set_->WaveKind; }
   void SetWaveKind(WAVE_KIND v) { set_->WaveKind = v; }
+  /// Peak amplitude [amplitude unit]; default 0; not 0.
   double GetAmpl() const { return set_->Ampl; }
   void SetAmpl(double v) { set_->Ampl = v; }
+  /// Frequency of the sine [Hz]; default 0; above 0, up to half the sampling frequency.
   double GetFreq() const { return set_->Freq; }
   void SetFreq(double v) { set_->Freq = v; }
+  /// Length of a packet [cycles]; default 0; 1 or more.
   unsigned int GetCycle() const { return set_->Cycle; }
   void SetCycle(unsigned int v) { set_->Cycle = v; }
+  /// Number of packets [1]; default 0; 1 or more.
   unsigned int GetFrame() const { return set_->Frame; }
   void SetFrame(unsigned int v) { set_->Frame = v; }
+  /// Silence between two packets [s]; default 0; 0 or above, a negative one makes packets overlap.
   double GetRestTime() const { return set_->RestTime; }
   void SetRestTime(double v) { set_->RestTime = v; }
+  /// Whether the ends of a burst are tapered; default false.
   bool GetEdging() const { return set_->Edging; }
+  /// Length of the rising taper [cycles]; default 0.
   unsigned int GetEdgeRise() const { return set_->EdgeRise; }
+  /// Length of the falling taper [cycles]; default 0.
   unsigned int GetEdgeFall() const { return set_->EdgeFall; }
+  /// Shape of the tapers; default WINDOW_NONE.
   WINDOW_TYPE GetEdgeWindow() const { return set_->EdgeWindow; }
 
   /// Sets the edges of a burst.  With @p edging false the lengths and the window become 0, whatever

@@ -13,8 +13,20 @@ namespace qarv::wave_def {
 /// A sine of one frequency: its amplitude rises from 0 over the edge time, stays at the peak level,
 /// and falls again over the edge time at the end.
 ///
-/// A value; no setter checks.  `Period`, `PeakLevel`, `EdgeTime` and `Nsamp` make the wave; the
-/// rest is kept for the caller.
+///   x(t) = e(t) sin(2 pi t / Period),   e = PeakLevel t / EdgeTime  in the first EdgeTime,
+///                                       e = PeakLevel               between the edges,
+///                                       e = PeakLevel (T - t) / EdgeTime  in the last, T the end
+///
+/// Take it for a dwell at one frequency.  CWaveDefGradual changes the amplitude on the way,
+/// CWaveDefSineBeatBurst repeats short packets.
+///
+///     CWaveDefSingle sine;
+///     sine.SetPeriod(0.01);
+///     sine.SetPeakLevel(2.0);
+///     sine.SetNsamp(1000);
+///
+/// Phase and amplitude come from the sample's index, so that no error builds up in a long wave.  A
+/// value; no setter checks.  `Period`, `PeakLevel`, `EdgeTime` and `Nsamp` make the wave.
 class QARV_WAVE_DEF_EXPORT CWaveDefSingle {
  public:
   /// How the caller expressed the length.  The values other than 0 are the caller's own.
@@ -25,14 +37,13 @@ class QARV_WAVE_DEF_EXPORT CWaveDefSingle {
  private:
   // The data model, in record order.
   struct Fields {
-    double Period = 0.0;     // [s] period of the sine
-    double PeakLevel = 0.0;  // [amplitude unit] amplitude between the edges
-    LENGTH_TYPE LengthType =
-        LENGTH_TYPE_NONE;     // how the caller stated the length; not generated from
-    double WaveTime = 0.0;    // [s] duration as the caller stated it; not generated from
-    double WavePeriod = 0.0;  // length in the caller's terms; not generated from
-    double EdgeTime = 0.0;    // [s] duration of each linear edge
-    unsigned int Nsamp = 0;   // [sample] length of the wave
+    double Period = 0.0;
+    double PeakLevel = 0.0;
+    LENGTH_TYPE LengthType = LENGTH_TYPE_NONE;
+    double WaveTime = 0.0;
+    double WavePeriod = 0.0;
+    double EdgeTime = 0.0;
+    unsigned int Nsamp = 0;
     bool operator==(const Fields&) const = default;
     static auto Record(auto& f) {
       return std::tie(f.Period, f.PeakLevel, f.LengthType, f.WaveTime, f.WavePeriod, f.EdgeTime,
@@ -55,18 +66,25 @@ class QARV_WAVE_DEF_EXPORT CWaveDefSingle {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
+  /// Period of the sine [s]; default 0; at least two sampling intervals.
   double GetPeriod() const { return set_->Period; }
   void SetPeriod(double v) { set_->Period = v; }
+  /// Amplitude between the edges [amplitude unit]; default 0; any, also negative.
   double GetPeakLevel() const { return set_->PeakLevel; }
   void SetPeakLevel(double v) { set_->PeakLevel = v; }
+  /// How the caller stated the length; default LENGTH_TYPE_NONE; kept, not generated from.
   LENGTH_TYPE GetLengthType() const { return set_->LengthType; }
   void SetLengthType(LENGTH_TYPE v) { set_->LengthType = v; }
+  /// Duration as the caller stated it [s]; default 0; kept, not generated from.
   double GetWaveTime() const { return set_->WaveTime; }
   void SetWaveTime(double v) { set_->WaveTime = v; }
+  /// A length in the caller's own terms and unit; default 0; kept, not generated from.
   double GetWavePeriod() const { return set_->WavePeriod; }
   void SetWavePeriod(double v) { set_->WavePeriod = v; }
+  /// Duration of each edge [s]; default 0, no edges; up to half the duration of the wave.
   double GetEdgeTime() const { return set_->EdgeTime; }
   void SetEdgeTime(double v) { set_->EdgeTime = v; }
+  /// Length of the wave [sample]; default 0; not 0.
   unsigned int GetNsamp() const { return set_->Nsamp; }
   void SetNsamp(unsigned int v) { set_->Nsamp = v; }
 };

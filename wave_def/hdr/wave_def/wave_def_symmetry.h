@@ -14,21 +14,35 @@ namespace qarv::wave_def {
 /// the net area is zero.  The compensation stands whole before or behind the main pulse, or as two
 /// halves of half the amplitude around it.
 ///
+///   half sine  Peak sin(pi t / Width)          triangle  0 to Peak at PeakPos Width, and back
+///   haversine  Peak (1 - cos(2 pi t / Width)) / 2
+///
+/// Take it for a shock whose compensation may be as high as the pulse: it is the shortest one that
+/// ends at rest.  CWaveDefClassical keeps the compensation within the bands of a standard, in a
+/// longer frame.
+///
+///     CWaveDefSymmetry shock;
+///     shock.SetWaveKind(wave_def_sub::HALF_SINE);
+///     shock.SetPeak(10.0);
+///     shock.SetWidth(0.02);
+///     shock.SetDevideComp(true);
+///
+/// The velocity ends at 0.  The displacement does so only with two halves that lie symmetrically.
 /// A value; no setter checks.
 class QARV_WAVE_DEF_EXPORT CWaveDefSymmetry {
   // The data model, in record order.
   struct Fields {
-    wave_def_sub::WAVE_KIND WaveKind = {};  // shape of the pulses: HALF_SINE, TRIANGLE or HAVERSINE
-    double Peak = 0.0;                      // [amplitude unit] peak of the main pulse
-    double Width = 0.0;                     // [s] width of each pulse
-    double PeakPos = 0.0;                   // [width] place of a triangle's peak
-    double PreZero = 0.0;                   // [s] silence before the first pulse
-    double MidZero = 0.0;                   // [s] silence between the first pulse and the next
-    double PostZero = 0.0;                  // [s] silence after the last pulse
-    bool DevideComp = false;  // the compensating pulse is divided into halves around the main pulse
-    bool CompForward = false;      // the whole compensating pulse comes before the main pulse
-    bool MidBackward = false;      // kept for the caller; not generated from
-    double MidZeroBackward = 0.0;  // [s] silence between the main pulse and the second half
+    wave_def_sub::WAVE_KIND WaveKind = {};
+    double Peak = 0.0;
+    double Width = 0.0;
+    double PeakPos = 0.0;
+    double PreZero = 0.0;
+    double MidZero = 0.0;
+    double PostZero = 0.0;
+    bool DevideComp = false;
+    bool CompForward = false;
+    bool MidBackward = false;
+    double MidZeroBackward = 0.0;
     bool operator==(const Fields&) const = default;
     static auto Record(auto& f) {
       return std::tie(f.WaveKind, f.Peak, f.Width, f.PeakPos, f.PreZero, f.MidZero, f.PostZero,
@@ -51,26 +65,38 @@ class QARV_WAVE_DEF_EXPORT CWaveDefSymmetry {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
+  /// Shape of the pulses: HALF_SINE, TRIANGLE or HAVERSINE; default 0, no shape, which is refused.
   wave_def_sub::WAVE_KIND GetWaveKind() const { return set_->WaveKind; }
   void SetWaveKind(wave_def_sub::WAVE_KIND v) { set_->WaveKind = v; }
+  /// Peak of the main pulse [amplitude unit]; default 0; not 0.
   double GetPeak() const { return set_->Peak; }
   void SetPeak(double v) { set_->Peak = v; }
+  /// Width of each pulse [s]; default 0; not 0.
   double GetWidth() const { return set_->Width; }
   void SetWidth(double v) { set_->Width = v; }
+  /// Place of a triangle's peak [width]; default 0; 0 to 1.
   double GetPeakPos() const { return set_->PeakPos; }
   void SetPeakPos(double v) { set_->PeakPos = v; }
+  /// Silence before the first pulse [s]; default 0; 0 or above.
   double GetPreZero() const { return set_->PreZero; }
   void SetPreZero(double v) { set_->PreZero = v; }
+  /// Silence between the first pulse and the next [s]; default 0; 0 or above.
   double GetMidZero() const { return set_->MidZero; }
   void SetMidZero(double v) { set_->MidZero = v; }
+  /// Silence after the last pulse [s]; default 0; 0 or above.
   double GetPostZero() const { return set_->PostZero; }
   void SetPostZero(double v) { set_->PostZero = v; }
+  /// Whether the compensating pulse is divided into halves around the main pulse; default false.
   bool GetDevideComp() const { return set_->DevideComp; }
   void SetDevideComp(bool v) { set_->DevideComp = v; }
+  /// Whether the whole compensating pulse comes before the main pulse; default false.
   bool GetCompForward() const { return set_->CompForward; }
   void SetCompForward(bool v) { set_->CompForward = v; }
+  /// Kept for the caller; default false; not generated from.
   bool GetMidBackward() const { return set_->MidBackward; }
   void SetMidBackward(bool v) { set_->MidBackward = v; }
+  /// Silence between the main pulse and the second half [s], with DevideComp; default 0; 0 or
+  /// above.
   double GetMidZeroBackward() const { return set_->MidZeroBackward; }
   void SetMidZeroBackward(double v) { set_->MidZeroBackward = v; }
 };

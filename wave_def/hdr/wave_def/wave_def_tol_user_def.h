@@ -12,24 +12,41 @@ namespace qarv::wave_def {
 /// A tolerance band that the user defines: a level before the pulse, a transition into it, the main
 /// pulse, a transition out of it and a level behind it.
 ///
+///   over the pulse:  band = wave + ((1 - x) edge + x TolMain) A,   x = wave / A,   A the peak
+///
+/// edge is the level before the pulse up to the peak and that after it from there on, or with a
+/// transition TolPulsBeg and TolPulsEnd.  Take it where no standard's figure fits, and for
+/// triangles and user trapezoids, which have no other band; CWaveDefTolSpecify draws the standards'
+/// figures.
+///
+///     CWaveDefTolUserDef levels;
+///     levels.SetTolLeftU(0.05);
+///     levels.SetTolLeftL(0.05);
+///     levels.SetTolMainU(0.15);
+///     levels.SetTolMainL(0.15);
+///     levels.SetTolRightU(0.2);
+///     levels.SetTolRightL(0.3);
+///     pulse.SetTolKind(CWaveDefClassical::TOL_USER_DEF);  // before the levels
+///     pulse.SetDefTolUserDef(levels);
+///
 /// Levels are ratios to the peak amplitude; lower levels are entered positive and applied negated.
 /// A value; no setter checks.
 class QARV_WAVE_DEF_EXPORT CWaveDefTolUserDef {
   // The data model, in record order.
   struct Fields {
-    double TolLeftU = 0.0;     // [ratio] upper level before the pulse
-    double TolLeftL = 0.0;     // [ratio] lower level before the pulse
-    double TolFrontA = 0.0;    // [width] transition into the pulse; 0 = none
-    double TolMainU = 0.0;     // [ratio] upper level on the main pulse
-    double TolMainL = 0.0;     // [ratio] lower level on the main pulse
-    double TolRightU = 0.0;    // [ratio] upper level after the pulse
-    double TolRightL = 0.0;    // [ratio] lower level after the pulse
-    double TolRearA = 0.0;     // [width] transition out of the pulse; 0 = none
-    bool TolPulsSet = false;   // the four levels below are in force
-    double TolPulsBegU = 0.0;  // [ratio] upper level at the pulse's beginning
-    double TolPulsBegL = 0.0;  // [ratio] lower level at the pulse's beginning
-    double TolPulsEndU = 0.0;  // [ratio] upper level at the pulse's end
-    double TolPulsEndL = 0.0;  // [ratio] lower level at the pulse's end
+    double TolLeftU = 0.0;
+    double TolLeftL = 0.0;
+    double TolFrontA = 0.0;
+    double TolMainU = 0.0;
+    double TolMainL = 0.0;
+    double TolRightU = 0.0;
+    double TolRightL = 0.0;
+    double TolRearA = 0.0;
+    bool TolPulsSet = false;
+    double TolPulsBegU = 0.0;
+    double TolPulsBegL = 0.0;
+    double TolPulsEndU = 0.0;
+    double TolPulsEndL = 0.0;
     bool operator==(const Fields&) const = default;
     static auto Record(auto& f) {
       return std::tie(f.TolLeftU, f.TolLeftL, f.TolFrontA, f.TolMainU, f.TolMainL, f.TolRightU,
@@ -53,26 +70,39 @@ class QARV_WAVE_DEF_EXPORT CWaveDefTolUserDef {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
+  /// Upper level before the pulse [ratio]; default 0; 0 or above.
   double GetTolLeftU() const { return set_->TolLeftU; }
   void SetTolLeftU(double v) { set_->TolLeftU = v; }
+  /// Lower level before the pulse [ratio]; default 0; 0 or above, applied negated.
   double GetTolLeftL() const { return set_->TolLeftL; }
   void SetTolLeftL(double v) { set_->TolLeftL = v; }
+  /// Transition into the pulse [width]; default 0, none; 0 or above.
   double GetTolFrontA() const { return set_->TolFrontA; }
   void SetTolFrontA(double v) { set_->TolFrontA = v; }
+  /// Upper margin at the peak [ratio]; default 0; 0 or above.
   double GetTolMainU() const { return set_->TolMainU; }
   void SetTolMainU(double v) { set_->TolMainU = v; }
+  /// Lower margin at the peak [ratio]; default 0; 0 or above, applied negated.
   double GetTolMainL() const { return set_->TolMainL; }
   void SetTolMainL(double v) { set_->TolMainL = v; }
+  /// Upper level after the pulse [ratio]; default 0; 0 or above.
   double GetTolRightU() const { return set_->TolRightU; }
   void SetTolRightU(double v) { set_->TolRightU = v; }
+  /// Lower level after the pulse [ratio]; default 0; 0 or above, applied negated.
   double GetTolRightL() const { return set_->TolRightL; }
   void SetTolRightL(double v) { set_->TolRightL = v; }
+  /// Transition out of the pulse [width]; default 0, none; 0 or above.
   double GetTolRearA() const { return set_->TolRearA; }
   void SetTolRearA(double v) { set_->TolRearA = v; }
+  /// Whether the four levels below are in force; default false.
   bool GetTolPulsSet() const { return set_->TolPulsSet; }
+  /// Upper level at the pulse's beginning [ratio]; default 0, which takes TolMain for both bands.
   double GetTolPulsBegU() const { return set_->TolPulsBegU; }
+  /// Lower level at the pulse's beginning [ratio]; default 0; applied negated.
   double GetTolPulsBegL() const { return set_->TolPulsBegL; }
+  /// Upper level at the pulse's end [ratio]; default 0, which takes TolMain for both bands.
   double GetTolPulsEndU() const { return set_->TolPulsEndU; }
+  /// Lower level at the pulse's end [ratio]; default 0; applied negated.
   double GetTolPulsEndL() const { return set_->TolPulsEndL; }
 
   /// Sets the levels at the pulse's beginning and end, or with @p set false puts them out of force
