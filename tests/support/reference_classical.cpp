@@ -385,6 +385,99 @@ void SawtoothStandardBand(const Std& tol, uint64 p, const Frame& f, const Wave& 
   DropAndRight(f, e, T, e + 1, E * f.A, out);
 }
 
+// ---- Trapezoid ---------------------------------------------------------------------------------
+
+Fractions TrapezoidFractions(const Def& def) {
+  if (def.GetWaveKind() == USER_TRAPEZOID) return {def.GetMainRise(), def.GetMainFall()};
+  if (def.GetWaveKind() == TRIANGLE) return {0.5, 0.5};
+  if (def.GetTolKind() != Def::TOL_SPECIFY) return {0.1, 0.1};
+  const Std& tol = def.GetDefTolSpecify();
+  Require(tol.GetBaseStandard() >= 1 && tol.GetBaseStandard() <= 5);
+  return {tol.GetPulseRiseWidth(), tol.GetPulseFallWidth()};
+}
+
+struct Corners {
+  uint64 start, riseEnd, fallStart, end;
+};
+
+Corners TrapezoidCorners(const Def& def, uint64 centre, double dt, uint64 N) {
+  const auto half = HalfWidthOf(def.GetMainWidth(), dt, N);
+  Require(half.has_value());
+  const Fractions part = TrapezoidFractions(def);
+  const double S = def.GetMainWidth() / dt;
+  Corners c{centre - half->n, 0, 0, centre + half->n};
+  c.riseEnd = c.start + Index(std::floor(S * part.rise + 0.01));
+  c.fallStart = c.end - Index(std::floor(S * part.fall + 0.01));
+  Require(c.start < N && c.riseEnd < N && c.fallStart < N && c.end < N);
+  return c;
+}
+
+/// The levels of a trapezoid's band, signed, and the length of its front line in widths.
+struct TrapezoidLevels {
+  double left, front, begin, slope, plateau, right;
+};
+
+TrapezoidLevels TrapezoidLevelsOf(const Def& def, bool upper) {
+  const int kind = def.GetTolKind();
+  const auto either = [&](double u, double l) { return upper ? u : -l; };
+  if (kind == 11) {
+    const Std& tol = def.GetDefTolSpecify();
+    Require(tol.GetWaveKind() == TRAPEZOID);
+    return {either(tol.GetTolBeginHi(), tol.GetTolBeginLo()),
+            tol.GetPulseBeforeWidth(),
+            either(tol.GetPulseBeforeHi(), tol.GetPulseBeforeLo()),
+            either(tol.GetPulseSlopeHi(), tol.GetPulseSlopeLo()),
+            upper ? tol.GetMainPulseHi() : tol.GetMainPulseLo(),
+            either(tol.GetTolEndHi(), tol.GetTolEndLo())};
+  }
+  if (kind == 1 || kind == 3 || kind == 4 || kind == 6) {
+    const double none = either(0.0, 0.0);
+    return {none, 0.0, none, none, 1 + none, 0.0};
+  }
+  const bool wide = kind == 5 || kind == 7;
+  const bool tight = kind == 2 || kind == 9;
+  const double left = wide ? 0.2 : 0.05;
+  const double margin = tight ? 0.15 : 0.2;
+  return {either(left, left),     kind == 2 ? 0.3 : 0.4,      either(margin, margin),
+          either(margin, margin), 1 + either(margin, margin), either(0.2, tight ? 0.3 : 0.2)};
+}
+
+/// Sample by sample: which stretches of the figure reach it, and the limit of each.
+void TrapezoidBand(const Def& def, const Frame& f, const Wave& wave, Wave* out) {
+  const TrapezoidLevels level = TrapezoidLevelsOf(def, f.upper);
+  const Corners c = TrapezoidCorners(def, f.centre, f.dt, f.N);
+  const uint64 frontStart = c.start - Index(level.front * f.W / f.dt);
+  Require(frontStart < f.N);
+  const uint64 first = std::min({c.start, c.riseEnd, c.fallStart});
+  const uint64 last = std::max({c.end, c.riseEnd, c.fallStart});
+  const uint64 topFirst = std::min(c.riseEnd, c.fallStart);
+  const uint64 topLast = std::max(c.riseEnd, c.fallStart);
+  const double plateau = level.plateau * f.A;
+  const auto sample = [&](uint64 i) { return i < f.N ? wave.at(i) : wave.at(f.N - 1); };
+  for (uint64 i = 0; i < f.N; ++i) {
+    if (i <= c.start) Merge(out, i, level.left * f.A, f.keep);
+    if (i >= frontStart && i <= c.start) {
+      Merge(out, i, OnLine(i, frontStart, level.left * f.A, c.start, level.begin * f.A), f.keep);
+    }
+    // Above, the pulse and its top are one sample longer at either end; below, the top is shorter.
+    const bool onPulse = f.upper ? i + 1 >= first && i <= last + 1 : i >= first && i <= last;
+    const bool onTop =
+        f.upper ? i + 1 >= topFirst && i <= topLast + 1 : i >= topFirst + 1 && i + 1 <= topLast;
+    if (onPulse) {
+      double nominal = wave.at(i);
+      for (const double beside : {sample(i == 0 ? 0 : i - 1), sample(i + 1)}) {
+        nominal = f.upper ? std::max(nominal, beside) : std::min(nominal, beside);
+      }
+      double v = nominal + level.slope * f.A;
+      if (onTop || plateau < v) v = plateau;
+      // Nothing else of the lower band lies behind the start and before the end.
+      if (!f.upper && i > c.start && i <= c.end) out->at(i) = v;
+      Merge(out, i, v, f.keep);
+    }
+    if (i >= c.end) Merge(out, i, level.right * f.A, f.keep);
+  }
+}
+
 // ---- Pulses ------------------------------------------------------------------------------------
 
 void CosinePulse(const Def& def, uint64 centre, double dt, Wave* wave) {
@@ -432,34 +525,17 @@ void SawtoothPulse(const Def& def, uint64 centre, double dt, Wave* wave) {
 }
 
 void TrapezoidPulse(const Def& def, uint64 centre, double dt, Wave* wave) {
-  Fractions part{0.5, 0.5};
-  if (def.GetWaveKind() == USER_TRAPEZOID) part = {def.GetMainRise(), def.GetMainFall()};
-  if (def.GetWaveKind() == TRAPEZOID) {
-    part = {0.1, 0.1};
-    if (def.GetTolKind() == Def::TOL_SPECIFY) {
-      const Std& tol = def.GetDefTolSpecify();
-      Require(tol.GetBaseStandard() >= 1 && tol.GetBaseStandard() <= 5);
-      part = {tol.GetPulseRiseWidth(), tol.GetPulseFallWidth()};
-    }
-  }
-  const uint64 N = wave->size();
-  const auto half = HalfWidthOf(def.GetMainWidth(), dt, N);
-  Require(half.has_value());
-  const uint64 start = centre - half->n;
-  const uint64 end = centre + half->n;
-  const double S = def.GetMainWidth() / dt;
-  const uint64 riseEnd = start + Index(std::floor(S * part.rise + 0.01));
-  const uint64 fallStart = end - Index(std::floor(S * part.fall + 0.01));
+  const Fractions part = TrapezoidFractions(def);
+  const Corners c = TrapezoidCorners(def, centre, dt, wave->size());
   const double A = def.GetMainAmpl();
-  Require(start < N && riseEnd < N && fallStart < N && end < N);
-  for (uint64 i = std::min(start, riseEnd); i <= std::max(start, riseEnd); ++i) {
-    Merge(wave, i, OnLine(i, start, 0.0, riseEnd, A), Keep::Larger);
+  for (uint64 i = std::min(c.start, c.riseEnd); i <= std::max(c.start, c.riseEnd); ++i) {
+    Merge(wave, i, OnLine(i, c.start, 0.0, c.riseEnd, A), Keep::Larger);
   }
   if (part.rise + part.fall != 1.0) {
-    for (uint64 i = std::min(riseEnd, fallStart); i <= std::max(riseEnd, fallStart); ++i)
+    for (uint64 i = std::min(c.riseEnd, c.fallStart); i <= std::max(c.riseEnd, c.fallStart); ++i)
       Merge(wave, i, A, Keep::Larger);
   }
-  DrawFall(wave, fallStart, A, end);
+  DrawFall(wave, c.fallStart, A, c.end);
 }
 
 template <class Draw>
@@ -522,6 +598,7 @@ std::optional<Wave> Band(const CWaveDefClassical& def, bool upper, uint64 centre
       if (kind == 11) return HalfSineStandardBand(tol, f, wave, out);
       return HalfSineTableBand(kind, f, wave, out);
     }
+    if (shape == TRAPEZOID) return TrapezoidBand(def, f, wave, out);
     Require(shape == TERMINAL_PEAK_SAWTOOTH);  // the others have the user's band only
     if (kind == 9) return SawtoothKind9Band(f, wave, out);
     const uint64 peak = SawtoothPeak(def, centre, dt);

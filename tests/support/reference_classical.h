@@ -1,5 +1,4 @@
-// A second computation of the classical pulses and their bands, written rule by rule: every pulse
-// shape, every band but the trapezoid's own.
+// A second computation of the classical pulses and their bands, written rule by rule.
 #pragma once
 
 #include <optional>
@@ -21,7 +20,7 @@ std::optional<HalfWidth> HalfWidthOf(double width, double dt, uint64 N);
 /// The pulse alone.
 std::optional<Wave> Pulse(const CWaveDefClassical& def, uint64 centre, double dt);
 
-/// A band of a drawn pulse; not for a trapezoid, unless the user defines its band.
+/// A band of a drawn pulse.
 std::optional<Wave> Band(const CWaveDefClassical& def, bool upper, uint64 centre, double dt,
                          const Wave& wave);
 
@@ -36,7 +35,7 @@ std::optional<Place> PlaceOf(const CWaveDefClassical& def);
 struct Definition {
   Wave wave, upper, lower;
 };
-/// The whole definition without compensation; not for a trapezoid with a band of its own.
+/// The whole definition without compensation.
 std::optional<Definition> Define(const CWaveDefClassical& def);
 
 }  // namespace qarv::test::reference

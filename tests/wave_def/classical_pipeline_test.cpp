@@ -43,18 +43,11 @@ struct Arrays {
   }
 };
 
-bool HasReference(const Set& set) {
-  return set.GetWaveKind() != TRAPEZOID || set.GetTolKind() == Set::TOL_USER_DEF;
-}
-
 TEST(Classical, MatchesTheSecondComputationForArbitraryDefinitions) {
   test::RandomValues random(41);
   std::array<std::array<int, 13>, 8> succeeded{};
-  int compared = 0;
   for (int round = 0; round < 40000; ++round) {
     const Set set = test::RandomClassical(&random);
-    if (!HasReference(set)) continue;
-    ++compared;
     SCOPED_TRACE(round);
     const auto expected = test::reference::Define(set);
     Arrays arrays;
@@ -70,41 +63,15 @@ TEST(Classical, MatchesTheSecondComputationForArbitraryDefinitions) {
     test::ExpectSameWave(arrays.lower, expected->lower);
     if (::testing::Test::HasFatalFailure()) return;
   }
-  EXPECT_GT(compared, 30000);
   for (const int kind : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}) {  // each has been seen often enough
     const auto k = static_cast<std::size_t>(kind);
     EXPECT_GT(succeeded[HALF_SINE][k], 40) << kind;
     EXPECT_GT(succeeded[HAVERSINE][k], 40) << kind;
+    EXPECT_GT(succeeded[TRAPEZOID][k], 20) << kind;
     EXPECT_EQ(succeeded[TERMINAL_PEAK_SAWTOOTH][k] > 20, kind != 2 && kind != 3) << kind;
     EXPECT_EQ(succeeded[TRIANGLE][k] > 20, kind == 10) << kind;
     EXPECT_EQ(succeeded[USER_TRAPEZOID][k] > 20, kind == 10) << kind;
   }
-  EXPECT_GT(succeeded[TRAPEZOID][10], 20);
-}
-
-TEST(Classical, TrapezoidsWithTheirOwnBandMatchInTheirPulse) {
-  test::RandomValues random(42);
-  int succeeded = 0;
-  for (int round = 0; round < 20000; ++round) {
-    Set set = test::RandomClassical(&random);
-    set.SetWaveKind(TRAPEZOID);
-    Arrays arrays;
-    SCOPED_TRACE(round);
-    if (!arrays.Generate(set)) {
-      EXPECT_TRUE(arrays.Untouched());
-      continue;
-    }
-    ++succeeded;
-    const auto place = test::reference::PlaceOf(set);
-    ASSERT_TRUE(place);
-    const auto pulse = test::reference::Pulse(set, place->centre, place->dt);
-    ASSERT_TRUE(pulse);
-    test::ExpectSameWave(arrays.wave, *pulse);
-    EXPECT_EQ(arrays.upper.GetSize(), set.GetNsamp());
-    EXPECT_EQ(arrays.lower.GetSize(), set.GetNsamp());
-    if (::testing::Test::HasFatalFailure()) return;
-  }
-  EXPECT_GT(succeeded, 3000);
 }
 
 // ---- Place -------------------------------------------------------------------------------------

@@ -1,13 +1,16 @@
-// Trapezoid bands: what a test engineer expects of them, over arbitrary definitions.
+// Trapezoid bands: a second computation of them, and what a test engineer expects, over arbitrary
+// definitions.
 #include "band/trapezoid_band.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 
 #include "classical_case.h"
 #include "pulse/pulse_shape.h"
-#include "random_values.h"
+#include "random_classical.h"
+#include "reference_classical.h"
 
 namespace qarv::wave_def {
 namespace {
@@ -111,7 +114,7 @@ TEST(TrapezoidBand, OfAStandardHasItsLevelsAndSlopes) {
     ExpectLevel(g->upper, 0, kStart - 20, 1);
     ExpectLevel(g->lower, 0, kStart - 20, -1.2);
     ExpectLine(g->upper, kStart - 20, 1, kStart - 2, 1.9);
-    ExpectLine(g->lower, kStart - 20, -1.2, kStart - 1, -2.15);
+    ExpectLine(g->lower, kStart - 20, -1.2, kStart, -2.2);
     ExpectLine(g->upper, kStart, 1 + 1.5, kStart + 8, 9 + 1.5);  // the rise of 10 samples
     ExpectLine(g->lower, kStart + 1, 0 - 1.7, kStart + 10, 9 - 1.7);
     ExpectLevel(g->upper, kStart + 9, kEnd - 19, 13);
@@ -122,6 +125,36 @@ TEST(TrapezoidBand, OfAStandardHasItsLevelsAndSlopes) {
   }
 }
 
+// The pulse's stretch used to replace the end of the front line below.
+TEST(TrapezoidBand, KeepsTheEndOfTheFrontLineBelowASmallerSlopeMargin) {
+  Set set = ClassicalSet(TRAPEZOID, Set::TOL_SPECIFY);
+  set.SetNsamp(1024);
+  set.SetFmax(25600 / 2.56);
+  set.SetMainAmpl(100);
+  set.SetMainWidth(0.01);
+  Std tol;
+  tol.SetWaveKind(TRAPEZOID);
+  tol.SetBaseStandard(Std::BASE_STD_1);
+  for (const auto change : {&Std::SetTolBeginHi, &Std::SetTolBeginLo, &Std::SetPulseBeforeHi,
+                            &Std::SetPulseBeforeLo, &Std::SetTolEndHi, &Std::SetTolEndLo}) {
+    (tol.*change)(0.2);
+  }
+  tol.SetPulseSlopeHi(0.15);
+  tol.SetPulseSlopeLo(0.05);
+  tol.SetMainPulseHi(1.2);
+  tol.SetMainPulseLo(0.8);
+  tol.SetPulseRiseWidth(0.1);
+  tol.SetPulseFallWidth(0.1);
+  ASSERT_TRUE(set.SetDefTolSpecify(tol));
+  const auto g = Generate(set);
+  ASSERT_TRUE(g);
+  const std::size_t start = 512 - 128;
+  ExpectLevel(g->lower, start - 2, start, -20);
+  EXPECT_NEAR(g->lower[start + 1], -5, 1e-12) << "the slope's margin under the neighbour at 0";
+  ExpectLevel(g->upper, 512 + 130, 1023, 20);
+  ExpectLevel(g->lower, 512 + 128, 1023, -20);
+}
+
 TEST(TrapezoidBand, OfTheUserIsTheUsers) {
   Set set = ClassicalSet(TRAPEZOID, Set::TOL_USER_DEF);
   CWaveDefTolUserDef tol;
@@ -130,6 +163,47 @@ TEST(TrapezoidBand, OfTheUserIsTheUsers) {
   const auto g = Generate(set);
   ASSERT_TRUE(g);
   ExpectLevel(g->upper, kStart + 4, kEnd - 4, 15);
+}
+
+// ---- Against the second computation ------------------------------------------------------------
+
+/// A trapezoid of any kind; now and then with fractions that put its corners out of order.
+Set RandomTrapezoid(test::RandomValues* random) {
+  Set set = test::RandomClassical(random);
+  set.SetWaveKind(TRAPEZOID);
+  Std tol = test::RandomStandard(random, TRAPEZOID);
+  if (random->OneIn(3)) tol.SetPulseRiseWidth(random->Between(-0.4, 1.4));
+  if (random->OneIn(3)) tol.SetPulseFallWidth(random->Between(-0.4, 1.4));
+  const Set::TOL_KIND kind = random->OneIn(2) ? Set::TOL_SPECIFY : set.GetTolKind();
+  set.SetTolKind(Set::TOL_SPECIFY);
+  EXPECT_TRUE(set.SetDefTolSpecify(tol));
+  set.SetTolKind(kind);
+  return set;
+}
+
+TEST(TrapezoidBand, MatchesTheSecondComputationForArbitraryDefinitions) {
+  test::RandomValues random(45);
+  std::array<int, 13> built{};
+  int outOfOrder = 0;
+  for (int round = 0; round < 60000; ++round) {
+    const Set set = RandomTrapezoid(&random);
+    SCOPED_TRACE("seed 45, round " + std::to_string(round));
+    const auto expected = test::reference::Define(set);
+    const auto g = Generate(set);
+    ASSERT_EQ(g.has_value(), expected.has_value());
+    if (!g) continue;
+    ++built[static_cast<std::size_t>(set.GetTolKind())];
+    const Std& tol = set.GetDefTolSpecify();
+    outOfOrder += set.GetTolKind() == Set::TOL_SPECIFY &&
+                  (tol.GetPulseRiseWidth() < 0 || tol.GetPulseFallWidth() < 0 ||
+                   tol.GetPulseRiseWidth() > 1 || tol.GetPulseFallWidth() > 1);
+    test::ExpectSameWave(g->wave, expected->wave);
+    test::ExpectSameWave(g->upper, expected->upper);
+    test::ExpectSameWave(g->lower, expected->lower);
+    if (::testing::Test::HasFatalFailure()) return;
+  }
+  for (std::size_t kind = 1; kind <= 11; ++kind) EXPECT_GT(built[kind], 100) << kind;
+  EXPECT_GT(outOfOrder, 500);
 }
 
 // ---- Properties --------------------------------------------------------------------------------
@@ -185,6 +259,27 @@ void ForRandomDefinitions(unsigned int seed, Check check) {
 TEST(TrapezoidBand, EnclosesThePulseEverywhere) {
   ForRandomDefinitions(46,
                        [](const Set&, const test::ClassicalWave& g) { test::ExpectEnclosed(g); });
+}
+
+// Beyond start and end the pulse's stretch used to be missing there.
+TEST(TrapezoidBand, EnclosesAPulseWhoseRiseOrFallIsNegative) {
+  test::RandomValues random(411);
+  std::array<int, 3> built{};
+  for (int round = 0; round < 30000; ++round) {
+    Set set = RandomStandard(&random);
+    Std tol = set.GetDefTolSpecify();
+    const unsigned int which = random.Below(3);  // rise, fall, both
+    if (which != 1) tol.SetPulseRiseWidth(random.Between(-0.6, 0));
+    if (which != 0) tol.SetPulseFallWidth(random.Between(-0.6, 0));
+    ASSERT_TRUE(set.SetDefTolSpecify(tol));
+    const auto g = Generate(set);
+    if (!g) continue;
+    ++built[which];
+    SCOPED_TRACE("seed 411, round " + std::to_string(round));
+    test::ExpectEnclosed(*g);
+    if (::testing::Test::HasFailure()) return;
+  }
+  for (const int n : built) EXPECT_GT(n, 1000);
 }
 
 TEST(TrapezoidBand, LeavesRoomOnTheFlatTop) {

@@ -86,6 +86,10 @@ bool DrawPulse(const TrapezoidBand& b, const TrapezoidCorners& c, const BandTask
   const double A = task.def.GetMainAmpl();
   const Stretch top =
       Widened(std::min(c.riseEnd, c.fallStart), std::max(c.riseEnd, c.fallStart), task.upper, N);
+  // A fraction below 0 or above 1 takes the pulse beyond its nominal ends.
+  const uint64 first = std::min({c.start, c.riseEnd, c.fallStart});
+  const uint64 last = std::max({c.end, c.riseEnd, c.fallStart});
+  const Stretch pulse = task.upper ? Widened(first, last, true, N) : Stretch{first, last};
   const auto neighbours = [&](uint64 i) {
     const auto sample = [&](uint64 k) { return task.wave[static_cast<std::size_t>(k)]; };
     const double before = sample(i != 0 ? i - 1 : i);
@@ -97,16 +101,15 @@ bool DrawPulse(const TrapezoidBand& b, const TrapezoidCorners& c, const BandTask
     const double plateau = b.plateau * A;
     return top.Has(i) ? plateau : std::min(neighbours(i) + b.slope * A, plateau);
   };
-  if (task.upper) {
-    // Where rise and fall overlap, the pulse reaches beyond its nominal ends.
-    const Stretch pulse =
-        Widened(std::min(c.start, c.fallStart), std::max(c.end, c.riseEnd), true, N);
-    for (uint64 i = pulse.first; i <= pulse.last; ++i) {
-      double& stored = task.out[static_cast<std::size_t>(i)];
+  for (uint64 i = pulse.first; i <= pulse.last; ++i) {
+    double& stored = task.out[static_cast<std::size_t>(i)];
+    // Between the ends the lower band has no limit yet, and the 0 of the frame is none.
+    const bool undrawn = i > c.start && i <= c.end;
+    if (task.upper) {
       stored = std::max(stored, value(i));
+    } else {
+      stored = undrawn ? value(i) : std::min(stored, value(i));
     }
-  } else {
-    for (uint64 i = c.start; i <= c.end; ++i) task.out[static_cast<std::size_t>(i)] = value(i);
   }
   return true;
 }
