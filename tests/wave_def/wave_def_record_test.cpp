@@ -2,15 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <fstream>
-#include <iomanip>
 #include <limits>
 #include <random>
-#include <sstream>
-#include <string>
 #include <vector>
 
 #include "common/serial/serial_data.h"
+#include "golden.h"
 #include "value_semantics.h"
 #include "wave_def/wave_def.h"
 
@@ -209,18 +206,7 @@ TEST(WaveDefRecord, OfRandomBytesNeverLoadsHalf) {
 }
 
 TEST(WaveDefRecord, IsTheStoredOneByteForByte) {
-  std::ifstream file(QARV_TEST_DATA_DIR "/golden/records/single.hex");
-  std::string expected;
-  for (std::string line; std::getline(file, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    std::istringstream words(line.substr(0, line.find('#')));
-    for (std::string word; words >> word;) expected += word;
-  }
-  std::ostringstream actual;
-  for (const unsigned char b : test::RecordOf(SmallSingle())) {
-    actual << std::hex << std::setw(2) << std::setfill('0') << static_cast<int>(b);
-  }
-  EXPECT_EQ(actual.str(), expected);
+  EXPECT_EQ(test::RecordOf(SmallSingle()), test::GoldenRecord("generated_single"));
 }
 
 }  // namespace
