@@ -75,11 +75,23 @@ TEST(HalfSineBand, FollowsTheTableOfItsKind) {
   }
 }
 
-TEST(HalfSineBand, OfKind1IsTheBarePulseBehindItsPeak) {
-  const auto g = Generate(ClassicalSet(HALF_SINE, Set::TOL_FIXED_1));
-  ASSERT_TRUE(g);
-  for (std::size_t i = kCentre; i <= kEnd; ++i) EXPECT_NEAR(g->upper[i], g->wave[i], 1e-14);
-  EXPECT_NEAR(g->upper[kStart], 2, 1e-12);
+// Deliberate: all levels of kinds 1 and 2 are 0, but the one at the pulse's start is not.
+TEST(HalfSineBand, OfKinds1And2IsOpenedAtThePulsesStartAlone) {
+  for (const auto kind : {Set::TOL_FIXED_1, Set::TOL_FIXED_2}) {
+    SCOPED_TRACE(kind);
+    const auto g = Generate(ClassicalSet(HALF_SINE, kind));
+    ASSERT_TRUE(g);
+    for (const double sign : {1.0, -1.0}) {
+      const Wave& band = sign > 0 ? g->upper : g->lower;
+      ExpectLevel(band, 0, kStart - 1, 0);
+      EXPECT_NEAR(band[kStart], sign * 2, 1e-12);
+      for (std::size_t i = kStart; i < kCentre; ++i) {
+        EXPECT_GT(sign * (band[i] - g->wave[i]), 0) << i;
+        EXPECT_LT(sign * (band[i + 1] - g->wave[i + 1]), sign * (band[i] - g->wave[i])) << i;
+      }
+      for (std::size_t i = kCentre; i < 128; ++i) EXPECT_NEAR(band[i], g->wave[i], 1e-14) << i;
+    }
+  }
 }
 
 // Deliberate: the front line of kind 9 begins at 0, and its length is rounded half up.

@@ -51,6 +51,7 @@ HalfSineBand TableBand(int kind, bool upper) {
   const double s = upper ? 1.0 : -1.0;
   HalfSineBand band{.left = s * row.left,
                     .frontFrom = s * row.left,
+                    // Deliberate: of kinds 1 and 2 too, which have no other level.
                     .edge = s * 0.2,
                     .main = s * row.main,
                     .right = upper ? row.rightUpper : row.rightLower,
