@@ -10,11 +10,11 @@ namespace {
 
 using namespace qarv::analysis;
 
-void BM_CalcSrs(benchmark::State& state) {
+template <class F>
+void Spectrum(benchmark::State& state, F sample) {
   std::vector<double> shock(65536);
   for (std::size_t k = 0; k < shock.size(); ++k) {
-    const double t = static_cast<double>(k) / 50000;
-    shock[k] = std::exp(-20 * t) * std::sin(900 * t);
+    shock[k] = sample(static_cast<double>(k) / 50000);
   }
   std::vector<double> frequencies(200);
   for (std::size_t i = 0; i < frequencies.size(); ++i) {
@@ -24,7 +24,20 @@ void BM_CalcSrs(benchmark::State& state) {
     benchmark::DoNotOptimize(
         CalcSrs(shock, 50000, frequencies, 0.05, SrsResponse::AbsoluteAcceleration));
   }
+  state.counters["s_per_sample_and_line"] = benchmark::Counter(
+      static_cast<double>(shock.size() * frequencies.size()),
+      benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+void BM_CalcSrs(benchmark::State& state) {
+  Spectrum(state, [](double t) { return std::exp(-20 * t) * std::sin(900 * t); });
 }
 BENCHMARK(BM_CalcSrs)->Unit(benchmark::kMillisecond);
+
+/// Every top is as high as the others, and may be the highest.
+void BM_CalcSrsOfASine(benchmark::State& state) {
+  Spectrum(state, [](double t) { return std::sin(3142 * t); });
+}
+BENCHMARK(BM_CalcSrsOfASine)->Unit(benchmark::kMillisecond);
 
 }  // namespace

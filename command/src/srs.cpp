@@ -26,7 +26,8 @@ using analysis::SrsResponse;
 
 namespace {
 
-constexpr double kSamplesPerCycle = 10.0;  // below it the peaks get uncertain
+// Below it an oscillator feels that its input is made of straight lines between samples.
+constexpr double kSamplesPerCycle = 10.0;
 
 /// A response by name.
 struct Response {
@@ -227,7 +228,7 @@ std::span<const double> ShockOf(const InputWave& wave) {
 
 /// The spectrum, in pieces between which it can be said how far it has come.
 std::vector<SrsPoint> Calculate(const Task& task, const InputWave& wave) {
-  constexpr std::size_t kPiece = 32;  // [lines]
+  constexpr std::size_t kPiece = 64;  // [lines]
   const std::span<const double> frequencies(task.frequencies);
   Progress progress(frequencies.size());
   std::vector<SrsPoint> points;
@@ -258,7 +259,9 @@ std::string WriteSpectrum(const SrsOptions& options, const InputWave& wave, Outp
   }
   const double highest = task.frequencies.back();
   if (highest * kSamplesPerCycle > wave.fsamp * (1.0 + 1e-9)) {
-    fmt::print(stderr, "qarv-wave: warning: {}: fewer than {:g} samples per cycle above {:g} Hz\n",
+    fmt::print(stderr,
+               "qarv-wave: warning: {}: fewer than {:g} samples per cycle above {:g} Hz: the "
+               "spectrum is that of the straight lines between the samples\n",
                OneLine(options.input), kSamplesPerCycle, wave.fsamp / kSamplesPerCycle);
   }
   const auto largest =

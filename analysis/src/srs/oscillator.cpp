@@ -1,0 +1,145 @@
+// Power series of an oscillator's response within a sampling interval, and its free decay.
+#include "srs/oscillator.h"
+
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "common/numeric/constants.h"
+#include "numeric/elementary.h"
+
+namespace qarv::analysis {
+
+using common::elementary::Atan;
+using common::elementary::Exp;
+
+Oscillator::Oscillator(double step, double damping)
+    : h(step), zeta(damping), h2(step * step), s2(2.0 * damping * step), kept(Exp(-s2)) {
+  // The n-th coefficient is below h^(n - 1) / (n - 1)!.
+  terms_ = 4;
+  for (double bound = 1.0; bound > 1e-19 && terms_ < kMostTerms; ++terms_) {
+    bound *= h / static_cast<double>(terms_ - 3);
+  }
+  impulse_[1] = 1.0;
+  for (std::size_t n = 2; n < terms_; ++n) {
+    const auto k = static_cast<double>(n);
+    impulse_[n] = -(s2 * (k - 1.0) * impulse_[n - 1] + h2 * impulse_[n - 2]) / (k * (k - 1.0));
+    constant_[n] = impulse_[n - 1] / k;
+    ramp_[n] = constant_[n - 1] / k;
+  }
+  // Each response is the integral of the one before.
+  impulse = constant = ramp = square = cube = 0.0;
+  for (std::size_t n = terms_ - 1; n >= 1; --n) {
+    const auto k = static_cast<double>(n);
+    double c = impulse_[n];
+    impulse += c;
+    constant += c /= k + 1.0;
+    ramp += c /= k + 2.0;
+    square += c /= k + 3.0;
+    cube += c / (k + 4.0);
+  }
+  // 0 at half the sampling frequency, where rounding must not make it less.
+  impulse = impulse > 1e-15 ? impulse : 1e-15;
+  slopeKept = 1.0 - s2 * impulse - h2 * constant;
+}
+
+double Oscillator::ValueAfter(const Arc& arc) const {
+  return arc.y + arc.slope * impulse + (arc.force - h2 * arc.y) * constant + arc.rise * ramp;
+}
+
+double Oscillator::SlopeAfter(const Arc& arc) const {
+  return arc.slope * slopeKept + (arc.force - h2 * arc.y) * impulse + arc.rise * constant;
+}
+
+Oscillator::Jet Oscillator::At(const Series& y, double t) const {
+  double value = 0.0;
+  double slope = 0.0;
+  double halfBend = 0.0;
+  for (std::size_t n = terms_; n-- > 0;) {
+    halfBend = halfBend * t + slope;
+    slope = slope * t + value;
+    value = value * t + y[n];
+  }
+  return {value, slope, 2.0 * halfBend};
+}
+
+/// Where f, which is a value and its derivative of a jet, becomes 0 between low and high; its signs
+/// there differ.  By Newton's steps, halving where they leave the range.
+template <class F>
+double Oscillator::Zero(const Series& y, double low, double high, F f) const {
+  constexpr double kClose = 1e-9;  // of an interval: at a top the error of the value is its square
+  const bool rising = f(At(y, low)).first < 0.0;
+  double t = 0.5 * (low + high);
+  for (int tries = 0; tries < 100 && high - low > kClose; ++tries) {
+    const auto [value, derivative] = f(At(y, t));
+    ((value < 0.0) == rising ? low : high) = t;
+    const double newton = t - value / derivative;
+    const double next = newton > low && newton < high ? newton : 0.5 * (low + high);
+    const bool arrived = std::fabs(next - t) < kClose;
+    t = next;
+    if (arrived) break;
+  }
+  return t;
+}
+
+double Oscillator::Crest(const Arc& arc) const {
+  constexpr double kNone = -std::numeric_limits<double>::infinity();
+  const double slope = SlopeAfter(arc);
+  if (!(arc.slope > 0.0 || slope < 0.0)) return kNone;
+  Series y{};
+  const double force = arc.force - h2 * arc.y;
+  for (std::size_t n = 0; n < terms_; ++n) {
+    y[n] = arc.slope * impulse_[n] + force * constant_[n] + arc.rise * ramp_[n];
+  }
+  y[0] = arc.y;
+  double low = 0.0;
+  double high = 1.0;
+  if (!(arc.slope > 0.0 && slope < 0.0)) {
+    // Both ends rise, or both fall: the slope may still change its sign twice.  It turns at most
+    // once within an interval, as h is below pi.
+    const double before = Bend(arc);
+    const double after = Bend({ValueAfter(arc), slope, arc.force + arc.rise, arc.rise});
+    const bool rises = arc.slope > 0.0;
+    if (!(rises ? before < 0.0 && after > 0.0 : before > 0.0 && after < 0.0)) return kNone;
+    const auto third = [&](const Jet& at) {
+      return std::pair(at.bend, arc.rise - s2 * at.bend - h2 * at.slope);
+    };
+    const double turn = Zero(y, 0.0, 1.0, third);
+    const double steepest = At(y, turn).slope;
+    if (!(rises ? steepest < 0.0 : steepest > 0.0)) return kNone;
+    (rises ? high : low) = turn;
+  }
+  return At(y, Zero(y, low, high, [](const Jet& at) { return std::pair(at.slope, at.bend); }))
+      .value;
+}
+
+Drive DriveOf(const Oscillator& o, SrsResponse response) {
+  if (response == SrsResponse::AbsoluteAcceleration) return {o.h2, o.s2};
+  return {1.0, 0.0};
+}
+
+double UnitOf(const Oscillator& o, SrsResponse response, double fsamp) {
+  if (response == SrsResponse::AbsoluteAcceleration) return 1.0;
+  return (response == SrsResponse::PseudoVelocity ? -o.h : -1.0 / fsamp) / fsamp;
+}
+
+/// y turns first at the phase whose tangent is kv / c, at the height r e^(-zeta phase / k), and
+/// again half a turn later on the other side.
+SrsExtremes FreeExtremes(double y, double v, double zeta) {
+  if (v < 0.0 || (v == 0.0 && y < 0.0)) {
+    const SrsExtremes mirrored = FreeExtremes(-y, -v, zeta);
+    return {-mirrored.negative, -mirrored.positive};
+  }
+  const double k = std::sqrt((1.0 - zeta) * (1.0 + zeta));
+  const double c = zeta * v + y;
+  const double kv = k * v;
+  const double r = std::sqrt(kv * kv + c * c);
+  if (!(r > 0.0)) return {};
+  const double quarter = 0.5 * common::kPi;
+  const double phase = c > kv ? Atan(kv / c) : quarter - Atan(c / kv);
+  const double top = r * Exp(-zeta * phase / k);
+  const double bottom = -top * Exp(-zeta * common::kPi / k);
+  return {top, y < bottom ? y : bottom};
+}
+
+}  // namespace qarv::analysis
