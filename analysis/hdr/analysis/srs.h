@@ -62,8 +62,8 @@ struct SrsPoint {
 ///
 /// Cost: frequencies times samples, sixteen frequencies side by side, and two copies of the shock
 /// (four, where a frequency is so low that the shock is over within a cycle).  A shock that brings
-/// a response to nearly the same height again and again, like a steady sine, costs up to three
-/// times as much.
+/// a response to nearly the same height again and again costs more, as every top is looked at: a
+/// steady sine twice as much, one of ten samples a cycle that slowly grows forty times.
 std::vector<SrsPoint> CalcSrs(std::span<const double> shock, double fsamp,
                               std::span<const double> frequencies, double zeta,
                               SrsResponse response);
