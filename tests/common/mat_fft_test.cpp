@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -13,11 +14,16 @@
 #include <stdexcept>
 #include <vector>
 
+#include "numeric/fft_real.h"
+#include "numeric/instruction_set.h"
+
 namespace {
 
 using qarv::common::CMatFFT;
 using qarv::common::FftPlan;
+using qarv::common::InstructionSet;
 using qarv::common::int64;
+using qarv::common::RealFft;
 using qarv::common::uint64;
 using Wave = std::vector<double>;
 using Lengths = std::vector<uint64>;
@@ -230,6 +236,37 @@ TEST(MatFFT, IsLinear) {
   }
 }
 
+// ---- Instruction sets --------------------------------------------------------------------------
+
+/// All bits that a transform and its inverse deliver, line by line and sample by sample.
+std::vector<std::uint64_t> BitsOf(const RealFft& fft, const Wave& x, InstructionSet set) {
+  const uint64 lines = x.size() / 2 + 1;
+  Wave work(fft.GetWorkSize());
+  Wave out(2 * lines + x.size());
+  double* const spec1 = out.data();
+  double* const spec2 = spec1 + lines;
+  fft.Forward(x.data(), work.data(), spec1, spec2, set);
+  fft.Inverse(spec2 + lines, work.data(), spec1, spec2, set);
+  std::vector<std::uint64_t> bits;
+  for (const double v : out) bits.push_back(std::bit_cast<std::uint64_t>(v));
+  return bits;
+}
+
+TEST(MatFFT, GivesTheSameBitsWithEveryInstructionSet) {
+  Lengths lengths{10007, 2 * 10007, 16384, 65536, 65537, 3 * 17 * 512, 31 * 29 * 16, 44100, 100000};
+  for (uint64 n = 1; n <= 1100; ++n) lengths.push_back(n);
+  for (const uint64 n : lengths) {
+    const RealFft fft(n);
+    const Wave x = Noise(n);
+    const auto sets = qarv::common::UsableInstructionSets();
+    const std::vector<std::uint64_t> baseline = BitsOf(fft, x, sets.front());
+    for (const InstructionSet set : sets.subspan(1)) {
+      EXPECT_EQ(BitsOf(fft, x, set), baseline)
+          << "length " << n << ", set " << static_cast<int>(set);
+    }
+  }
+}
+
 // ---- Plans and calls ---------------------------------------------------------------------------
 
 TEST(MatFFT, LeavesItsInputAsItIs) {
@@ -268,6 +305,15 @@ TEST(MatFFT, APlanGivesTheSameBitsEveryTimeAndInItsCopies) {
 
 TEST(MatFFT, ASmoothEvenLengthNeedsWorkOfItsOwnLengthOnly) {
   for (const uint64 n : Lengths{2, 4, 1000, 1024, 65536}) EXPECT_EQ(FftPlan(n).GetWorkSize(), n);
+}
+
+TEST(MatFFT, AnAwkwardLengthNeedsWorkForAConvolutionHalfAsLongAgain) {
+  // An odd prime is convolved with its n / 2 + 1 lines alone, twice a prime with as many lines as
+  // values; the quick length above may be a fifth longer, and four arrays of it are needed.
+  for (const uint64 p : Lengths{10007, 65537, 524309, 1048573}) {
+    EXPECT_LE(FftPlan(p).GetWorkSize(), 4 * (p + p / 2 + 1) * 6 / 5) << p;
+    EXPECT_LE(FftPlan(2 * p).GetWorkSize(), 4 * 2 * p * 6 / 5) << p;
+  }
 }
 
 TEST(MatFFT, TheCallsGiveTheBitsOfAPlanWithWorkOfTheWavesLength) {

@@ -1,50 +1,51 @@
-// The complex Fourier transform of any length, on split arrays of real and imaginary parts.
+// The complex Fourier transform of lengths with small prime factors.
 #pragma once
 
 #include <memory>
 #include <vector>
 
 #include "common/int_types.h"
-#include "numeric/fft_roots.h"
+#include "numeric/fft_pass.h"
 
 namespace qarv::common {
 
-class ChirpFft;
-
 /// Complex transforms of one length n:  Z[k] = sum z[j] exp(-2 pi i j k / n), unscaled.
 ///
-/// Lengths whose prime factors are small run through one pass per factor (Stockham's autosort form:
-/// every pass reads one buffer and writes the other, in order, and no bit reversal is needed; see
-/// Van Loan, Computational Frameworks for the Fast Fourier Transform, section 1.7).  Other lengths
-/// become a convolution of a length that has (Bluestein's chirp transform).
+/// One pass per factor: every pass reads one buffer and writes another, in order, and no bit
+/// reversal is needed (Stockham's autosort form; see Van Loan, Computational Frameworks for the
+/// Fast Fourier Transform, section 1.7).  The factors w are applied before each butterfly, so that
+/// the first pass, which has to part neighbours, needs none, and all others run along both their
+/// values and their factors.
 class ComplexFft {
  public:
+  /// Whether all prime factors of n are small enough.
+  static bool HasPasses(uint64 n);
+
+  /// @param[in]  n  length, 0 < n, for which HasPasses
   explicit ComplexFft(uint64 n);
 
   uint64 GetSize() const { return n_; }
-  /// The number of doubles that `Transform` needs for its scratch.
-  uint64 GetScratchSize() const;
 
-  /// Transforms n values in place.  The inverse, unscaled, is the same with re and im exchanged.
-  void Transform(double* re, double* im, double* scratch) const;
+  /// Transforms n values by way of mid and out, which take turns and do not overlap.  The inverse,
+  /// unscaled, is the same with re and im exchanged in every argument.
+  ///
+  /// @param[in]  in    n values.  They may stand in mid if ReadsMid and in out otherwise
+  /// @param      mid   n values, which are overwritten
+  /// @param[out] out   n values
+  void Transform(InstructionSet set, const Source& in, const Split& mid, const Split& out) const;
+  /// The same with the result in `last`, over the values of `out` if it pleases.
+  void Transform(InstructionSet set, const Source& in, const Split& mid, const Split& out,
+                 const Target& last) const;
+
+  /// Which of its two buffers the input may stand in.
+  bool ReadsMid() const { return passes_.size() % 2 != 0; }
 
  private:
-  friend class ChirpFft;
-
-  /// One factor of the length: `radix` values that lie m * stride apart become `radix` neighbours.
-  struct Pass {
-    uint64 radix;
-    uint64 m;                      // what is left of the length behind this pass
-    uint64 stride;                 // product of the radices before it
-    std::vector<Complex> twiddle;  // m rows of radix - 1 factors
-    std::vector<Complex> roots;  // of the radix itself, for those without a butterfly of their own
-  };
-
-  void AddPasses(const std::vector<uint64>& factors);
+  void FillTwiddles(const Pass& pass, class RootTable& roots, double* twiddle) const;
 
   uint64 n_;
   std::vector<Pass> passes_;
-  std::shared_ptr<const ChirpFft> chirp_;  // instead of passes; never changes, so copies share it
+  std::unique_ptr<double[]> tables_;  // of all passes
 };
 
 }  // namespace qarv::common

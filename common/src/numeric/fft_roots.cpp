@@ -1,11 +1,12 @@
 // Roots of unity.
 #include "numeric/fft_roots.h"
 
-#include <bit>
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "common/numeric/constants.h"
+#include "numeric/elementary.h"
 
 namespace qarv::common {
 
@@ -29,18 +30,82 @@ Complex UnitRoot(uint64 i, uint64 n) {
     parts = 4.0;
   }
   const double x = kTwoPi * (static_cast<double>(num) / static_cast<double>(n) / parts);
-  double c = std::cos(x);
-  double s = std::sin(x);
+  double c = elementary::Cos(x);
+  double s = elementary::Sin(x);
   if (diagonal) c = s = std::sqrt(0.5);  // on the diagonal the two are one number
   if (steep) std::swap(c, s);
   return {leftHalf ? -c : c, lowerHalf ? -s : s};
 }
 
-RootTable::RootTable(uint64 n) {
-  shift_ = static_cast<unsigned int>(std::bit_width(n) / 2);
-  mask_ = (uint64{1} << shift_) - 1;
-  for (uint64 k = 0; k <= mask_ && k < n; ++k) fine_.push_back(UnitRoot(k, n));
-  for (uint64 k = 0; k < n; k += mask_ + 1) coarse_.push_back(UnitRoot(k, n));
+namespace {
+
+/// The first `count` of the n-th roots, conjugated.
+std::vector<Complex> FirstRoots(uint64 count, uint64 n) {
+  std::vector<Complex> roots(count);
+  for (uint64 k = 0; k < count; ++k) {
+    const Complex root = UnitRoot(k, n);
+    roots[k] = {root.re, -root.im};
+  }
+  return roots;
+}
+
+/// All n-th roots, conjugated; n a multiple of 8, so that those of one octant show the others.
+std::vector<Complex> MirroredRoots(uint64 n) {
+  std::vector<Complex> roots = FirstRoots(n / 8 + 1, n);
+  roots.resize(n);
+  const uint64 quarter = n / 4;
+  for (uint64 k = n / 8 + 1; k <= quarter; ++k) {
+    const Complex root = roots[quarter - k];
+    roots[k] = {-root.im, -root.re};
+  }
+  for (uint64 k = quarter + 1; k < n; ++k) {
+    const Complex root = roots[k - quarter];
+    roots[k] = {root.im, -root.re};
+  }
+  return roots;
+}
+
+}  // namespace
+
+RootTable::RootTable(uint64 n, uint64 widest) : block_(8) {
+  // The least number of sines, of which a coarse table with octants takes an eighth.
+  const uint64 octants = n % 64 == 0 ? 8 : 1;
+  while (widest * block_ * 4 <= n / (block_ * octants)) block_ *= 2;
+  fine_ = FirstRoots(std::min(n, widest * (block_ - 1) + 1), n);
+  const uint64 count = (n - 1) / block_ + 1;
+  if (n % (8 * block_) == 0) {
+    coarse_ = MirroredRoots(count);
+  } else {
+    coarse_.resize(count);
+    for (uint64 k = 0; k < count; ++k) {
+      const Complex root = UnitRoot(k * block_, n);
+      coarse_[k] = {root.re, -root.im};
+    }
+  }
+  rowRe_.resize(block_);
+  rowIm_.resize(block_);
+}
+
+void RootTable::FillRow(InstructionSet set, uint64 step, uint64 count, double* re, double* im) {
+  const uint64 block = std::min(block_, count);
+  for (uint64 f = 0; f < block; ++f) {
+    rowRe_[f] = fine_[f * step].re;
+    rowIm_[f] = fine_[f * step].im;
+  }
+  RunWith(set, [&]() QARV_LANES {
+    const double* const fineRe = rowRe_.data();
+    const double* const fineIm = rowIm_.data();
+    for (uint64 first = 0; first < count; first += block_) {
+      const Complex coarse = coarse_[first / block_ * step];
+      const uint64 size = std::min(block_, count - first);
+      QARV_INDEPENDENT
+      for (uint64 f = 0; f < size; ++f) {
+        const Complex root = coarse * Complex{fineRe[f], fineIm[f]};
+        re[first + f] = root.re;
+        im[first + f] = root.im;
+      }
+    }
+  });
 }
 
 }  // namespace qarv::common

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "common/int_types.h"
+#include "numeric/instruction_set.h"
 
 namespace qarv::common {
 
@@ -11,7 +12,7 @@ struct Complex {
   double re, im;
 };
 
-inline Complex operator*(Complex a, Complex b) {
+QARV_LANES_INLINE Complex operator*(Complex a, Complex b) {
   return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
 }
 
@@ -19,23 +20,26 @@ inline Complex operator*(Complex a, Complex b) {
 /// exactly, in integers: multiples of an eighth of a turn come out exact and symmetric.
 Complex UnitRoot(uint64 i, uint64 n);
 
-/// All n roots e^(2 pi i k / n), from two tables of about sqrt(n) entries: a root is the product of
-/// a coarse and a fine one, so that a plan costs few sines.  The error of a root is about one
-/// rounding.
+/// All n roots e^(-2 pi i k / n), from two tables: a root is the product of a coarse and a fine
+/// one, so that a plan costs few sines.  The error of a root is about one rounding.
 class RootTable {
  public:
-  explicit RootTable(uint64 n);
+  /// @param[in]  widest  the largest step that FillRow will be asked for
+  RootTable(uint64 n, uint64 widest);
+
   /// The root of index k, 0 <= k < n.
-  Complex operator()(uint64 k) const {
-    return coarse_[static_cast<std::size_t>(k >> shift_)] *
-           fine_[static_cast<std::size_t>(k & mask_)];
-  }
+  Complex operator()(uint64 k) const { return coarse_[k / block_] * fine_[k % block_]; }
+
+  /// The roots of the indices 0, step, 2 step, ... below n.
+  /// @param[out] re,im  `count` values each
+  void FillRow(InstructionSet set, uint64 step, uint64 count, double* re, double* im);
 
  private:
-  unsigned int shift_ = 0;
-  uint64 mask_ = 0;
-  std::vector<Complex> coarse_;
-  std::vector<Complex> fine_;
+  uint64 block_;                 // roots from one coarse one to the next
+  std::vector<Complex> fine_;    // as far as `widest` blocks go
+  std::vector<Complex> coarse_;  // every block_-th
+  std::vector<double> rowRe_;    // the fine roots of one step
+  std::vector<double> rowIm_;
 };
 
 }  // namespace qarv::common

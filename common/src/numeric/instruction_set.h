@@ -17,6 +17,15 @@
 #define QARV_LANES __attribute__((always_inline))
 #define QARV_LANES_INLINE inline __attribute__((always_inline))
 
+// Stands before a loop whose arrays do not overlap.  Inlining hides from the compilers what
+// __restrict told them of that, and they would ask about every pair of arrays before the loop, or
+// leave it as it is where there are many.
+#ifdef __clang__
+#define QARV_INDEPENDENT _Pragma("clang loop vectorize(assume_safety)")
+#else
+#define QARV_INDEPENDENT _Pragma("GCC ivdep")
+#endif
+
 namespace qarv::common {
 
 /// The instruction sets, each containing those before it.  Baseline is what the compiler takes for

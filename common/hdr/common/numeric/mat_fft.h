@@ -8,6 +8,8 @@
 
 namespace qarv::common {
 
+class RealFft;
+
 /// Real Fourier transforms of one length n.
 ///
 ///   spec1[k] + i spec2[k] = sum over j of wave[j] exp(-2 pi i j k / n),   0 <= k <= n / 2
@@ -44,10 +46,8 @@ class FftPlan {
   bool Inverse(double* wave, double* work, const double* spec1, const double* spec2) const;
 
  private:
-  class Tables;
-
   uint64 n_;
-  std::shared_ptr<const Tables> tables_;
+  std::shared_ptr<const RealFft> tables_;
 };
 
 /// The transforms as single calls, which build a plan each, and the roots of unity.
