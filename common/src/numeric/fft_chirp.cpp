@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <bit>
-#include <limits>
+#include <memory>
 
 #include "numeric/fft_roots.h"
 
@@ -44,11 +44,11 @@ QARV_LANES_INLINE void Multiply(uint64 count, const Source& in, const double* fa
 ChirpFft::ChirpFft(uint64 n, uint64 lines)
     : n_(n), lines_(lines), convolution_(QuickLength(n + lines - 1)) {
   const uint64 M = convolution_.GetSize();
-  tables_ = std::make_unique_for_overwrite<double[]>(2 * (n + M));
-  double* const chirpRe = tables_.get();
-  double* const chirpIm = chirpRe + n;
-  double* const filterRe = chirpIm + n;
+  tables_ = FftTable(2 * (n + M));
+  double* const filterRe = tables_.Get();
   double* const filterIm = filterRe + M;
+  double* const chirpRe = filterIm + M;
+  double* const chirpIm = chirpRe + n;
   chirpRe_ = chirpRe;
   chirpIm_ = chirpIm;
   filterRe_ = filterRe;

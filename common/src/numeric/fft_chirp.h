@@ -1,10 +1,9 @@
 // The Fourier transform of any length, as a convolution.
 #pragma once
 
-#include <memory>
-
 #include "common/int_types.h"
 #include "numeric/fft_complex.h"
+#include "numeric/fft_table.h"
 
 namespace qarv::common {
 
@@ -45,7 +44,7 @@ class ChirpFft {
   uint64 n_;
   uint64 lines_;
   ComplexFft convolution_;
-  std::unique_ptr<double[]> tables_;
+  FftTable tables_;
   const double* chirpRe_;  // c[0 .. n - 1]
   const double* chirpIm_;
   const double* filterRe_;  // transform of conj(c), scaled for the inverse

@@ -45,9 +45,9 @@ ComplexFft::ComplexFft(uint64 n) : n_(n) {
     stride *= radix;
   }
   if (tableSize == 0) return;
-  tables_ = std::make_unique_for_overwrite<double[]>(tableSize);
+  tables_ = FftTable(tableSize);
   RootTable roots(n, passes_.back().radix - 1);
-  double* at = tables_.get();
+  double* at = tables_.Get();
   for (Pass& p : passes_) {
     p.twiddle = at;
     if (p.stride != 1) FillTwiddles(p, roots, at);

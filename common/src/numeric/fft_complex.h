@@ -1,11 +1,11 @@
 // The complex Fourier transform of lengths with small prime factors.
 #pragma once
 
-#include <memory>
 #include <vector>
 
 #include "common/int_types.h"
 #include "numeric/fft_pass.h"
+#include "numeric/fft_table.h"
 
 namespace qarv::common {
 
@@ -45,7 +45,7 @@ class ComplexFft {
 
   uint64 n_;
   std::vector<Pass> passes_;
-  std::unique_ptr<double[]> tables_;  // of all passes
+  FftTable tables_;  // of all passes
 };
 
 }  // namespace qarv::common

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <utility>
 
 #include "numeric/fft_roots.h"
@@ -115,13 +116,14 @@ QARV_LANES_INLINE void FirstPass(uint64 m, const double* __restrict xr, const do
   }
 }
 
-/// One row of a pass, its k.
+/// Part of a row of a pass: its k from first to end.
 template <std::size_t R, bool kPairs>
-QARV_LANES_INLINE void Row(uint64 stride, uint64 d, const double* __restrict w,
-                           const double* __restrict xr, const double* __restrict xi,
-                           double* __restrict yr, double* __restrict yi) {
+QARV_LANES_INLINE void Row(uint64 first, uint64 end, uint64 stride, uint64 d,
+                           const double* __restrict w, const double* __restrict xr,
+                           const double* __restrict xi, double* __restrict yr,
+                           double* __restrict yi) {
   QARV_INDEPENDENT
-  for (uint64 k = 0; k < stride; ++k) {
+  for (uint64 k = first; k < end; ++k) {
     std::array<Complex, R> a;
     a[0] = {xr[k], xi[k]};
     Each<R - 1>([&](auto r) QARV_LANES {
@@ -134,6 +136,14 @@ QARV_LANES_INLINE void Row(uint64 stride, uint64 d, const double* __restrict w,
   }
 }
 
+// Loads across two lines of the cache cost twice, and more where all of them meet in one set of it,
+// as they do in the last passes of powers of 2: long rows begin with what is left of a line.
+constexpr uint64 kLongRow = 128;
+
+QARV_LANES_INLINE uint64 DistanceToLine(const double* p) {
+  return (8 - reinterpret_cast<std::uintptr_t>(p) / sizeof(double) % 8) % 8;
+}
+
 /// A later pass; kStride fixes the stride where it is not 0.
 template <std::size_t R, uint64 kStride, bool kPairs>
 QARV_LANES_INLINE void LaterPass(const Pass& p, const Source& x, const Target& y) {
@@ -141,8 +151,18 @@ QARV_LANES_INLINE void LaterPass(const Pass& p, const Source& x, const Target& y
   const uint64 m = p.m;
   constexpr uint64 kStep = kPairs ? 2 : 1;
   for (uint64 j = 0; j < m; ++j) {
-    Row<R, kPairs>(stride, stride * m, p.twiddle, x.re + j * stride, x.im + j * stride,
-                   y.re + kStep * j * stride * R, kPairs ? nullptr : y.im + j * stride * R);
+    const auto row = [&](uint64 first, uint64 end) QARV_LANES {
+      Row<R, kPairs>(first, end, stride, stride * m, p.twiddle, x.re + j * stride,
+                     x.im + j * stride, y.re + kStep * j * stride * R,
+                     kPairs ? nullptr : y.im + j * stride * R);
+    };
+    if (kStride != 0 || stride < kLongRow) {
+      row(0, stride);
+    } else {
+      const uint64 lineEnd = DistanceToLine(x.re + j * stride);
+      row(0, lineEnd);
+      row(lineEnd, stride);
+    }
   }
 }
 

@@ -25,8 +25,8 @@ RealFft::RealFft(uint64 n) : n_(n), points_(n % 2 == 0 ? n / 2 : n) {
   }
   if (!IsEven()) return;
   const uint64 lines = n / 4 + 1;
-  twiddle_ = std::make_unique_for_overwrite<double[]>(2 * lines);
-  RootTable(n, 1).FillRow(BestInstructionSet(), 1, lines, twiddle_.get(), twiddle_.get() + lines);
+  twiddle_ = FftTable(2 * lines);
+  RootTable(n, 1).FillRow(BestInstructionSet(), 1, lines, twiddle_.Get(), twiddle_.Get() + lines);
 }
 
 uint64 RealFft::GetWorkSize() const {
@@ -107,7 +107,7 @@ void RealFft::InverseOdd(InstructionSet set, double* wave, double* work, const d
 /// From Z to the spectrum X: lines k and h - k come from the same two values.
 void RealFft::Untangle(InstructionSet set, const Split& z, const Split& spec) const {
   const uint64 h = points_;
-  const double* const wr = twiddle_.get();
+  const double* const wr = twiddle_.Get();
   const double* const wi = wr + n_ / 4 + 1;
   spec.re[0] = z.re[0] + z.im[0];
   spec.re[h] = z.re[0] - z.im[0];
@@ -137,7 +137,7 @@ void RealFft::Untangle(InstructionSet set, const Split& z, const Split& spec) co
 void RealFft::Entangle(InstructionSet set, const double* spec1, const double* spec2,
                        const Split& z) const {
   const uint64 h = points_;
-  const double* const wr = twiddle_.get();
+  const double* const wr = twiddle_.Get();
   const double* const wi = wr + n_ / 4 + 1;
   const double scale = 1.0 / static_cast<double>(h);
   const double half = 0.5 * scale;

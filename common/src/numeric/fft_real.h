@@ -1,12 +1,12 @@
 // The Fourier transform of real waves, behind its public face FftPlan.
 #pragma once
 
-#include <memory>
 #include <optional>
 
 #include "common/int_types.h"
 #include "numeric/fft_chirp.h"
 #include "numeric/fft_complex.h"
+#include "numeric/fft_table.h"
 #include "numeric/instruction_set.h"
 
 namespace qarv::common {
@@ -36,7 +36,7 @@ class RealFft {
   // One of the two, for that many values.
   std::optional<ComplexFft> passes_;
   std::optional<ChirpFft> chirp_;
-  std::unique_ptr<double[]> twiddle_;  // exp(-2 pi i k / n), k = 0 .. n / 4: real, then imaginary
+  FftTable twiddle_;  // exp(-2 pi i k / n), k = 0 .. n / 4: real, then imaginary
 };
 
 }  // namespace qarv::common
