@@ -88,6 +88,24 @@ TEST(BestMoves, BringTheTableHomeWithinTheLimits) {
   }
 }
 
+// A shock is short beside such a frame, and its limits would let the table go a billion times as
+// far.
+TEST(BestMoves, CentreAShortShockInALongFrame) {
+  const std::size_t N = 500000;
+  Wave c(N);
+  for (std::size_t j = 0; j < 10; ++j) {  // there and back, within 40 samples
+    c[250000 + j] = c[250030 + j] = 1.0;
+    c[250010 + j] = c[250020 + j] = -1.0;
+  }
+  constexpr std::array kParts{0.5};
+  const std::array lengths{249000.0, 200.0};
+  const MoveSet moves{MakeMoves(lengths, kParts, 249000), MakeMoves(lengths, kParts, 249000)};
+  const Limits limits{Wave(N, -1.0), Wave(N, 1.0)};
+  const MovesFound found = BestMoves(c, limits, moves, {1.0, 2, 0.0});
+  ASSERT_TRUE(found.home);
+  EXPECT_LE(found.stroke, 0.501 * found.swing);
+}
+
 TEST(BestMoves, SayWhenTheTableCannotComeHome) {
   const std::array lengths{100.0};
   constexpr std::array kParts{0.5};

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <utility>
 
 #include "classical/classical_pipeline.h"
 #include "compensation/drawing.h"
@@ -45,6 +47,45 @@ Place PlaceOf(const Def& set) {
   return {centre - half, centre + half,
           centre - half - static_cast<int64>(std::floor(set.GetRestPre() / dt)),
           centre + half + static_cast<int64>(std::floor(set.GetRestPost() / dt))};
+}
+
+/// What the stage works on, without compensation; of a pulse that is positive.
+Pulse PulseOf(const Def& set) {
+  const StrokeResult nominal = Compensate(WithoutCompensation(set));
+  const Place at = PlaceOf(set);
+  const double A = nominal.done ? ExtremeOf(nominal.wave.data(), at.iS, at.iE) : 0.0;
+  return {at, A, nominal.wave, nominal.upper, nominal.lower};
+}
+Settings SettingsOf(const Def& set) {
+  const bool standard = set.GetTolKind() == Def::TOL_SPECIFY;
+  return {.type = set.GetCmpType(),
+          .symmetric = !set.GetCmpNonSym(),
+          .pre = set.GetCmpPre(),
+          .post = set.GetCmpPost(),
+          .shape = set.GetWaveKind(),
+          .kind = set.GetTolKind(),
+          .base = standard ? set.GetDefTolSpecify().GetBaseStandard()
+                           : CWaveDefTolSpecify::BASE_STD_NONE,
+          .optRatLevel = set.GetOptRatLevel(),
+          .fsamp = 1000.0,
+          .negative = false};
+}
+
+/// A compensation by the stage itself, with what it took.
+struct StageResult {
+  bool done;
+  double shift;  // [sample]
+  Results results;
+  Refusal refusal;
+  Work work;
+};
+StageResult RunStage(const Def& set) {
+  StageResult result{};
+  Pulse pulse = PulseOf(set);
+  result.done = compensation::Compensate(&pulse, SettingsOf(set), &result.results, &result.refusal,
+                                         &result.work);
+  result.shift = result.results.waveShift * static_cast<double>(set.GetNsamp());
+  return result;
 }
 
 /// Sum and first moment about the middle of the frame.
@@ -314,23 +355,11 @@ TEST(Compensation, ReportsTheLastGainThatPassedOfEightTries) {
   for (int round = 0; round < 1000 && compared < 200; ++round) {
     Def set = RandomCompensated(&random, 200);
     if (set.GetCmpType() == Def::CMP_OPTIMIZED) continue;
-    const StrokeResult nominal = Compensate(WithoutCompensation(set));
-    if (!nominal.done) continue;
-    const Place at = PlaceOf(set);
-    const Settings settings{set.GetCmpType(),
-                            !set.GetCmpNonSym(),
-                            set.GetCmpPre(),
-                            set.GetCmpPost(),
-                            set.GetWaveKind(),
-                            set.GetTolKind(),
-                            CWaveDefTolSpecify::BASE_STD_NONE,
-                            0.0,
-                            1000.0,
-                            false};
-    const Pulse pulse{at, ExtremeOf(nominal.wave.data(), at.iS, at.iE), nominal.wave, nominal.upper,
-                      nominal.lower};
+    const Settings settings = SettingsOf(set);
+    const Pulse pulse = PulseOf(set);
     if (!(pulse.A > 0)) continue;
-    const auto attempt = PrepareDrawn(pulse, settings, nullptr);
+    Work work;
+    const auto attempt = PrepareDrawn(pulse, settings, nullptr, &work);
     if (!attempt) continue;
     ++compared;
     Reshaper reshaper(pulse.wave.size());
@@ -378,6 +407,172 @@ TEST(Compensation, ThatPassesAtEveryGainEndsWithTheLastTry) {
   Refusal refusal;
   ASSERT_TRUE(compensation::Compensate(&pulse, settings, &results, &refusal));
   EXPECT_NEAR(results.gain / std::pow(1e8, 127.0 / 128), 1.0, 1e-9);
+}
+
+// ---- Symmetry ----------------------------------------------------------------------------------
+
+/// A half-sine of 20 ms in a frame of 1 ms samples: 5 % are allowed before it, 20 % behind it.
+Def HalfSine20(int type, unsigned int Nsamp) {
+  Def set;
+  set.SetWaveKind(wave_def_sub::HALF_SINE);
+  set.SetMainAmpl(50);
+  set.SetMainWidth(0.02);
+  set.SetFmax(390.625);
+  set.SetNsamp(Nsamp);
+  set.SetTolKind(Def::TOL_FIXED_4);
+  set.SetAddCmp(true);
+  set.SetCmpType(static_cast<Def::COMP_TYPE>(type));
+  set.SetCmpPre(1);
+  set.SetCmpPost(1);
+  return set;
+}
+
+// Equal ramps are as high in every place: a pulse at the frame's start had its tight left band
+// beyond the frame, and nearly all of its compensation on one side.
+TEST(Compensation, OfSymmetricRampsDoesNotPushATightBandOutOfItsFrame) {
+  const StageResult tooShort = RunStage(HalfSine20(Def::CMP_RAMP, 540));
+  EXPECT_FALSE(tooShort.done);
+  EXPECT_EQ(tooShort.refusal.reason, Refusal::NoRoom);
+  EXPECT_GT(tooShort.refusal.shortage.pre.needed, tooShort.refusal.shortage.pre.available);
+  EXPECT_LE(tooShort.refusal.shortage.post.needed, tooShort.refusal.shortage.post.available);
+  const StageResult longEnough = RunStage(HalfSine20(Def::CMP_RAMP, 560));
+  ASSERT_TRUE(longEnough.done);
+  EXPECT_EQ(longEnough.shift, 0);
+  EXPECT_NEAR(longEnough.results.drawn.sharePre, longEnough.results.drawn.sharePost, 0.01);
+}
+
+TEST(Compensation, OfACentredDefinitionIsSymmetricWhereItIsAskedToBeOrRefused) {
+  test::RandomValues random(314);
+  std::array<int, 5> done{};
+  for (int round = 0; round < 6000; ++round) {
+    Def set = RandomCompensated(&random, 600);
+    set.SetCmpNonSym(false);
+    set.SetMainShift(0);
+    set.SetRestPost(set.GetRestPre());
+    set.SetCmpPost(set.GetCmpPre());
+    if (!Compensate(WithoutCompensation(set)).done) continue;
+    SCOPED_TRACE(round);
+    const StageResult result = RunStage(set);
+    if (!result.done) {
+      EXPECT_NE(result.refusal.reason, Refusal::None);
+      continue;
+    }
+    ++done.at(static_cast<std::size_t>(set.GetCmpType()));
+    EXPECT_EQ(result.shift, 0);
+    const auto& [levelPre, levelPost, pre, post] = result.results.drawn;
+    EXPECT_EQ(levelPre, levelPost);
+    // The centre of an even frame is half a sample late: equal ramps differ by one sample.
+    const auto n = static_cast<double>(PlaceOf(set).iPS);
+    const bool ramps = set.GetCmpType() == Def::CMP_RAMP;
+    EXPECT_LE(std::fabs(pre - post), std::max(0.02, ramps ? 1.01 / (n - 1) : 0.0) * pre);
+  }
+  for (const int type : {1, 2, 3, 4})
+    EXPECT_GT(done.at(static_cast<std::size_t>(type)), 100) << type;
+}
+
+// ---- Growth ------------------------------------------------------------------------------------
+
+TEST(Compensation, OfARefusedDefinitionIsRefusedInLinearTime) {
+  for (const int type : {1, 2, 3}) {
+    for (const bool nonSymmetric : {false, true}) {
+      for (const unsigned int Nsamp : {4096U, 65536U}) {
+        Def set = HalfSine20(type, Nsamp);
+        // A pulse that is as wide as its frame lets it be; and one with no level at all.
+        set.SetMainWidth(Nsamp / 3 / 1000.0);
+        set.SetCmpNonSym(nonSymmetric);
+        for (const double scale : {1.0, 0.0}) {
+          set.SetCmpPre(scale);
+          set.SetCmpPost(scale);
+          SCOPED_TRACE(testing::Message()
+                       << type << " " << nonSymmetric << " " << Nsamp << " " << scale);
+          const StageResult result = RunStage(set);
+          ASSERT_FALSE(result.done);
+          EXPECT_EQ(result.refusal.reason, Refusal::NoRoom);
+          EXPECT_LE(result.work.attempts, 2 * Nsamp);
+          EXPECT_LE(result.work.samples, 64 * Nsamp);
+        }
+      }
+    }
+  }
+}
+
+TEST(Compensation, OfTheOptimisedTypeStaysInPlaceAndCentredInALongFrame) {
+  for (const auto& [shape, kind] :
+       {std::pair(wave_def_sub::HALF_SINE, Def::TOL_FIXED_3),
+        std::pair(wave_def_sub::TERMINAL_PEAK_SAWTOOTH, Def::TOL_FIXED_5)}) {
+    for (const bool nonSymmetric : {false, true}) {
+      for (const unsigned int Nsamp : {4096U, 16384U, 65536U}) {
+        Def set = HalfSine20(Def::CMP_OPTIMIZED, Nsamp);
+        set.SetWaveKind(shape);
+        set.SetTolKind(kind);
+        set.SetCmpNonSym(nonSymmetric);
+        SCOPED_TRACE(testing::Message() << shape << " " << nonSymmetric << " " << Nsamp);
+        const StrokeResult result = Compensate(set);
+        ASSERT_TRUE(result.done);
+        EXPECT_EQ(result.params.GetWaveShift(), 0);
+        EXPECT_GE(result.params.GetCmpCparam(), 1);
+        EXPECT_LE(result.stroke, 0.51 * result.swing) << "centred";
+        // One plan and its lengths, whatever the frame is.
+        const StageResult stage = RunStage(set);
+        EXPECT_LE(stage.work.attempts, 80U);
+        EXPECT_LE(stage.work.samples, 80U * Nsamp);
+      }
+    }
+  }
+}
+
+// A pulse that has found its room does not move in a longer frame.
+TEST(Compensation, OfTheOptimisedTypeMovesAPulseOnlyForWantOfRoom) {
+  test::RandomValues random(315);
+  int shifted = 0;
+  int settled = 0;
+  for (int round = 0; round < 100; ++round) {
+    Def set = RandomCompensated(&random, 200);
+    set.SetCmpType(Def::CMP_OPTIMIZED);
+    if (!Compensate(WithoutCompensation(set)).done) continue;
+    SCOPED_TRACE(round);
+    const Pulse pulse = PulseOf(set);
+    const double off = set.GetMainShift() * set.GetNsamp();  // [sample]
+    // Of the least levels on either side, with what the closest plan takes of them.
+    const Limits limits = LimitsInForce(pulse, set.GetCmpPre(), set.GetCmpPost(), 0.01);
+    const double level = 0.75 * std::min(-limits.lo.front(), -limits.lo.back());
+    double area = 0;
+    for (const double v : pulse.wave) area += v;
+    const double room = 4 * area / level;
+    for (const double frame : {1.0, 4.0, 16.0}) {
+      set.SetNsamp(static_cast<unsigned int>(frame * static_cast<double>(pulse.N())));
+      set.SetMainShift(off / set.GetNsamp());
+      const StageResult result = RunStage(set);
+      EXPECT_LE(result.work.attempts, 12U * 23 * 60) << "rungs, places, lengths";
+      if (!result.done) continue;
+      shifted += result.shift != 0;
+      const Place at = PlaceOf(set);
+      if (room > static_cast<double>(std::min(at.iPS, set.GetNsamp() - at.iPE) - 3)) continue;
+      ++settled;
+      EXPECT_EQ(result.shift, 0);
+    }
+  }
+  EXPECT_GT(shifted, 2);
+  EXPECT_GT(settled, 30);
+}
+
+// ---- The sampling frequency --------------------------------------------------------------------
+
+TEST(Compensation, LooksAtTheSideOfTheDisplacementWhateverTheSamplingFrequencyIs) {
+  for (const auto kind : {Def::TOL_FIXED_5, Def::TOL_FIXED_7}) {
+    Def set = HalfSine20(Def::CMP_OPTIMIZED, 1024);
+    set.SetTolKind(kind);
+    const auto waveAt = [&](double fsamp) {
+      common::CDataArrayFloatT<double> wave;
+      common::CDataArrayFloatT<double> upper;
+      common::CDataArrayFloatT<double> lower;
+      Def params = set;
+      EXPECT_TRUE(GenerateClassical(params, fsamp, &wave, &upper, &lower, false)) << fsamp;
+      return wave;
+    };
+    const auto expected = waveAt(1000.0);
+    for (const double fsamp : {0.0, std::nan(""), HUGE_VAL}) EXPECT_EQ(waveAt(fsamp), expected);
+  }
 }
 
 // ---- Failures ----------------------------------------------------------------------------------

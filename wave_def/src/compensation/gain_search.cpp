@@ -23,9 +23,11 @@ bool Candidates::Make(double g, Wave* out, int64* worst) {
 
 bool Candidates::IsOnSide(const Wave& candidate) const {
   const double A = settings_.negative ? -attempt_.pulse.A : attempt_.pulse.A;
-  // The side does not depend on a positive rate; 0 would divide by itself and steer the search
-  // downwards.
-  const double fsamp = settings_.fsamp == 0.0 ? 1.0 : settings_.fsamp;
+  // The side does not depend on a positive rate.  With 0, a NaN or infinity there would be no
+  // displacement to look at, which would steer the search downwards.
+  const bool integrates =
+      settings_.fsamp < 0.0 || (settings_.fsamp > 0.0 && settings_.fsamp < HUGE_VAL);
+  const double fsamp = integrates ? settings_.fsamp : 1.0;
   return DisplacementSideTest(candidate.data(), candidate.size(), fsamp, A);
 }
 

@@ -128,8 +128,28 @@ double Minimise(double a, double b, F f) {
   return atLeft <= atRight ? left : right;
 }
 
-/// Memory that the pairs of one search share.
+/// Where a displacement has its extremes: every sample of a short frame, the least and the largest
+/// one of every stretch of a long one.  A move hardly travels within a stretch, so that the
+/// extremes with moves are among these too; one sample a stretch, whichever, would miss the shock.
+std::vector<std::size_t> KnotsOf(const Wave& d) {
+  constexpr std::size_t kStretches = 512;
+  const std::size_t N = d.size();
+  const std::size_t stretch = N < 4 * kStretches ? 1 : (N + kStretches - 1) / kStretches;
+  std::vector<std::size_t> knots;
+  knots.reserve(std::min(N, 2 * kStretches + 2));
+  for (std::size_t first = 0; first < N; first += stretch) {
+    const auto begin = d.begin() + static_cast<std::ptrdiff_t>(first);
+    const auto end = d.begin() + static_cast<std::ptrdiff_t>(std::min(N, first + stretch));
+    const auto [low, high] = std::minmax_element(begin, end);
+    knots.push_back(static_cast<std::size_t>(low - d.begin()));
+    if (low != high) knots.push_back(static_cast<std::size_t>(high - d.begin()));
+  }
+  return knots;
+}
+
+/// What the pairs of one search share.
 struct Scratch {
+  std::vector<std::size_t> knots;
   Wave base, w, moved;
 };
 
@@ -160,19 +180,23 @@ MovesFound Pair(const Reach& pre, const Reach& post, const Wave& d, double scale
   found.home = low - high <= 1e-9 * scale;
   if (low > high) low = high = 0.5 * (low + high);
 
-  // With h2 = h1 - gap the displacement is base + h1 w; a thousand samples of it are enough to find
-  // h1.
+  // With h2 = h1 - gap the displacement is base + h1 w.
   Wave& base = scratch->base;
   Wave& w = scratch->w;
   base.clear();
   w.clear();
-  const std::size_t stride = std::max<std::size_t>(1, N / 1024);
-  for (std::size_t i = 0; i < N; i += stride) {
+  for (const std::size_t i : scratch->knots) {
     const double behind = TravelAt(post.move, true, i, N);
     base.push_back(d[i] - gap * behind);
     w.push_back(TravelAt(pre.move, false, i, N) + behind);
   }
   const auto strokeAt = [&](double h) { return ExtremesOf(base, w, h).Stroke(rules.lead); };
+  // Between the moves w is 1, so that a factor far above what the stroke comes to without need not
+  // be looked at: in a long frame the limits allow a million times that, and the search would end
+  // before it is near.
+  const double useful = strokeAt(std::clamp(0.0, low, high)) + scale;
+  low = std::max(low, -useful);
+  high = std::min(high, useful);
   found.h1 = Minimise(low, high, strokeAt);
   found.h2 = found.h1 - gap;
   Displace(d, found, &scratch->moved);
@@ -230,7 +254,7 @@ MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
   const double scale = ExtremesOf(d, d, 0.0).Stroke(1.0);
   const auto pres = BestReaches(moves.pre, false, c, limits, rules.top);
   const auto posts = BestReaches(moves.post, true, c, limits, rules.top);
-  Scratch scratch;
+  Scratch scratch{KnotsOf(d), {}, {}, {}};
   std::vector<MovesFound> pairs;
   for (const Reach& pre : pres) {
     for (const Reach& post : posts) {

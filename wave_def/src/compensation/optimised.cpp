@@ -175,9 +175,10 @@ struct Plan {
 /// Finds the plan of one pulse in one place.
 class Planner {
  public:
-  Planner(const Pulse& pulse, const Settings& settings, const Spending& spending)
+  Planner(const Pulse& pulse, const Settings& settings, const Spending& spending, Work* work)
       : pulse_(pulse),
         settings_(settings),
+        work_(work),
         lowered_(LoweredPulse(pulse, spending.mu)),
         limits_(LimitsInForce(pulse, settings.pre, settings.post, kLeastLimit)) {
     for (const double v : lowered_) T_ += v;
@@ -292,6 +293,8 @@ class Planner {
 
   std::optional<Trial> Try(const Lengths& n) const {
     if (n.n1 > pre_.Longest() || n.n2 > post_.Longest()) return std::nullopt;
+    ++work_->attempts;
+    work_->samples += lowered_.size();
     const Wave comp = WithPulses(pre_.Draw(n.n1, n.s1), post_.Draw(n.n2, n.s2));
     const MoveSet moves = MovesFor(n);
     const MovesFound found = BestMoves(comp, limits_, moves, Rules());
@@ -301,26 +304,61 @@ class Planner {
 
   const Pulse& pulse_;
   const Settings& settings_;
+  Work* work_;
   Wave lowered_;
   Limits limits_;
   double T_ = 0.0;
   Side pre_, post_;
 };
 
-/// The pulse in another place, where there is room for it and for compensation on both sides.
-std::optional<Pulse> Placed(const Pulse& pulse, int64 shift) {
+/// The places that may be asked for: shifts first .. last.  [sample]
+struct Places {
+  int64 first, last;
+  bool Has(int64 shift) const { return first <= shift && shift <= last; }
+  bool AreAll(int64 shift) const { return first == shift && last == shift; }
+};
+
+/// The samples of a side that a compensation can make use of: a pulse that takes all of the area at
+/// the least level there, and as much again for moves that centre it.
+int64 UsefulRoom(const Limits& limits, double area, int64 first, int64 last) {
+  constexpr double kPulseAndMoves = 4.0;  // 4 / 3 with the longest taper, and moves of 5 / 4
+  double least = HUGE_VAL;
+  for (int64 i = first; i <= last; ++i) least = std::min(least, -limits.lo[At(i)]);
+  return LengthOf(kPulseAndMoves * area / least);
+}
+
+/// Whether the pulse lies in the middle of its frame with the same scales on both sides, so that
+/// equal pulses have nothing to gain elsewhere.
+bool IsCentred(const Pulse& pulse, const Settings& settings) {
+  const int64 pre = pulse.at.iPS;
+  const int64 post = pulse.N() - 1 - pulse.at.iPE;
+  return std::abs(pre - post) <= 1 && std::fabs(settings.pre) == std::fabs(settings.post);
+}
+
+/// The places that the want of room can ask for: a longer frame asks for less, and one with room on
+/// both sides for none but the pulse's own.
+Places PlacesFor(const Pulse& pulse, const Settings& settings, const Spending& spending) {
+  const Place& at = pulse.at;
   const int64 N = pulse.N();
-  const Place at = pulse.at.Shifted(shift);
-  if (at.iS < 1 || at.iE > N - 2 || at.iPS < 1 || at.iPE > N - 2) return std::nullopt;
-  return ShiftedBy(pulse, shift);
+  // A sample at least before and after the pulse and its rests.
+  const Places inFrame{1 - std::min(at.iS, at.iPS), N - 2 - std::max(at.iE, at.iPE)};
+  if (settings.IsSymmetric() && IsCentred(pulse, settings))
+    return {std::max<int64>(inFrame.first, 0), std::min<int64>(inFrame.last, 0)};
+  const Limits limits =
+      LimitsInForce(pulse, settings.pre, settings.post, kLeastLimit).Scaled(spending.kappa);
+  double area = 0.0;
+  for (const double v : pulse.wave) area += v;
+  const int64 pre = UsefulRoom(limits, area, 0, std::min(at.iPS, N) - 1);
+  const int64 post = UsefulRoom(limits, area, std::max<int64>(at.iPE + 1, 0), N - 1);
+  return {std::max(inFrame.first, std::min<int64>(N - 2 - at.iPE - post, 0)),
+          std::min(inFrame.last, std::max<int64>(pre - (at.iPS - 1), 0))};
 }
 
 /// The plan in one place.
 std::optional<Plan> PlanAt(const Pulse& pulse, const Settings& settings, const Spending& spending,
-                           int64 shift) {
-  const auto placed = Placed(pulse, shift);
-  if (!placed) return std::nullopt;
-  const Planner planner(*placed, settings, spending);
+                           int64 shift, Work* work) {
+  const Pulse placed = ShiftedBy(pulse, shift);
+  const Planner planner(placed, settings, spending, work);
   const auto trial = planner.Search(false);
   if (!trial) return std::nullopt;
   Plan plan = planner.Finish(*trial);
@@ -329,30 +367,32 @@ std::optional<Plan> PlanAt(const Pulse& pulse, const Settings& settings, const S
 }
 
 /// The stroke that a place gives, roughly; infinite where there is no plan.
-double StrokeAt(const Pulse& pulse, const Settings& settings, const Spending& spending,
-                int64 shift) {
-  const auto placed = Placed(pulse, shift);
-  if (!placed) return HUGE_VAL;
-  const auto trial = Planner(*placed, settings, spending).Search(true);
+double StrokeAt(const Pulse& pulse, const Settings& settings, const Spending& spending, int64 shift,
+                Work* work) {
+  const Pulse placed = ShiftedBy(pulse, shift);
+  const auto trial = Planner(placed, settings, spending, work).Search(true);
   return trial ? trial->stroke : HUGE_VAL;
 }
 
 /// The plan in the place of least stroke; of nearly equal ones the least shift.
 std::optional<Plan> PlanAnywhere(const Pulse& pulse, const Settings& settings,
-                                 const Spending& spending) {
+                                 const Spending& spending, const Places& places, Work* work) {
   const int64 N = pulse.N();
   std::vector<std::pair<int64, double>> tried;
   const auto strokeAt = [&](int64 shift) {
     for (const auto& [known, stroke] : tried) {
       if (known == shift) return stroke;
     }
-    tried.emplace_back(shift, StrokeAt(pulse, settings, spending, shift));
-    return tried.back().second;
+    const double stroke =
+        places.Has(shift) ? StrokeAt(pulse, settings, spending, shift, work) : HUGE_VAL;
+    tried.emplace_back(shift, stroke);
+    return stroke;
   };
   int64 step = std::max<int64>(1, N / 16);
-  int64 best = 0;
+  int64 best = std::clamp<int64>(0, places.first, places.last);
   for (int64 k = -7; k <= 7; ++k) {
-    if (strokeAt(k * step) < strokeAt(best)) best = k * step;
+    const int64 shift = std::clamp(k * step, places.first, places.last);
+    if (strokeAt(shift) < strokeAt(best)) best = shift;
   }
   if (strokeAt(best) == HUGE_VAL) return std::nullopt;
   while (step > std::max<int64>(1, N / 256)) {
@@ -365,16 +405,17 @@ std::optional<Plan> PlanAnywhere(const Pulse& pulse, const Settings& settings,
   for (const auto& [shift, stroke] : tried) {
     if (stroke <= nearly && std::abs(shift) < std::abs(best)) best = shift;
   }
-  return PlanAt(pulse, settings, spending, best);
+  return PlanAt(pulse, settings, spending, best, work);
 }
 
 }  // namespace
 
 void TryOptimised(const Pulse& pulse, const Settings& settings,
-                  const std::function<bool(const Attempt&)>& accept) {
+                  const std::function<bool(const Attempt&)>& accept, Work* work) {
   const Spending asked = SpendingOf(settings);
   const double kappa = asked.kappa;
   const double mu = asked.mu;
+  const Spending most{12.0, 0.97, 0.96};
   struct Rung {
     Spending spending;
     bool anywhere;
@@ -389,19 +430,23 @@ void TryOptimised(const Pulse& pulse, const Settings& settings,
       {{4.0, 0.97, mu}, true},
       {{12.0, 0.97, mu}, true},
       {{4.0, 0.97, 0.96}, false},
-      {{12.0, 0.97, 0.96}, false},
+      {most, false},
       {{4.0, 0.97, 0.96}, true},
-      {{12.0, 0.97, 0.96}, true},
+      {most, true},
   }};
+  const Places places = PlacesFor(pulse, settings, asked);
+  if (places.first > places.last) return;
   std::vector<Plan> aside;  // plans that are not centred
   for (std::size_t i = 0; i < ladder.size(); ++i) {
+    const auto& [spending, anywhere] = ladder[i];
     const auto same = [&](const Rung& r) {
-      return r.spending == ladder[i].spending && r.anywhere == ladder[i].anywhere;
+      return r.spending == spending && r.anywhere == anywhere;
     };
     if (std::any_of(ladder.begin(), ladder.begin() + static_cast<std::ptrdiff_t>(i), same))
       continue;
-    auto plan = ladder[i].anywhere ? PlanAnywhere(pulse, settings, ladder[i].spending)
-                                   : PlanAt(pulse, settings, ladder[i].spending, 0);
+    if (anywhere ? places.AreAll(0) : !places.Has(0)) continue;
+    auto plan = anywhere ? PlanAnywhere(pulse, settings, spending, places, work)
+                         : PlanAt(pulse, settings, spending, 0, work);
     if (!plan) continue;
     if (!plan->centred) {
       aside.push_back(std::move(*plan));

@@ -16,8 +16,9 @@ namespace qarv::wave_def::compensation {
 
 /// Builds optimised attempts one by one, from the closest to the nominal pulse to the one that
 /// spends most of its tolerance, and hands each to `accept` until that says stop.
-/// @param[in] accept  whether to go no further
+/// @param[in]     accept  whether to go no further
+/// @param[in,out] work    what it took is added
 void TryOptimised(const Pulse& pulse, const Settings& settings,
-                  const std::function<bool(const Attempt&)>& accept);
+                  const std::function<bool(const Attempt&)>& accept, Work* work);
 
 }  // namespace qarv::wave_def::compensation

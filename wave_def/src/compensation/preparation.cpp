@@ -28,30 +28,24 @@ struct Levels {
 /// own limit; it is the scaled lower band, at least the least limit.
 class LevelLimits {
  public:
-  LevelLimits(const Pulse& pulse, const Settings& settings) : pulse_(pulse), settings_(settings) {
+  LevelLimits(const Pulse& pulse, const Settings& settings)
+      : pulse_(pulse), settings_(settings), least_(pulse.wave.size(), HUGE_VAL) {
     const int64 N = pulse.N();
-    // Shares of the lower band, the least from a sample on and up to it.
-    fromHere_.resize(pulse.wave.size() + 1, HUGE_VAL);
-    upToHere_.resize(pulse.wave.size() + 1, HUGE_VAL);
-    for (int64 i = N - 1; i >= 0; --i)
-      fromHere_[At(i)] = std::min(fromHere_[At(i + 1)], ShareAt(i));
-    for (int64 i = 0; i < N; ++i) upToHere_[At(i + 1)] = std::min(upToHere_[At(i)], ShareAt(i));
+    // Both regions have a sample at least: the frame's first and its last one.
+    double least = HUGE_VAL;
+    for (int64 i = std::clamp<int64>(pulse.at.iPS, 1, N) - 1; i >= 0; --i)
+      least_[At(i)] = least = std::min(least, ShareAt(i));
+    least = HUGE_VAL;
+    for (int64 i = std::clamp<int64>(pulse.at.iPE + 1, 0, N - 1); i < N; ++i)
+      least_[At(i)] = least = std::min(least, ShareAt(i));
   }
 
-  /// The limits with everything `shift` samples later.
+  /// The limits with everything `shift` samples later: a band that is moved loses the samples that
+  /// leave the frame, and repeats its first or last one.  Either region keeps a sample.
   Levels Shifted(int64 shift) const {
-    const int64 N = pulse_.N();
-    // Before: the samples 0 .. iPS - 1 of the shifted band, at least one.  Shifted down, the band
-    // loses its first samples; shifted up, it repeats the first one.
-    const int64 end = std::clamp<int64>(pulse_.at.iPS + shift, 1, N) - shift;
-    double q = shift >= 0 ? upToHere_[At(std::clamp<int64>(end, 1, N))] : HUGE_VAL;
-    for (int64 i = -shift; shift < 0 && i < std::min(end, N); ++i) q = std::min(q, ShareAt(i));
-    const double pre = Level(settings_.pre, q);
-    // After: from iPE + 1 on, at least the last sample.
-    const int64 begin = std::clamp<int64>(pulse_.at.iPE + 1 + shift, 0, N - 1) - shift;
-    q = shift <= 0 ? fromHere_[At(std::clamp<int64>(begin, 0, N - 1))] : HUGE_VAL;
-    for (int64 i = begin; shift > 0 && i < N - shift; ++i) q = std::min(q, ShareAt(i));
-    return {pre, Level(settings_.post, q)};
+    const int64 first = std::max<int64>(-shift, 0);
+    const int64 last = pulse_.N() - 1 - std::max<int64>(shift, 0);
+    return {Level(settings_.pre, least_[At(first)]), Level(settings_.post, least_[At(last)])};
   }
 
  private:
@@ -68,7 +62,9 @@ class LevelLimits {
 
   const Pulse& pulse_;
   const Settings& settings_;
-  Wave fromHere_, upToHere_;
+  // The least share of the lower band between a sample and the rest, or between the rest and a
+  // sample.
+  Wave least_;
 };
 
 /// Area and first moment of the whole nominal wave, over its peak.
@@ -138,46 +134,102 @@ Levels RampLevels(const Settings& settings, int64 n1, int64 n2, const Place& at,
   return {p, p};
 }
 
-/// The ramps are as long as the frame lets them; where their levels are too high, the pulse moves.
-std::optional<Attempt> PrepareRamps(const Pulse& pulse, const Settings& settings,
-                                    Shortage* shortage) {
-  const int64 N = pulse.N();
-  const Moments unshifted = MomentsOf(pulse);
-  const LevelLimits limits(pulse, settings);
-  const auto tryShift = [&](int64 shift) -> std::optional<Attempt> {
-    const Place at = pulse.at.Shifted(shift);
-    const int64 n1 = at.iPS;
-    const int64 n2 = N - 1 - at.iPE;
-    if (at.iS < 1 || at.iE > N - 2 || n1 < 1 || n2 < 1) return std::nullopt;
-    const Moments wave{unshifted.tot, unshifted.M + static_cast<double>(shift) * unshifted.tot};
-    const Levels p = RampLevels(settings, n1, n2, at, wave);
-    const Levels pm = limits.Shifted(shift);
-    if (shortage != nullptr && shift == 0) {
-      const auto length = [](double area, double level) {  // that a ramp of this level takes
-        return level > 0.0 ? LengthOf(2.0 * area / level + 1.0) : 0;
-      };
-      const bool both = settings.pre != 0.0 && settings.post != 0.0;
-      const double area = both ? wave.tot / 2.0 : wave.tot;
-      *shortage = {pm.pre, pm.post, {length(area, pm.pre), n1}, {length(area, pm.post), n2}};
-    }
-    const auto accepted = [](double level, double limit, double scale) {
-      return scale == 0.0 ? level == 0.0 : level >= 0.0 && level <= 0.98 * limit;
-    };
-    if (!accepted(p.pre, pm.pre, settings.pre) || !accepted(p.post, pm.post, settings.post))
-      return std::nullopt;
-    Attempt attempt{ShiftedBy(pulse, shift), {}, {p.pre, p.post, 0.0, 0.0}, shift};
-    const double r = MainSum(attempt.pulse) / pulse.A;
-    attempt.drawn.sharePre = p.pre * RampOf(n1).a / r;
-    attempt.drawn.sharePost = p.post * RampOf(n2).a / r;
-    Combine(settings, &attempt);
-    return attempt;
+/// The share of its limit that the level of a ramp may take.
+constexpr double kRampSpending = 0.98;
+
+/// What ramps at the limits need of the frame, and what they have.
+Shortage RampShortage(const Settings& settings, const Levels& limits, double area, int64 n1,
+                      int64 n2) {
+  const bool both = settings.pre != 0.0 && settings.post != 0.0;
+  const auto needed = [&](double limit) {
+    const double level = kRampSpending * limit;
+    return level > 0.0 ? LengthOf(std::ceil(2.0 * (both ? area / 2.0 : area) / level + 1.0)) : 0;
   };
-  for (int64 distance = 0; distance < N; ++distance) {
-    if (auto attempt = tryShift(distance)) return attempt;
-    if (distance == 0) continue;
-    if (auto attempt = tryShift(-distance)) return attempt;
+  return {limits.pre, limits.post, {needed(limits.pre), n1}, {needed(limits.post), n2}};
+}
+
+/// Levels at which ramps fit in a place.
+class RampPlaces {
+ public:
+  RampPlaces(const Pulse& pulse, const Settings& settings)
+      : pulse_(pulse), settings_(settings), wave_(MomentsOf(pulse)), limits_(pulse, settings) {}
+
+  /// The least and the largest shift with a sample at least for either ramp.
+  int64 First() const { return 1 - std::min(pulse_.at.iS, pulse_.at.iPS); }
+  int64 Last() const { return pulse_.N() - 2 - std::max(pulse_.at.iE, pulse_.at.iPE); }
+
+  int64 PreLength(int64 shift) const { return pulse_.at.iPS + shift; }
+  int64 PostLength(int64 shift) const { return pulse_.N() - 1 - pulse_.at.iPE - shift; }
+
+  /// The levels in a place, if they are within their limits.
+  std::optional<Levels> LevelsAt(int64 shift) const {
+    const Moments wave{wave_.tot, wave_.M + static_cast<double>(shift) * wave_.tot};
+    const Levels p =
+        RampLevels(settings_, PreLength(shift), PostLength(shift), pulse_.at.Shifted(shift), wave);
+    const Levels limits = limits_.Shifted(shift);
+    const auto accepted = [](double level, double limit, double scale) {
+      return scale == 0.0 ? level == 0.0 : level >= 0.0 && level <= kRampSpending * limit;
+    };
+    const bool fit =
+        accepted(p.pre, limits.pre, settings_.pre) && accepted(p.post, limits.post, settings_.post);
+    return fit ? std::optional(p) : std::nullopt;
+  }
+
+  Shortage ShortageHere() const {
+    return RampShortage(settings_, limits_.Shifted(0), wave_.tot, PreLength(0), PostLength(0));
+  }
+
+ private:
+  const Pulse& pulse_;
+  const Settings& settings_;
+  Moments wave_;
+  LevelLimits limits_;
+};
+
+/// The least shift at which ramps fit, and their levels.
+struct RampPlan {
+  int64 shift;
+  Levels p;
+};
+std::optional<RampPlan> PlanRamps(const RampPlaces& places, const Settings& settings, Work* work) {
+  const int64 first = places.First();
+  const int64 last = places.Last();
+  if (first > last) return std::nullopt;
+  const auto levelsAt = [&](int64 shift) {
+    ++work->attempts;
+    return places.LevelsAt(shift);
+  };
+  // Equal levels are the same in every place, so that only the want of room moves the pulse; all
+  // that further places could change is which part of the bands is still in the frame.
+  const int64 nearest = std::clamp<int64>(0, first, last);
+  if (settings.IsSymmetric()) {
+    const auto p = levelsAt(nearest);
+    return p ? std::optional(RampPlan{nearest, *p}) : std::nullopt;
+  }
+  for (int64 distance = std::abs(nearest); distance <= std::max(-first, last); ++distance) {
+    for (const int64 shift : {distance, -distance}) {
+      if (shift < first || shift > last) continue;
+      if (const auto p = levelsAt(shift)) return RampPlan{shift, *p};
+    }
   }
   return std::nullopt;
+}
+
+/// The ramps are as long as the frame lets them; where their levels are too high, the pulse moves.
+std::optional<Attempt> PrepareRamps(const Pulse& pulse, const Settings& settings,
+                                    Shortage* shortage, Work* work) {
+  const RampPlaces places(pulse, settings);
+  work->samples += 3 * pulse.wave.size();  // moments and limits
+  if (shortage != nullptr) *shortage = places.ShortageHere();
+  const auto plan = PlanRamps(places, settings, work);
+  if (!plan) return std::nullopt;
+  const auto& [shift, p] = *plan;
+  Attempt attempt{ShiftedBy(pulse, shift), {}, {p.pre, p.post, 0.0, 0.0}, shift};
+  const double r = MainSum(attempt.pulse) / pulse.A;
+  attempt.drawn.sharePre = p.pre * RampOf(places.PreLength(shift)).a / r;
+  attempt.drawn.sharePost = p.post * RampOf(places.PostLength(shift)).a / r;
+  Combine(settings, &attempt);
+  return attempt;
 }
 
 // ---- Cosines -----------------------------------------------------------------------------------
@@ -212,7 +264,7 @@ struct CosinePlan {
 
 /// Tapers and levels below the given limits; nothing if they grow beyond all frames.
 std::optional<CosinePlan> PlanCosines(const Pulse& pulse, const Settings& settings, double f,
-                                      const Levels& P, const Moments& wave) {
+                                      const Levels& P, const Moments& wave, Work* work) {
   const auto levelOf = [&](double area, int64 t) { return area / CosineOf(f, t).a; };
   const int64 longest = 4 * pulse.N();
   if (settings.IsOneSided()) {
@@ -231,6 +283,8 @@ std::optional<CosinePlan> PlanCosines(const Pulse& pulse, const Settings& settin
   int64 t1 = LeastTaper(f, wave.tot * share, P.pre);
   int64 t2 = LeastTaper(f, wave.tot * (1.0 - share), P.post);
   while (t1 + t2 < longest) {
+    ++work->attempts;
+    work->samples += static_cast<uint64>(t1 + t2);
     const Levels p = PairLevels(CosineOf(f, t1), CosineOf(f, t2), pulse.at, wave);
     const bool fits1 = p.pre <= P.pre;
     const bool fits2 = p.post <= P.post;
@@ -248,8 +302,9 @@ std::optional<CosinePlan> PlanCosines(const Pulse& pulse, const Settings& settin
 }
 
 std::optional<Attempt> PrepareCosines(const Pulse& pulse, const Settings& settings, double f,
-                                      Shortage* shortage) {
+                                      Shortage* shortage, Work* work) {
   const int64 N = pulse.N();
+  work->samples += 3 * pulse.wave.size();  // moments and limits
   const Moments wave = MomentsOf(pulse);
   const Levels pm = LevelLimits(pulse, settings).Shifted(0);
   const int64 room1 = pulse.at.iPS - 1;
@@ -265,7 +320,7 @@ std::optional<Attempt> PrepareCosines(const Pulse& pulse, const Settings& settin
   }
   for (const double phi : {0.95, 0.98}) {
     const Levels P{phi * pm.pre, phi * pm.post};
-    const auto plan = PlanCosines(pulse, settings, f, P, wave);
+    const auto plan = PlanCosines(pulse, settings, f, P, wave, work);
     if (!plan) continue;
     const int64 need1 = plan->t1 + FlatOf(f, plan->t1);
     const int64 need2 = plan->t2 + FlatOf(f, plan->t2);
@@ -309,14 +364,14 @@ Pulse ShiftedBy(const Pulse& pulse, int64 shift) {
 }
 
 std::optional<Attempt> PrepareDrawn(const Pulse& pulse, const Settings& settings,
-                                    Shortage* shortage) {
+                                    Shortage* shortage, Work* work) {
   switch (settings.type) {
     case CWaveDefClassical::CMP_RAMP:
-      return PrepareRamps(pulse, settings, shortage);
+      return PrepareRamps(pulse, settings, shortage, work);
     case CWaveDefClassical::CMP_COSINE:
-      return PrepareCosines(pulse, settings, 0.0, shortage);
+      return PrepareCosines(pulse, settings, 0.0, shortage, work);
     case CWaveDefClassical::CMP_FLAT_COSINE:
-      return PrepareCosines(pulse, settings, 1.0, shortage);
+      return PrepareCosines(pulse, settings, 1.0, shortage, work);
     default:
       return std::nullopt;
   }

@@ -27,10 +27,11 @@ struct Shortage {
 };
 
 /// Plans and draws a compensation of CMP_RAMP, CMP_COSINE or CMP_FLAT_COSINE.
-/// @param[out] shortage  why there is none, if it is not null
+/// @param[out]    shortage  why there is none, if it is not null
+/// @param[in,out] work      what it took is added
 /// @return nothing if the frame has no room for pulses of the allowed levels
 std::optional<Attempt> PrepareDrawn(const Pulse& pulse, const Settings& settings,
-                                    Shortage* shortage);
+                                    Shortage* shortage, Work* work);
 
 /// The pulse with its bands `shift` samples later.
 Pulse ShiftedBy(const Pulse& pulse, int64 shift);

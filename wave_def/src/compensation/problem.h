@@ -81,6 +81,12 @@ struct Drawn {
   double sharePre, sharePost;  // of the main area that they cancel [1]
 };
 
+/// What a compensation took, for those who watch over its growth.
+struct Work {
+  uint64 attempts = 0;  // places, lengths and waveforms that were tried
+  uint64 samples = 0;   // that they went through
+};
+
 /// A waveform that is tried: the pulse, shifted perhaps, and its compensation.
 struct Attempt {
   Pulse pulse;  // with the bands shifted like the wave

@@ -81,7 +81,10 @@ double ExcessAt(const Wave& candidate, const Pulse& pulse, const Settings& setti
 
 }  // namespace
 
-bool Compensate(Pulse* pulse, const Settings& settings, Results* results, Refusal* refusal) {
+bool Compensate(Pulse* pulse, const Settings& settings, Results* results, Refusal* refusal,
+                Work* work) {
+  Work uncounted;
+  if (work == nullptr) work = &uncounted;
   // A rest longer than the frame is as good as one of its length.
   pulse->at.iPS = std::max(pulse->at.iPS, -pulse->N());
   pulse->at.iPE = std::min(pulse->at.iPE, 2 * pulse->N());
@@ -92,8 +95,9 @@ bool Compensate(Pulse* pulse, const Settings& settings, Results* results, Refusa
   Reshaper reshaper(pulse->wave.size());
   Choice choice(&reshaper, settings);
   if (settings.type == CWaveDefClassical::CMP_OPTIMIZED) {
-    TryOptimised(*pulse, settings, [&](const Attempt& attempt) { return choice.Offer(attempt); });
-  } else if (const auto drawn = PrepareDrawn(*pulse, settings, &refusal->shortage)) {
+    TryOptimised(
+        *pulse, settings, [&](const Attempt& attempt) { return choice.Offer(attempt); }, work);
+  } else if (const auto drawn = PrepareDrawn(*pulse, settings, &refusal->shortage, work)) {
     if (!choice.Offer(*drawn)) {
       if (const auto moved = WithMoves(*drawn, settings)) choice.Offer(*moved);
     }

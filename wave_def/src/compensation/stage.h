@@ -25,8 +25,10 @@ struct Refusal {
 /// Compensates a pulse in place.
 /// @param[in,out] pulse  the nominal pulse with its bands, upright; then the compensated one, with
 ///                       the bands where the pulse is
+/// @param[in,out] work   what it took is added; may be null
 /// @return false if there is no room (pulse unchanged) or its candidate fails at gain 1 (pulse
 ///         holds that candidate, with its bands)
-bool Compensate(Pulse* pulse, const Settings& settings, Results* results, Refusal* refusal);
+bool Compensate(Pulse* pulse, const Settings& settings, Results* results, Refusal* refusal,
+                Work* work = nullptr);
 
 }  // namespace qarv::wave_def::compensation
