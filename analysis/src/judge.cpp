@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include "analysis/resample.h"
@@ -86,12 +85,17 @@ std::size_t NearestSample(std::span<const double> reference, std::span<const dou
   return k;
 }
 
-/// The correlation coefficient of what two signals share.
-double Coefficient(std::span<const double> a, std::span<const double> b) {
+/// The correlation coefficient of what a reference and a record share, and its gain.
+struct Likeness {
+  double correlation, gain;
+};
+
+Likeness LikenessOf(std::span<const double> reference, std::span<const double> record) {
   double cross = 0.0;
-  for (std::size_t i = 0; i < a.size(); ++i) cross += a[i] * b[i];
-  const double scale = std::sqrt(Energy(a)) * std::sqrt(Energy(b));
-  return scale > 0.0 ? cross / scale : 0.0;
+  for (std::size_t i = 0; i < reference.size(); ++i) cross += reference[i] * record[i];
+  const double own = Energy(reference);
+  const double scale = std::sqrt(own) * std::sqrt(Energy(record));
+  return scale > 0.0 ? Likeness{cross / scale, cross / own} : Likeness{0.0, 0.0};
 }
 
 }  // namespace
@@ -100,16 +104,17 @@ Alignment Align(std::span<const double> reference, std::span<const double> recor
   constexpr double kWhole = 1e-4;  // [sample]
   const double own = Energy(reference);
   const double all = Energy(record);
-  if (!(own > 0.0 && all > 0.0 && std::isfinite(own) && std::isfinite(all))) return {0.0, 0.0};
+  if (!(own > 0.0 && all > 0.0 && std::isfinite(own) && std::isfinite(all))) return {0.0, 0.0, 0.0};
   const std::size_t index = NearestSample(reference, record);
   // What they share there.
   const std::size_t ahead = reference.size() - 1;
   const std::size_t first = index < ahead ? ahead - index : 0;  // [sample of the reference]
   const std::size_t length = std::min(reference.size(), record.size() + ahead - index) - first;
   const auto part = reference.subspan(first, length);
-  const auto coefficient = [&](double lag) {
-    return Coefficient(part, SampledAt(record, lag + static_cast<double>(first), 1.0, length));
+  const auto likeness = [&](double lag) {
+    return LikenessOf(part, SampledAt(record, lag + static_cast<double>(first), 1.0, length));
   };
+  const auto coefficient = [&](double lag) { return likeness(lag).correlation; };
   double lag = static_cast<double>(index) - static_cast<double>(ahead);
   // Parabolas through ever closer points.
   for (const double step : {0.5, 0.1, 0.02, 0.004, 0.0008}) {
@@ -121,29 +126,27 @@ Alignment Align(std::span<const double> reference, std::span<const double> recor
     lag += step * std::clamp(vertex, -1.0, 1.0);
   }
   if (std::fabs(lag - std::round(lag)) < kWhole) lag = std::round(lag);
-  return {lag, coefficient(lag)};
+  const auto [correlation, gain] = likeness(lag);
+  return {lag, correlation, gain};
 }
 
 Verdict JudgeBands(std::span<const double> wave, std::span<const double> upper,
                    std::span<const double> lower, std::size_t first, std::size_t last) {
-  constexpr double kNone = std::numeric_limits<double>::max();
   const std::size_t size = std::min({wave.size(), upper.size(), lower.size()});
   Verdict verdict;
   if (first > last || last >= size) return verdict;
   verdict.judged = last - first + 1;
   double farthest = 0.0;
   for (std::size_t i = first; i <= last; ++i) {
-    const double above = std::fabs(upper[i]) == kNone ? -kNone : wave[i] - upper[i];
-    const double below = std::fabs(lower[i]) == kNone ? -kNone : lower[i] - wave[i];
-    const double beyond =
-        std::isfinite(wave[i]) ? std::max(above, below) : std::numeric_limits<double>::infinity();
+    const double beyond = Beyond(wave[i], upper[i], lower[i]);
     if (!(beyond > 0.0)) continue;
     ++verdict.outside;
     if (!(beyond > farthest)) continue;
     farthest = beyond;
     verdict.worst = i;
     verdict.value = wave[i];
-    verdict.limit = above >= below ? upper[i] : lower[i];
+    const bool above = Beyond(wave[i], upper[i], kNoLimit) >= Beyond(wave[i], kNoLimit, lower[i]);
+    verdict.limit = above ? upper[i] : lower[i];
   }
   return verdict;
 }

@@ -17,6 +17,8 @@ namespace {
 
 constexpr double kCrossings = 32.0;
 
+std::size_t Index(double v) { return static_cast<std::size_t>(common::TruncToIndex(v)); }
+
 /// The four-term window of least side lobes, over -1 .. 1.
 double Window(double u) {
   const double c = std::cos(common::kPi * u);
@@ -53,7 +55,7 @@ double Weighted(const Weights& weights, double shift, std::span<const double> x)
   }
   double k = begin;
   for (const double h : weights.h) {
-    sum += h * x[static_cast<std::size_t>(common::TruncToIndex(std::clamp(k, 0.0, last)))];
+    sum += h * x[Index(std::clamp(k, 0.0, last))];
     k += 1.0;
   }
   return sum / weights.sum;
@@ -69,6 +71,8 @@ std::vector<double> SampledAt(std::span<const double> x, double start, double st
   const auto last = static_cast<double>(x.size() - 1);
   const double whole = std::floor(start);
   const bool oneKernel = step == 1.0;  // every result lies alike between its samples
+  const bool onSamples =
+      oneKernel && start == whole;  // nothing lies between: they stay as they are
   const Weights common(start - whole, c, R);
   std::vector<double> out(count);
   for (std::size_t j = 0; j < count; ++j) {
@@ -76,6 +80,8 @@ std::vector<double> SampledAt(std::span<const double> x, double start, double st
     const double t = start + offset;
     if (t <= -R || t >= last + R) {  // the signal stays where it is
       out[j] = t < 0.0 ? x.front() : x.back();
+    } else if (onSamples) {
+      out[j] = x[Index(std::clamp(t, 0.0, last))];
     } else if (oneKernel) {
       out[j] = Weighted(common, whole + offset, x);
     } else {

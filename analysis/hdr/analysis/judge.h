@@ -2,7 +2,10 @@
 // within the tolerance bands.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <limits>
 #include <span>
 
 namespace qarv::analysis {
@@ -11,6 +14,7 @@ namespace qarv::analysis {
 struct Alignment {
   double lag;          // place of the reference's first sample in the record [sample]
   double correlation;  // there, of reference and record: 1 where one is a multiple of the other
+  double gain;         // the multiple of the reference that comes closest to the record there [1]
 };
 
 /// Finds a reference in a record of the same sampling frequency: from the largest
@@ -21,8 +25,20 @@ struct Alignment {
 /// found without an error.
 /// @param[in] reference  the main pulse or the whole waveform
 /// @param[in] record     of any length
-/// @return a correlation of 0 if either is empty or 0 throughout, or holds a NaN or an infinity
+/// @return a correlation and a gain of 0 if either is empty or 0 throughout, or holds a NaN or an
+/// infinity
 Alignment Align(std::span<const double> reference, std::span<const double> record);
+
+/// The limit that is none; so is its negative.
+inline constexpr double kNoLimit = std::numeric_limits<double>::max();
+
+/// How far a value lies beyond its limits; 0 or less within them, infinite for what is no number.
+inline double Beyond(double value, double upper, double lower) {
+  if (!std::isfinite(value)) return std::numeric_limits<double>::infinity();
+  const double above = std::fabs(upper) == kNoLimit ? -kNoLimit : value - upper;
+  const double below = std::fabs(lower) == kNoLimit ? -kNoLimit : lower - value;
+  return std::max(above, below);
+}
 
 /// A record against its bands.
 struct Verdict {
@@ -33,8 +49,7 @@ struct Verdict {
   double limit = 0.0;       // the limit that it is beyond
 };
 
-/// Compares the samples first .. last, included, with both bands.  A limit of the largest or the
-/// lowest double is none.
+/// Compares the samples first .. last, included, with both bands.
 /// @param[in] wave,upper,lower  of one length
 /// @return nothing judged if the range is not inside the arrays
 Verdict JudgeBands(std::span<const double> wave, std::span<const double> upper,

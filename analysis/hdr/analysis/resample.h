@@ -14,7 +14,8 @@ namespace qarv::analysis {
 /// h is a sinc under a four-term cosine window (F. J. Harris 1978) of 32 zero crossings to either
 /// side: nothing up to 0.85 of the lower of the two Nyquist frequencies is changed by more than
 /// 1e-4.  A step above 1 lowers the sampling frequency; what the new one cannot hold is filtered
-/// out.  Before its first and behind its last sample the signal stays where it is.
+/// out.  A step of 1 from a whole sample gives the samples themselves.  Before its first and behind
+/// its last sample the signal stays where it is.
 /// @param[in] x      the samples
 /// @param[in] start  place of the first result [sample of x]
 /// @param[in] step   distance of two results [sample of x], above 0
