@@ -85,20 +85,16 @@ std::size_t NearestSample(std::span<const double> reference, std::span<const dou
   return k;
 }
 
-/// The correlation coefficient of what a reference and a record share, and its gain.
-struct Likeness {
-  double correlation, gain;
-};
+}  // namespace
 
 Likeness LikenessOf(std::span<const double> reference, std::span<const double> record) {
+  if (reference.size() != record.size()) return {0.0, 0.0};
   double cross = 0.0;
   for (std::size_t i = 0; i < reference.size(); ++i) cross += reference[i] * record[i];
   const double own = Energy(reference);
   const double scale = std::sqrt(own) * std::sqrt(Energy(record));
   return scale > 0.0 ? Likeness{cross / scale, cross / own} : Likeness{0.0, 0.0};
 }
-
-}  // namespace
 
 Alignment Align(std::span<const double> reference, std::span<const double> record) {
   constexpr double kWhole = 1e-4;  // [sample]

@@ -28,7 +28,8 @@ constexpr const char* kExitStatus =
     "Exit status:\n"
     "  0  done; for judge: the record passes\n"
     "  1  the definition is refused; for judge: the record fails; for batch: a definition fails\n"
-    "  2  the input cannot be used or an output cannot be written; nothing has been written\n"
+    "  2  the input cannot be used or judged, or an output cannot be written; nothing has been "
+    "written\n"
     "  3  for check and batch: it works, with warnings";
 
 /// An option with a value.
@@ -117,6 +118,8 @@ void CommandLine::AddJudge() {
   Add(command, "MEASURED", &judge.measured, kFile, "measured samples (.csv, .uff)")->required();
   AddFsamp(command, &judge.fsamp);
   Add(command, "--dv-tol", &judge.dvTol, kNumber, "tolerance of the velocity change [%] (10)");
+  command->add_flag("--force", judge.force,
+                    "judge a record that is sampled too coarsely for a verdict");
   Add(command, "--json", &judge.json, kFile, "write the verdict as JSON");
   Add(command, "--plot", &judge.plot, kFile, "write a picture with the violations, .png or .svg");
   command->callback([this] { job = [this] { return Judge(judge); }; });

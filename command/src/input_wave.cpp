@@ -35,7 +35,7 @@ InputWave LoadMeasured(const std::string& file, std::optional<double> fsamp) {
   if (IsUniversalFile(file)) {
     if (fsamp) FailWithOwnRate(file);
     UffFunction function = std::move(ReadUff(file).front());
-    return {std::move(function.samples), function.fsamp, function.unit};
+    return {std::move(function.samples), function.fsamp, function.unit, function.begin};
   }
   MeasuredCsv csv = ReadCsv(file);
   if (csv.times.empty() && !fsamp) {
@@ -46,14 +46,14 @@ InputWave LoadMeasured(const std::string& file, std::optional<double> fsamp) {
     Fail("--fsamp", "is not above 0");
   }
   const double rate = fsamp ? *fsamp : SampleRateOf(csv);
-  return {std::move(csv.values), rate, ""};
+  return {std::move(csv.values), rate, "", csv.times.empty() ? 0.0 : csv.times.front()};
 }
 
 InputWave LoadInputWave(const std::string& file, std::optional<double> fsamp) {
   if (ExtensionOf(file) == ".csv" || IsUniversalFile(file)) return LoadMeasured(file, fsamp);
   if (fsamp) FailWithOwnRate(file);
   const wave_def::CWaveDef def = LoadDefinitionOrRecord(file);
-  return {def.GetWave(), SampleRateOf(def), def.GetUnitAmpl().GetText()};
+  return {def.GetWave(), SampleRateOf(def), def.GetUnitAmpl().GetText(), 0.0};
 }
 
 }  // namespace qarv::command

@@ -11,8 +11,9 @@ namespace qarv::command {
 
 struct InputWave {
   common::CDataArrayFloatT<double> samples;
-  double fsamp;      // [Hz]
-  std::string unit;  // of the samples; empty if the file does not say
+  double fsamp;        // [Hz]
+  std::string unit;    // of the samples; empty if the file does not say
+  double begin = 0.0;  // [s] time of the first sample, as the file counts it
 };
 
 /// Reads a definition (.json) or a record (anything else).

@@ -1,7 +1,4 @@
 // qarv-wave judge: whether a measured record passes.
-//
-//   ratio   sampling frequency of the record over that of the definition
-//   start   place of the definition's first sample in the record [sample of the definition]
 #include "judge.h"
 
 #include <fmt/format.h>
@@ -10,20 +7,20 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <span>
 #include <vector>
 
+#include "analysis/band_fit.h"
 #include "analysis/judge.h"
-#include "analysis/resample.h"
 #include "analysis/shock.h"
-#include "common/numeric/index_conv.h"
 #include "definition.h"
 #include "entries.h"
 #include "input_wave.h"
 #include "kinematics.h"
 #include "main_pulse.h"
 #include "output_files.h"
+#include "overlay.h"
 #include "plot.h"
+#include "rules/rule_table.h"
 
 namespace qarv::command {
 
@@ -33,105 +30,42 @@ using Samples = common::CDataArrayFloatT<double>;
 
 namespace {
 
-/// The measured record on the samples of the definition.
-struct Overlay {
-  Samples wave;             // as many as the definition has
-  std::size_t first, last;  // [sample] that the record covers
-  double start;             // [sample] of the definition's first sample in the record
-  double correlation;
+/// What the bands are of.  A definition that the library refuses is no reason to fail a record.
+CWaveDef LoadReference(const std::string& file) {
+  const CWaveDef def = [&] {
+    try {
+      return LoadDefinitionOrRecord(file);
+    } catch (const CommandError& e) {
+      throw CommandError(kBadInput, e.what());
+    }
+  }();
+  if (def.GetNsamp() == 0 || def.GetTolU().GetSize() != def.GetNsamp() ||
+      def.GetTolL().GetSize() != def.GetNsamp()) {
+    Fail(file, "has no samples with bands");
+  }
+  return def;
+}
+
+/// A remark on a file.
+struct Warning {
+  std::string file, text;
 };
+using Warnings = std::vector<Warning>;
 
-/// What a record is aligned by, in the definition.
-struct Reference {
-  std::size_t first, last;  // [sample]
-};
-
-bool IsClassical(const CWaveDef& def) { return def.GetWaveType() == CWaveDef::WAVE_TYPE_CLASSICAL; }
-
-Reference ReferenceOf(const CWaveDef& def) {
-  const auto N = static_cast<std::size_t>(def.GetNsamp());
-  if (!IsClassical(def)) return {0, N - 1};
-  const MainPulse pulse = MainPulseOf(def);
-  return {std::min(pulse.first, N - 1), std::min(pulse.last, N - 1)};
-}
-
-/// Brings a record that says its unit to the definition's.
-void ConvertUnit(const CWaveDef& def, const std::string& file, InputWave* measured) {
-  const std::string unit = def.GetUnitAmpl().GetText();
-  if (measured->unit.empty() || unit.empty() || measured->unit == unit) return;
-  const MotionUnits from = MotionUnitsOf(measured->unit);
-  const MotionUnits to = MotionUnitsOf(unit);
-  if (!from.known || !to.known) {
-    Fail(file, fmt::format("its unit is {}, not {}", measured->unit, unit));
+/// What the sampling of a record cannot show; empty if it shows enough.
+std::string SamplingGap(const CWaveDef& def, const InputWave& measured) {
+  constexpr double kClock = 1e-3;  // that two clocks may differ
+  const double rate = SampleRateOf(def);
+  if (measured.fsamp < rate * (1.0 - kClock)) {
+    return fmt::format(
+        "is sampled at {:g} Hz, below the {:g} Hz of the definition: ringing above {:g} Hz is not "
+        "seen",
+        measured.fsamp, rate, measured.fsamp / 2.0);
   }
-  for (double& v : measured->samples) v *= from.velocity / to.velocity;
-}
-
-/// A record as the definition needs it: its sampling frequency, and its length in those samples.
-struct Scaled {
-  double ratio;
-  bool sameRate;
-  double end;  // [sample of the definition] place of the last sample
-};
-
-Scaled ScaleOf(const CWaveDef& def, const InputWave& measured, const std::string& file) {
-  constexpr double kLongest = 1e9;  // [sample] that are worth an attempt
-  const auto record = SpanOf(measured.samples);
-  if (!std::all_of(record.begin(), record.end(), [](double v) { return std::isfinite(v); })) {
-    Fail(file, "has samples that are no numbers");
-  }
-  const double ratio = measured.fsamp / SampleRateOf(def);
-  const double end = static_cast<double>(record.size() - 1) / ratio;
-  if (!(ratio > 0.0 && std::isfinite(ratio) && end < kLongest)) {
-    Fail(file, fmt::format("a sampling frequency of {:g} Hz does not go with {:g} Hz",
-                           measured.fsamp, SampleRateOf(def)));
-  }
-  return {ratio, std::fabs(ratio - 1.0) < 1e-9, end};
-}
-
-/// The record at every sample of the definition, whose first one lies at `start` in it.
-Samples SampledAtDefinition(const CWaveDef& def, const Scaled& scaled, double start,
-                            std::span<const double> record) {
-  Samples wave(def.GetNsamp());
-  if (!scaled.sameRate || start != std::round(start)) {
-    const auto x = analysis::SampledAt(record, start * scaled.ratio, scaled.ratio, wave.GetSize());
-    std::copy(x.begin(), x.end(), wave.begin());
-    return wave;
-  }
-  // Nothing lies between the samples: they stay what they are.
-  for (std::size_t j = 0; j < wave.GetSize(); ++j) {
-    const double i = std::clamp(start + static_cast<double>(j), 0.0, scaled.end);
-    wave[j] = record[static_cast<std::size_t>(common::TruncToIndex(i))];
-  }
-  return wave;
-}
-
-Overlay LayOver(const CWaveDef& def, const InputWave& measured, const std::string& file) {
-  const auto record = SpanOf(measured.samples);
-  const Scaled scaled = ScaleOf(def, measured, file);
-  const auto length = static_cast<std::size_t>(common::TruncToIndex(scaled.end + 1e-6)) + 1;
-  const std::vector<double> onGrid = scaled.sameRate
-                                         ? std::vector<double>(record.begin(), record.end())
-                                         : analysis::SampledAt(record, 0.0, scaled.ratio, length);
-  const Reference reference = ReferenceOf(def);
-  const analysis::Alignment found = analysis::Align(
-      SpanOf(def.GetWave()).subspan(reference.first, reference.last - reference.first + 1), onGrid);
-  if (!(found.correlation > 0.0)) {
-    Fail(file, "does not show the waveform");
-  }
-  const double start = found.lag - static_cast<double>(reference.first);
-  constexpr double kSlack = 1e-6;  // [sample] lost to rounding
-  const double lastOfFrame = static_cast<double>(def.GetNsamp() - 1);
-  const double first = std::max(std::ceil(-start - kSlack), 0.0);
-  const double last = std::min(std::floor(scaled.end - start + kSlack), lastOfFrame);
-  const bool whole =
-      first <= static_cast<double>(reference.first) && last >= static_cast<double>(reference.last);
-  if (!(first <= last) || (IsClassical(def) && !whole)) {
-    Fail(file, "does not hold the whole pulse");
-  }
-  return {SampledAtDefinition(def, scaled, start, record),
-          static_cast<std::size_t>(common::TruncToIndex(first)),
-          static_cast<std::size_t>(common::TruncToIndex(last)), start, found.correlation};
+  if (!IsClassical(def)) return {};
+  const double samples = def.GetDefClassical().GetMainWidth() * std::min(measured.fsamp, rate);
+  if (samples >= kLeastSamples) return {};
+  return fmt::format("has {:.3g} samples in the pulse, fewer than {:g}", samples, kLeastSamples);
 }
 
 /// The velocity change of the measured pulse.
@@ -160,9 +94,8 @@ void PlotVerdict(const CWaveDef& def, const Overlay& overlay, const std::string&
   Samples violations(N);
   for (std::size_t i = 0; i < N; ++i) {
     const bool covered = i >= overlay.first && i <= overlay.last;
-    const bool outside = analysis::JudgeBands(SpanOf(overlay.wave), SpanOf(def.GetTolU()),
-                                              SpanOf(def.GetTolL()), i, i)
-                             .outside != 0;
+    const bool outside =
+        analysis::Beyond(overlay.wave[i], def.GetTolU()[i], def.GetTolL()[i]) > 0.0;
     measured[i] = covered ? overlay.wave[i] : std::nan("");
     violations[i] = covered && outside ? overlay.wave[i] : std::nan("");
   }
@@ -175,63 +108,165 @@ void PlotVerdict(const CWaveDef& def, const Overlay& overlay, const std::string&
              SampleRateOf(def), title, format, file);
 }
 
-/// What the record shows, and what of it counts.
+/// What the record shows where the bands lie over it.
 struct Judgement {
+  Overlay overlay;
   Verdict bands;
   std::optional<VelocityVerdict> velocity;  // of a classical pulse
 
   bool Passes() const { return bands.outside == 0 && (!velocity || velocity->passes); }
+  /// What fails, for people; empty if nothing does.
+  std::string Failed() const {
+    const bool outside = bands.outside != 0;
+    const bool off = velocity && !velocity->passes;
+    return outside && off ? "bands and velocity change"
+           : outside      ? "bands"
+           : off          ? "velocity change"
+                          : "";
+  }
 };
 
-Entries EntriesOf(const CWaveDef& def, const Overlay& overlay, const Judgement& judgement,
-                  double dvTol) {
-  const double fsamp = SampleRateOf(def);
+Judgement JudgeAt(const CWaveDef& def, const GridRecord& record, double start, double dvTol) {
+  Judgement out{LayOver(def, record, start), {}, {}};
+  const Overlay& overlay = out.overlay;
+  out.bands = analysis::JudgeBands(SpanOf(overlay.wave), SpanOf(def.GetTolU()),
+                                   SpanOf(def.GetTolL()), overlay.first, overlay.last);
+  if (IsClassical(def)) out.velocity = JudgeVelocity(def, overlay, dvTol);
+  return out;
+}
+
+/// A judgement and how it was come to.
+struct Outcome {
+  Location found;
+  Judgement judgement;
+  std::optional<analysis::BandFit> nearest;  // where bands that had to be moved fit best
+};
+
+/// The standards let the bands be laid over the record where they fit best.  Where they fit nowhere
+/// the judgement is that of the best correlation, which shows people what is wrong.
+Outcome JudgeWhereItFits(const CWaveDef& def, const GridRecord& record, double dvTol) {
+  const Location found = Locate(def, record);
+  Outcome out{found, JudgeAt(def, record, found.start, dvTol), {}};
+  if (!IsClassical(def) || out.judgement.bands.outside == 0) return out;
+  out.nearest = analysis::FitBands(record.samples, SpanOf(def.GetTolU()), SpanOf(def.GetTolL()),
+                                   PlacesAround(def, record, found.start));
+  Judgement moved = JudgeAt(def, record, out.nearest->place, dvTol);
+  if (moved.bands.outside == 0) out.judgement = std::move(moved);
+  return out;
+}
+
+/// The list of results while it grows.
+class EntryList {
+ public:
+  void Add(const char* key, const char* label, const Json& value, const std::string& unit = "") {
+    entries_.push_back({key, label, value, unit});
+  }
+  const Entries& Get() const { return entries_; }
+
+ private:
+  Entries entries_;
+};
+
+/// Where and by how much the record leaves the bands.
+void AddViolation(const CWaveDef& def, const GridRecord& record, const Outcome& outcome,
+                  EntryList* out) {
+  const Verdict& bands = outcome.judgement.bands;
+  if (bands.outside == 0) return;
   const std::string unit = def.GetUnitAmpl().GetText();
-  const Verdict& bands = judgement.bands;
-  Entries entries{{"verdict", "verdict", judgement.Passes() ? "pass" : "fail", ""}};
-  const auto add = [&](const char* key, const char* label, const Json& v, const std::string& of) {
-    entries.push_back({key, label, v, of});
+  const double peak = std::fabs(analysis::PeakOf(SpanOf(def.GetWave())).value);
+  const auto inFrame = static_cast<double>(bands.worst);
+  out->Add("worst_time", "worst violation at", WriteValue(inFrame / record.fsamp), "s");
+  out->Add("worst_record_time", "  in the record's own time",
+           WriteValue(record.begin + (outcome.judgement.overlay.start + inFrame) / record.fsamp),
+           "s");
+  out->Add("worst_value", "  value", WriteValue(bands.value), unit);
+  out->Add("worst_limit", "  limit", WriteValue(bands.limit), unit);
+  out->Add("worst_excess", "  beyond it",
+           WriteValue(100.0 * std::fabs(bands.value - bands.limit) / peak), "% of the peak");
+  if (!outcome.nearest) return;
+  out->Add("least_excess", "least violation where it is moved",
+           WriteValue(100.0 * outcome.nearest->beyond / peak), "% of the peak");
+  out->Add("least_excess_shift", "  moved by",
+           WriteValue((outcome.nearest->place - outcome.found.start) / record.fsamp), "s");
+}
+
+void AddVelocity(const CWaveDef& def, const VelocityVerdict& velocity, double dvTol,
+                 EntryList* out) {
+  const MotionUnits motion = MotionUnitsOf(def.GetUnitAmpl().GetText());
+  out->Add("velocity_change", "velocity change of the pulse",
+           WriteValue(motion.velocity * velocity.measured), motion.velocityUnit);
+  out->Add("velocity_change_defined", "  of the definition",
+           WriteValue(motion.velocity * velocity.defined), motion.velocityUnit);
+  out->Add("velocity_change_deviation", "  deviation", WriteValue(velocity.deviation), "%");
+  out->Add("velocity_change_tolerance", "  tolerance", WriteValue(dvTol), "%");
+}
+
+Entries EntriesOf(const CWaveDef& def, const GridRecord& record, const Outcome& outcome,
+                  double dvTol) {
+  const Judgement& judgement = outcome.judgement;
+  const double start = judgement.overlay.start;
+  EntryList out;
+  out.Add("verdict", "verdict", judgement.Passes() ? "pass" : "fail");
+  if (!judgement.Passes()) out.Add("failed", "  by", judgement.Failed());
+  out.Add("correlation", "correlation with the waveform", WriteValue(outcome.found.correlation));
+  out.Add("start", "start of the frame in the record",
+          WriteValue(record.begin + start / record.fsamp), "s");
+  out.Add("shift", "  moved to fit the bands",
+          WriteValue((start - outcome.found.start) / record.fsamp), "s");
+  out.Add("judged", "samples judged", judgement.bands.judged);
+  out.Add("missing", "samples of the frame not recorded", def.GetNsamp() - judgement.bands.judged);
+  out.Add("outside", "samples outside the bands", judgement.bands.outside);
+  AddViolation(def, record, outcome, &out);
+  if (judgement.velocity) AddVelocity(def, *judgement.velocity, dvTol, &out);
+  return out.Get();
+}
+
+/// The part of the frame that the record does not cover.
+std::string MissingText(const CWaveDef& def, const Overlay& overlay) {
+  const std::size_t N = def.GetNsamp();
+  const std::size_t before = overlay.first;
+  const std::size_t behind = N - 1 - overlay.last;
+  const auto part = [](std::size_t count, const char* where) {
+    return count == 0 ? std::string() : fmt::format(", {} are missing {}", count, where);
   };
-  add("correlation", "correlation with the waveform", WriteValue(overlay.correlation), "");
-  add("start", "start of the frame in the record", WriteValue(overlay.start / fsamp), "s");
-  add("judged", "samples judged", bands.judged, "");
-  add("outside", "samples outside the bands", bands.outside, "");
-  if (bands.outside != 0) {
-    const double peak = std::fabs(analysis::PeakOf(SpanOf(def.GetWave())).value);
-    const double excess = 100.0 * std::fabs(bands.value - bands.limit) / peak;
-    const double time = static_cast<double>(bands.worst) / fsamp;
-    add("worst_time", "worst violation at", WriteValue(time), "s");
-    add("worst_value", "  value", WriteValue(bands.value), unit);
-    add("worst_limit", "  limit", WriteValue(bands.limit), unit);
-    add("worst_excess", "  beyond it", WriteValue(excess), "% of the peak");
-  }
-  if (const auto& velocity = judgement.velocity) {
-    const MotionUnits motion = MotionUnitsOf(unit);
-    const double factor = motion.velocity;
-    add("velocity_change", "velocity change of the pulse", WriteValue(factor * velocity->measured),
-        motion.velocityUnit);
-    add("velocity_change_defined", "  of the definition", WriteValue(factor * velocity->defined),
-        motion.velocityUnit);
-    add("velocity_change_deviation", "  deviation", WriteValue(velocity->deviation), "%");
-    add("velocity_change_tolerance", "  tolerance", WriteValue(dvTol), "%");
-  }
-  return entries;
+  return fmt::format("covers {} of the {} samples of the frame{}{}", N - before - behind, N,
+                     part(before, "before it"), part(behind, "behind it"));
+}
+
+Json AsArray(const Warnings& warnings) {
+  Json array = Json::array();
+  for (const Warning& warning : warnings) array.push_back(OneLine(warning.text));
+  return array;
 }
 
 }  // namespace
 
 ExitCode Judge(const JudgeOptions& options) {
   if (!(options.dvTol >= 0.0)) Fail("--dv-tol", "is not 0 or above");
-  const CWaveDef def = LoadDefinitionOrRecord(options.definition);
-  RequireBands(def, options.definition);
-  InputWave measured = LoadMeasured(options.measured, options.fsamp);
-  ConvertUnit(def, options.measured, &measured);
-  const Overlay overlay = LayOver(def, measured, options.measured);
-  Judgement judgement{analysis::JudgeBands(SpanOf(overlay.wave), SpanOf(def.GetTolU()),
-                                           SpanOf(def.GetTolL()), overlay.first, overlay.last),
-                      {}};
-  if (IsClassical(def)) judgement.velocity = JudgeVelocity(def, overlay, options.dvTol);
-  const Entries entries = EntriesOf(def, overlay, judgement, options.dvTol);
+  const CWaveDef def = LoadReference(options.definition);
+  Warnings warnings;
+  for (const Finding& finding : FindingsOf(def)) {
+    warnings.push_back({options.definition, finding.text});
+  }
+  const InputWave measured = LoadMeasured(options.measured, options.fsamp);
+  const GridRecord record = OnGridOf(def, measured, options.measured);
+  const std::string gap = SamplingGap(def, measured);
+  if (!gap.empty() && !options.force) {
+    Fail(options.measured, gap + "; --force judges it all the same");
+  }
+  if (!gap.empty()) warnings.push_back({options.measured, gap});
+  const Outcome outcome = JudgeWhereItFits(def, record, options.dvTol);
+  const Judgement& judgement = outcome.judgement;
+  if (judgement.bands.judged < def.GetNsamp()) {
+    warnings.push_back({options.measured, MissingText(def, judgement.overlay)});
+  }
+  if (!judgement.Passes() && outcome.found.turned > outcome.found.correlation) {
+    warnings.push_back({options.measured, fmt::format("correlates better upside down ({:.3f})",
+                                                      -outcome.found.turned)});
+  }
+  Entries entries = EntriesOf(def, record, outcome, options.dvTol);
+  const std::string text = AsText(entries);
+  entries.push_back({"warnings", "warnings", AsArray(warnings), ""});
 
   OutputFiles files;
   if (!options.json.empty()) WriteFile(files.Reserve(options.json), AsJson(entries));
@@ -239,13 +274,13 @@ ExitCode Judge(const JudgeOptions& options) {
     const PlotFormat format = PlotFormatOf(options.plot);
     const std::string title = std::filesystem::path(options.measured).stem().string() +
                               (judgement.Passes() ? ": pass" : ": fail");
-    PlotVerdict(def, overlay, title, format, files.Reserve(options.plot));
+    PlotVerdict(def, judgement.overlay, title, format, files.Reserve(options.plot));
   }
-  if (judgement.bands.judged < def.GetNsamp()) {
-    fmt::print(stderr, "qarv-wave: warning: {}: covers {} of the {} samples of the frame\n",
-               OneLine(options.measured), judgement.bands.judged, def.GetNsamp());
+  for (const Warning& warning : warnings) {
+    fmt::print(stderr, "qarv-wave: warning: {}: {}\n", OneLine(warning.file),
+               OneLine(warning.text));
   }
-  Print(AsText(entries));
+  Print(text);
   files.Commit();
   return judgement.Passes() ? kDone : kRefused;
 }

@@ -37,6 +37,8 @@ double NominalArea(const CWaveDefClassical& set) {
 
 }  // namespace
 
+bool IsClassical(const CWaveDef& def) { return def.GetWaveType() == CWaveDef::WAVE_TYPE_CLASSICAL; }
+
 MainPulse MainPulseOf(const CWaveDef& def) {
   const CWaveDefClassical& set = def.GetDefClassical();
   const double frame = set.GetNsamp();

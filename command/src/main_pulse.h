@@ -7,6 +7,9 @@
 
 namespace qarv::command {
 
+/// Whether a defined waveform is a classical pulse, which alone has a main pulse.
+bool IsClassical(const wave_def::CWaveDef& def);
+
 struct MainPulse {
   std::size_t first, last;  // [sample] the pulse with a sample to each side, so that it is whole
   double velocityChange;    // [amplitude unit x s] nominal area

@@ -59,6 +59,25 @@ TEST(Align, APulseTurnedOverDoesNotCorrelate) {
   EXPECT_LE(Align(std::vector<double>{2}, std::vector<double>{-3}).correlation, 0.0);
 }
 
+TEST(Align, TellsWhatMultipleOfTheReferenceTheRecordShows) {
+  const auto reference = Pulses(141, 70, 50);
+  EXPECT_NEAR(Align(reference, Pulses(500, 270.25, 40)).gain, 0.8, 1e-4);
+  EXPECT_NEAR(Align(reference, Pulses(500, 270, 65)).gain, 1.3, 1e-12);
+}
+
+TEST(LikenessOf, IsTheCoefficientAndTheMultiple) {
+  const std::vector<double> a{1, 2, -2};
+  EXPECT_DOUBLE_EQ(LikenessOf(a, std::vector<double>{3, 6, -6}).correlation, 1.0);
+  EXPECT_DOUBLE_EQ(LikenessOf(a, std::vector<double>{3, 6, -6}).gain, 3.0);
+  EXPECT_DOUBLE_EQ(LikenessOf(a, std::vector<double>{-1, -2, 2}).correlation, -1.0);
+  // 1 x 2 + 2 x 1 - 2 x 2 = 0
+  EXPECT_DOUBLE_EQ(LikenessOf(a, std::vector<double>{2, 1, 2}).correlation, 0.0);
+  for (const std::size_t n : std::vector<std::size_t>{0, 2, 3}) {
+    EXPECT_EQ(LikenessOf(a, std::vector<double>(n)).correlation, 0.0);
+    EXPECT_EQ(LikenessOf(a, std::vector<double>(n)).gain, 0.0);
+  }
+}
+
 TEST(Align, NoiseOfATenthOfThePeakMovesItByLessThanASample) {
   test::RandomValues random(82);
   const auto reference = Pulses(141, 70, 50);
@@ -107,6 +126,15 @@ TEST(JudgeBands, CountsWhatLiesBeyondALimitAndNamesTheFarthest) {
   EXPECT_EQ(rear.outside, 1U);
   EXPECT_EQ(rear.worst, 4U);
   EXPECT_EQ(rear.limit, -3.0);
+}
+
+TEST(Beyond, IsTheDistanceFromTheLimitThatIsExceeded) {
+  EXPECT_EQ(Beyond(5, 3, -1), 2.0);
+  EXPECT_EQ(Beyond(-5, 3, -1), 4.0);
+  EXPECT_EQ(Beyond(2, 3, -1), -1.0);
+  EXPECT_EQ(Beyond(2, kMax, 4), 2.0);
+  EXPECT_EQ(Beyond(5, 3, -kMax), 2.0);
+  for (const double odd : {kNaN, kInf, -kInf}) EXPECT_EQ(Beyond(odd, kMax, -kMax), kInf);
 }
 
 TEST(JudgeBands, ALimitItselfIsInside) {

@@ -17,6 +17,15 @@ struct Alignment {
   double gain;         // the multiple of the reference that comes closest to the record there [1]
 };
 
+/// How alike a reference and a record of its length are.
+struct Likeness {
+  double correlation;  // coefficient: 1 where one is a multiple of the other, -1 a negative one [1]
+  double gain;         // the multiple of the reference that comes closest to the record [1]
+};
+
+/// @return 0 for both if one of them is empty or 0 throughout, or they differ in length
+Likeness LikenessOf(std::span<const double> reference, std::span<const double> record);
+
 /// Finds a reference in a record of the same sampling frequency: from the largest
 /// cross-correlation, with the record taken as 0 beyond its ends, to the next maximum of the
 /// correlation coefficient, at first at the samples and then between them by band-limited

@@ -128,6 +128,7 @@ UffFunction ReadFunction(const std::string& file, Lines* lines) {
   const double type = lines->Number(numbers, 0, 10);
   const double count = lines->Number(numbers, 10, 10);
   const double spacing = lines->Number(numbers, 20, 10);
+  out.begin = lines->Number(numbers, 30, 13);
   out.fsamp = RateOf(lines->Number(numbers, 43, 13), rate, file);
   if (type != 2.0 && type != 4.0) Fail(file, "its values are not real numbers");
   if (spacing != 1.0) Fail(file, "its values are not evenly spaced");

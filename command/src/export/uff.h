@@ -14,6 +14,7 @@ namespace qarv::command {
 struct UffFunction {
   std::string name;  // its first identification line
   double fsamp;      // [Hz]
+  double begin;      // [s] abscissa of the first value
   std::string unit;  // of the values; empty if the file does not say
   common::CDataArrayFloatT<double> samples;
 };

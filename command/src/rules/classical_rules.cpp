@@ -191,6 +191,17 @@ std::string RefusalText(const Refusal& refusal, const Set& set) {
   return {};
 }
 
+/// Without scales there is nothing to draw; what is optimised is drawn all the same.
+Rule NoScales(const Set& set) {
+  const bool optimised = set.GetCmpType() == Set::CMP_OPTIMIZED;
+  const bool broken = set.GetAddCmp() && HasCompensationType(set) && set.GetCmpPre() == 0.0 &&
+                      set.GetCmpPost() == 0.0;
+  return {optimised ? Warns : Fails, broken,
+          format("AddCmp: CmpPre and CmpPost are both 0, so that {}; set both, usually to 1",
+                 optimised ? "the bands before and after the pulse are the least, 1 % of the peak"
+                           : "neither side may be compensated")};
+}
+
 }  // namespace
 
 Findings CompensationFindings(const Set& set, double fsamp) {
@@ -245,7 +256,12 @@ Findings BrokenRules(const Set& set, double fsamp) {
       {Fails, at.flat, "the pulse has no positive sample, to which its band could be scaled",
        negative ? std::vector<Remedy>{{"MainAmpl", -set.GetMainAmpl()}} : std::vector<Remedy>{}},
       {Fails, set.GetAddCmp() && !HasCompensationType(set), "CmpType is not set"},
+      NoScales(set),
 
+      {Warns,
+       set.GetFmax() < 0.0,
+       format("Fmax is {:g}, which is no frequency", set.GetFmax()),
+       {{"Fmax", -set.GetFmax()}}},
       {Warns, at.placed && at.clamped,
        format("MainWidth is {:.6g} samples, and is cut to the frame of {}", at.samples,
               set.GetNsamp()),

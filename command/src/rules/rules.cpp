@@ -173,6 +173,12 @@ Findings BrokenRules(const wave_def::CWaveDefSineBeatBurst& set, double fsamp) {
        set.GetFreq() > 0.0 && fsamp > 0.0 ? std::vector<Remedy>{{"RestTime", 0.0}}
                                           : std::vector<Remedy>{}},
       OddRate(fsamp),
+      {Warns,
+       overlaps && complete && layout.total.IsPositive() && layout.total.Count() < layout.packet,
+       format("RestTime is {:g} s, so that packets of {} samples overlap to nothing: the waveform "
+              "is 0",
+              set.GetRestTime(), layout.packet),
+       {{"RestTime", 0.0}}},
       {Warns, set.GetFreq() < 0.0, format("Freq is {:g} Hz", set.GetFreq())},
       TooCoarse("a period", fsamp / set.GetFreq(), "Fsamp", fsamp),
       {Warns,
@@ -351,9 +357,27 @@ Findings Examine(const Definition& definition, CWaveDef* def) {
     findings.insert(findings.begin(), {Severity::Fails, reason, {}});
     return findings;
   }
+  for (Finding& finding : VelocityFindings(definition, *def)) {
+    findings.push_back(std::move(finding));
+  }
   for (Finding& finding : FindingsOf(*def)) findings.push_back(std::move(finding));
   return findings;
 }
+
+namespace {
+
+/// The samples of which something is wrong.
+struct Samples {
+  uint64 count = 0;
+  uint64 first = 0;
+
+  void Add(uint64 i) {
+    if (count == 0) first = i;
+    ++count;
+  }
+};
+
+}  // namespace
 
 Findings FindingsOf(const CWaveDef& def) {
   const double* const wave = def.GetWave().GetData();
@@ -362,29 +386,35 @@ Findings FindingsOf(const CWaveDef& def) {
   const uint64 N = def.GetNsamp();
   // What is lost to rounding where a band touches the waveform.
   const double slack = 1e-9 * std::fabs(def.GetWave().GetAbsMax(0, 0));
-  uint64 odd = 0;
-  uint64 crossed = 0;
-  uint64 firstCrossed = N;
-  uint64 outside = 0;
-  uint64 firstOutside = N;
+  // The bands of the others are a choice, and without their ratios there are none.
+  const bool banded = def.GetWaveType() == CWaveDef::WAVE_TYPE_CLASSICAL;
+  Samples odd;
+  Samples crossed;
+  Samples outside;
+  Samples flat;
   for (uint64 i = 0; i < N; ++i) {
-    if (!std::isfinite(wave[i])) ++odd;
+    if (!std::isfinite(wave[i])) odd.Add(i);
     if (upper[i] < lower[i]) {
-      ++crossed;
-      firstCrossed = std::min(firstCrossed, i);
+      crossed.Add(i);
     } else if (wave[i] > upper[i] + slack || wave[i] < lower[i] - slack) {
-      ++outside;
-      firstOutside = std::min(firstOutside, i);
+      outside.Add(i);
+    } else if (banded && upper[i] - lower[i] <= slack) {
+      flat.Add(i);
     }
   }
   return Broken({
-      {Warns, odd != 0, format("{} of {} samples are no numbers", odd, N)},
-      {Warns, crossed != 0,
+      {Warns, odd.count != 0, format("{} of {} samples are no numbers", odd.count, N)},
+      {Warns, crossed.count != 0,
        format("the upper band lies below the lower one at {} of {} samples, first at sample {}",
-              crossed, N, firstCrossed)},
-      {Warns, outside != 0,
-       format("the waveform leaves its own bands at {} of {} samples, first at sample {}", outside,
-              N, firstOutside)},
+              crossed.count, N, crossed.first)},
+      {Warns, flat.count != 0,
+       format(
+           "the bands have no width at {} of {} samples, first at sample {}, so that no measured "
+           "pulse can pass",
+           flat.count, N, flat.first)},
+      {Warns, outside.count != 0,
+       format("the waveform leaves its own bands at {} of {} samples, first at sample {}",
+              outside.count, N, outside.first)},
   });
 }
 

@@ -37,7 +37,7 @@ Findings FindingsOf(const Definition& definition);
 Findings Examine(const Definition& definition, wave_def::CWaveDef* def);
 
 /// What is wrong with a waveform that was generated: samples that are no numbers, crossed bands, a
-/// waveform outside its own bands.
+/// pulse's bands without width, a waveform outside its own bands.
 Findings FindingsOf(const wave_def::CWaveDef& def);
 
 /// Why the library refuses a definition: the first rule by which it fails.
@@ -49,6 +49,11 @@ std::string FindingText(const Finding& finding);
 /// Whether a classical pulse that breaks no other rule can be compensated.  The only rule that has
 /// to try, and therefore one of its own.
 Findings CompensationFindings(const wave_def::CWaveDefClassical& set, double fsamp);
+
+/// Whether a compensation has taken more of the pulse's velocity change than the usual tolerance
+/// leaves, and how much of it OptRatLevel may spend.
+/// @param[in] def  the waveform of the definition
+Findings VelocityFindings(const Definition& definition, const wave_def::CWaveDef& def);
 
 // The tables, one per family.  `fsamp` is the sampling frequency of the definition [Hz].
 Findings BrokenRules(const wave_def::CWaveDefClassical& set, double fsamp);
