@@ -241,6 +241,24 @@ TEST(SineBeatBurst, ATotalShorterThanAPacketPrintsAndGoesOn) {
   EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 3) << "one line for every packet";
 }
 
+TEST(SineBeatBurst, ThousandsOfPacketsThatDoNotFitPrintTenLinesAndTheirNumber) {
+  // Packets of 10000 samples with rests of -10001: each one makes the whole a sample shorter.
+  const auto printed = [](unsigned int frames) {
+    ::testing::internal::CaptureStderr();
+    const Samples wave = Generate(Packets(Set::SINE_BURST, 1, 1, frames, -1.0001), 10000);
+    const std::string lines = ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(wave, Samples(10000 - (frames - 1))) << "no packet fits, the wave is silent";
+    return lines;
+  };
+  const auto count = [](const std::string& lines) {
+    return std::count(lines.begin(), lines.end(), '\n');
+  };
+  EXPECT_EQ(count(printed(10)), 10);
+  const std::string lines = printed(4000);
+  EXPECT_EQ(count(lines), 11);
+  EXPECT_TRUE(lines.ends_with("[Error] and 3990 more of the same\n")) << lines;
+}
+
 TEST(SineBeatBurst, ATotalOfNothingOrLessIsRefused) {
   test::ExpectGenerates(SineBeatBurstGenerate, Packets(Set::SINE_BURST, 100, 1, 3, -0.0151), 10000,
                         std::nullopt);

@@ -23,4 +23,8 @@ void ReportArrayError(const char* path, int line, const char* message) noexcept 
   // The caller has set the stream to throw.  A line that cannot be printed is no reason to fail.
 }
 
+void ReportMoreArrayErrors(uint64 count) {
+  std::cerr << "[Error] and " + std::to_string(count) + " more of the same\n" << std::flush;
+}
+
 }  // namespace qarv::common

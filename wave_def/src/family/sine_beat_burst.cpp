@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+#include "common/data_array/array_report.h"
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
 #include "common/numeric/mat_edit.h"
@@ -82,12 +83,17 @@ void DrawPacket(const CWaveDefSineBeatBurst& def, double fsamp, uint64 Np, Sampl
 /// Lays the packet `frames` times into the wave, a step apart, a later one over the one before.
 void LayOverlapping(const Samples& packet, uint64 step, uint64 frames, Samples* wave) {
   const uint64 Np = packet.GetSize();
-  const bool refused = wave->GetSize() < Np;
+  if (wave->GetSize() < Np) {
+    // Every copy is refused with the same line, of which the first ones say all.
+    const uint64 told = std::min(frames, common::kMostArrayErrors);
+    for (uint64 j = 0; j < told; ++j) Samples::RingCopy(*wave, packet, 0, j * step, Np);
+    if (frames > told) common::ReportMoreArrayErrors(frames - told);
+    return;
+  }
   // What the next packet covers is not copied, so that the cost is that of the wave; packets that
   // lie one upon the other are one packet.
-  uint64 j = step == 0 && !refused ? frames - 1 : 0;
-  for (; j < frames; ++j) {
-    const uint64 own = refused || j + 1 == frames ? Np : std::min(step, Np);
+  for (uint64 j = step == 0 ? frames - 1 : 0; j < frames; ++j) {
+    const uint64 own = j + 1 == frames ? Np : std::min(step, Np);
     Samples::RingCopy(*wave, packet, 0, j * step, own);
   }
 }
