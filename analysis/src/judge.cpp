@@ -123,7 +123,7 @@ Alignment Align(std::span<const double> reference, std::span<const double> recor
   }
   if (std::fabs(lag - std::round(lag)) < kWhole) lag = std::round(lag);
   const auto [correlation, gain] = likeness(lag);
-  return {lag, correlation, gain};
+  return {lag, std::clamp(correlation, -1.0, 1.0), gain};  // rounding leads beyond
 }
 
 Verdict JudgeBands(std::span<const double> wave, std::span<const double> upper,
