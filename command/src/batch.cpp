@@ -90,11 +90,14 @@ struct Suffix {
 };
 constexpr Suffix kSuffix{".csv", ".png", ".rec", ".html", ".srs.png"};
 
+/// Where a definition's files go.
+std::string TargetOf(const std::string& name, const char* suffix, const std::string& folder) {
+  return (fs::path(folder) / (name + suffix)).string();
+}
+
 void WriteFilesOf(CWaveDef& def, const std::string& name, const std::string& folder,
                   OutputFiles* files) {
-  const auto target = [&](const char* suffix) {
-    return (fs::path(folder) / (name + suffix)).string();
-  };
+  const auto target = [&](const char* suffix) { return TargetOf(name, suffix, folder); };
   WriteWaveCsv(def, files->Reserve(target(kSuffix.csv)));
   WriteRecord(def, files->Reserve(target(kSuffix.record)));
   WriteReportPage(def, name, target(kSuffix.report), files);
@@ -105,10 +108,27 @@ void WriteFilesOf(CWaveDef& def, const std::string& name, const std::string& fol
   WriteSpectrum(srs, {def.GetWave(), SampleRateOf(def), def.GetUnitAmpl().GetText()}, files);
 }
 
+/// Why a definition cannot have its files: two names may lead to one, or be too long with their
+/// endings.  Empty if it can.
+std::string WhyNoFiles(const std::string& name, const std::string& folder,
+                       const OutputFiles& files) {
+  for (const char* const suffix :
+       {kSuffix.csv, kSuffix.plot, kSuffix.record, kSuffix.report, kSuffix.spectrum}) {
+    const std::string why = files.WhyNot(TargetOf(name, suffix, folder));
+    if (!why.empty()) return fmt::format("{}{}: {}", name, suffix, why);
+  }
+  return "";
+}
+
 /// The definition of a file, and what is wrong with it.
 Row RowOf(const fs::path& file, CWaveDef* def) {
   Row row{file.stem().string(), kDone, "", {}};
   try {
+    std::error_code error;
+    // What else has such a name in a folder may never end, or never begin.
+    if (fs::exists(file, error) && !fs::is_regular_file(file, error)) {
+      Fail(file.string(), "is not a regular file");
+    }
     const Definition definition = ReadDefinition(file.string());
     const Findings findings = Examine(definition, def);
     if (HasFailure(findings)) {
@@ -178,7 +198,7 @@ std::string AsCsv(const std::vector<Row>& rows) {
     text += CsvCell(row.name);
     for (const Column& column : kColumns) {
       const Entry* const entry = Find(row, column.key);
-      const Json value = entry == nullptr ? Json("") : entry->value;
+      const Json value = entry == nullptr ? Json("") : ShownValue(*entry);
       const std::string cell = value.is_string() ? value.get<std::string>() : value.dump();
       text += fmt::format(",{}", CsvCell(cell));
       if (column.hasUnit) text += fmt::format(",{}", CsvCell(entry == nullptr ? "" : entry->unit));
@@ -233,9 +253,13 @@ std::vector<fs::path> DefinitionsIn(const std::string& folder) {
   std::error_code error;
   std::vector<fs::path> files;
   for (const auto& entry : fs::directory_iterator(folder, error)) {
-    if (entry.path().extension() == ".json") files.push_back(entry.path());
+    if (ExtensionOf(entry.path().string()) == ".json") files.push_back(entry.path());
   }
-  if (error) Fail(folder, "cannot be read");
+  if (error) {
+    Fail(folder, error == std::errc::no_such_file_or_directory
+                     ? "does not exist"
+                     : fmt::format("cannot be read: {}", error.message()));
+  }
   if (files.empty()) Fail(folder, "has no definitions (.json)");
   std::sort(files.begin(), files.end());
   return files;
@@ -250,7 +274,15 @@ ExitCode Batch(const BatchOptions& options) {
   if (!options.output.empty() && fs::equivalent(options.output, options.folder, error)) {
     Fail("--output", "is the folder of the definitions");
   }
-  if (!options.output.empty()) files.MakeFolder(options.output);
+  const bool withFiles = !options.output.empty();
+  // The names of the batch's own files come first: a definition that would take one has none.
+  const auto own = [&](const char* name) {
+    return files.Reserve((fs::path(options.output) / name).string());
+  };
+  if (withFiles) files.MakeFolder(options.output);
+  const std::string summary = withFiles ? own("summary.csv") : "";
+  const std::string page = withFiles ? own("index.html") : "";
+  const std::string table = options.csv.empty() ? "" : files.Reserve(options.csv);
   std::vector<Row> rows;
   {
     Progress progress(definitions.size());
@@ -258,21 +290,22 @@ ExitCode Batch(const BatchOptions& options) {
       progress.Show(rows.size(), file.stem().string());
       CWaveDef def;
       rows.push_back(RowOf(file, &def));
-      if (!options.output.empty() && !rows.back().entries.empty()) {
-        WriteFilesOf(def, rows.back().name, options.output, &files);
+      Row& row = rows.back();
+      if (!withFiles || row.entries.empty()) continue;
+      const std::string why = WhyNoFiles(row.name, options.output, files);
+      if (why.empty()) {
+        WriteFilesOf(def, row.name, options.output, &files);
+      } else {
+        row = {row.name, kRefused, why, {}};
       }
     }
   }
-  if (!options.csv.empty()) WriteFile(files.Reserve(options.csv), AsCsv(rows));
-  if (!options.output.empty()) {
-    const auto target = [&](const char* name) {
-      return (fs::path(options.output) / name).string();
-    };
-    WriteFile(files.Reserve(target("summary.csv")), AsCsv(rows));
-    WriteFile(files.Reserve(target("index.html")), AsPage(rows));
+  if (!table.empty()) WriteFile(table, AsCsv(rows));
+  if (withFiles) {
+    WriteFile(summary, AsCsv(rows));
+    WriteFile(page, AsPage(rows));
   }
-  Print(AsText(rows));
-  files.Commit();
+  files.Commit(AsText(rows));
   const auto has = [&](ExitCode state) {
     return std::any_of(rows.begin(), rows.end(), [=](const Row& r) { return r.state == state; });
   };

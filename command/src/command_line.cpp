@@ -4,6 +4,7 @@
 #include <string>
 
 #include "bash_completion.h"
+#include "file_name.h"
 #include "man_page.h"
 #include "output_files.h"
 
@@ -37,6 +38,20 @@ template <class T>
 CLI::Option* Add(CLI::App* command, const char* name, T* value, const std::string& type,
                  const char* description) {
   return command->add_option(name, *value, description)->type_name(type);
+}
+
+/// A file or a folder: a positional argument is read, an option is written.  "-" is the standard
+/// stream, and what has no name is an error.
+CLI::Option* AddFile(CLI::App* command, const char* name, std::string* value,
+                     const char* description, const std::string& type = kFile) {
+  const char* const stream = *name == '-' ? kStandardOutput : kStandardInput;
+  const CLI::Validator nameOf(
+      [stream, type](std::string& text) {
+        if (text == "-" && type == kFile) text = stream;
+        return text.empty() ? std::string("an empty name") : std::string();
+      },
+      "");
+  return Add(command, name, value, type, description)->transform(nameOf);
 }
 
 void AddFsamp(CLI::App* command, std::optional<double>* fsamp) {
@@ -80,15 +95,27 @@ CommandLine::CommandLine()
   AddTexts();
 }
 
+void CommandLine::RefuseUnknownCommand(int argc, const char* const* argv) const {
+  if (argc < 2 || *argv[1] == '-') return;
+  std::string known;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    if (command->get_name() == argv[1]) return;
+    known += (known.empty() ? "" : ", ") + command->get_name();
+  }
+  Fail(argv[1], "is no subcommand: one of " + known);
+}
+
 void CommandLine::AddGenerate() {
   auto* const command = app.add_subcommand("generate", "Generate the waveform of a definition");
-  Add(command, "DEF", &generate.definition, kFile, "JSON definition")->required();
-  Add(command, "--csv", &generate.csv, kFile, "write time, waveform, lower and upper band");
-  Add(command, "--npy", &generate.npy, kFile, "write the same as a NumPy array of records");
-  Add(command, "--wav", &generate.wav, kFile, "write the waveform as a sound file (32-bit float)");
-  Add(command, "--uff", &generate.uff, kFile, "write a universal file (dataset 58)");
-  Add(command, "--plot", &generate.plot, kFile, "write a picture, .png or .svg");
-  Add(command, "--record", &generate.record, kFile, "write the serialised record");
+  AddFile(command, "DEF", &generate.definition, "JSON definition, - for standard input")
+      ->required();
+  AddFile(command, "--csv", &generate.csv,
+          "write time, waveform, lower and upper band, - for standard output");
+  AddFile(command, "--npy", &generate.npy, "write the same as a NumPy array of records");
+  AddFile(command, "--wav", &generate.wav, "write the waveform as a sound file (32-bit float)");
+  AddFile(command, "--uff", &generate.uff, "write a universal file (dataset 58)");
+  AddFile(command, "--plot", &generate.plot, "write a picture, .png or .svg");
+  AddFile(command, "--record", &generate.record, "write the serialised record");
   command->callback([this] { job = Job(Generate, generate); });
   SetShockExample(command, "  qarv-wave generate shock.json --csv shock.csv --plot shock.png");
 }
@@ -96,7 +123,7 @@ void CommandLine::AddGenerate() {
 void CommandLine::AddCheck() {
   auto* const command =
       app.add_subcommand("check", "Say what is wrong with a definition, and what would work");
-  Add(command, "DEF", &check.definition, kFile, "JSON definition")->required();
+  AddFile(command, "DEF", &check.definition, "JSON definition, - for standard input")->required();
   command->callback([this] { job = [this] { return Check(check); }; });
   SetShockExample(command, "  qarv-wave check shock.json");
 }
@@ -104,9 +131,10 @@ void CommandLine::AddCheck() {
 void CommandLine::AddReport() {
   auto* const command = app.add_subcommand(
       "report", "Report what a waveform asks of the shaker and how it lies in its bands");
-  Add(command, "INPUT", &report.input, kFile, "definition (.json) or record")->required();
-  Add(command, "--json", &report.json, kFile, "write the numbers as JSON");
-  Add(command, "--html", &report.html, kFile, "write one page with numbers and plots");
+  AddFile(command, "INPUT", &report.input, "definition (.json) or record, - for standard input")
+      ->required();
+  AddFile(command, "--json", &report.json, "write the numbers as JSON");
+  AddFile(command, "--html", &report.html, "write one page with numbers and plots");
   command->callback([this] { job = Job(Report, report); });
   SetShockExample(command, "  qarv-wave report shock.json --html shock.html");
 }
@@ -114,14 +142,17 @@ void CommandLine::AddReport() {
 void CommandLine::AddJudge() {
   auto* const command =
       app.add_subcommand("judge", "Say whether a measured record passes its tolerance bands");
-  Add(command, "INPUT", &judge.definition, kFile, "definition (.json) or record")->required();
-  Add(command, "MEASURED", &judge.measured, kFile, "measured samples (.csv, .uff)")->required();
+  AddFile(command, "INPUT", &judge.definition, "definition (.json) or record, - for standard input")
+      ->required();
+  AddFile(command, "MEASURED", &judge.measured,
+          "measured samples (.csv, .uff), - for standard input")
+      ->required();
   AddFsamp(command, &judge.fsamp);
   Add(command, "--dv-tol", &judge.dvTol, kNumber, "tolerance of the velocity change [%] (10)");
   command->add_flag("--force", judge.force,
                     "judge a record that is sampled too coarsely for a verdict");
-  Add(command, "--json", &judge.json, kFile, "write the verdict as JSON");
-  Add(command, "--plot", &judge.plot, kFile, "write a picture with the violations, .png or .svg");
+  AddFile(command, "--json", &judge.json, "write the verdict as JSON");
+  AddFile(command, "--plot", &judge.plot, "write a picture with the violations, .png or .svg");
   command->callback([this] { job = [this] { return Judge(judge); }; });
   SetShockExample(command,
                   "  qarv-wave generate shock.json --csv measured.csv\n"
@@ -130,8 +161,8 @@ void CommandLine::AddJudge() {
 
 void CommandLine::AddSrs() {
   auto* const command = app.add_subcommand("srs", "Calculate a shock response spectrum");
-  Add(command, "INPUT", &srs.input, kFile,
-      "definition (.json), measured samples (.csv, .uff) or record")
+  AddFile(command, "INPUT", &srs.input,
+          "definition (.json), measured samples (.csv, .uff) or record, - for standard input")
       ->required();
   AddFsamp(command, &srs.fsamp);
   Add(command, "--response", &srs.response, ResponseNames("|"),
@@ -146,8 +177,8 @@ void CommandLine::AddSrs() {
       ->excludes(perOctave);
   command->add_flag("--tripartite", srs.tripartite,
                     "pseudo velocity, with lines of displacement and acceleration in the plot");
-  Add(command, "--csv", &srs.csv, kFile, "write all responses over frequency");
-  Add(command, "--plot", &srs.plot, kFile, "write a picture, .png or .svg");
+  AddFile(command, "--csv", &srs.csv, "write all responses over frequency");
+  AddFile(command, "--plot", &srs.plot, "write a picture, .png or .svg");
   command->callback([this] { job = Job(Srs, srs); });
   SetShockExample(command,
                   "  qarv-wave srs shock.json --damping 0.05 --per-octave 6 --plot srs.png");
@@ -156,10 +187,11 @@ void CommandLine::AddSrs() {
 void CommandLine::AddBatch() {
   auto* const command =
       app.add_subcommand("batch", "Generate every definition of a folder, with one table of them");
-  Add(command, "DIR", &batch.folder, kFolder, "folder of JSON definitions")->required();
-  Add(command, "-o,--output", &batch.output, kFolder,
-      "folder for data, record, plot, report and spectrum of each, summary.csv and index.html");
-  Add(command, "--csv", &batch.csv, kFile, "write the table");
+  AddFile(command, "DIR", &batch.folder, "folder of JSON definitions", kFolder)->required();
+  AddFile(command, "-o,--output", &batch.output,
+          "folder for data, record, plot, report and spectrum of each, summary.csv and index.html",
+          kFolder);
+  AddFile(command, "--csv", &batch.csv, "write the table");
   command->callback([this] { job = [this] { return Batch(batch); }; });
   SetShockExample(command,
                   "  mkdir -p shocks && mv shock.json shocks\n"
@@ -168,10 +200,10 @@ void CommandLine::AddBatch() {
 
 void CommandLine::AddShow() {
   auto* const command = app.add_subcommand("show", "Print a record as a JSON definition");
-  Add(command, "RECORD", &show.record, kFile, "record file")->required();
-  Add(command, "-o,--output", &show.output, kFile, "write the definition to a file");
-  Add(command, "--samples", &show.samples, kFile,
-      "where the samples of a measured waveform go (RECORD.samples.csv)");
+  AddFile(command, "RECORD", &show.record, "record file, - for standard input")->required();
+  AddFile(command, "-o,--output", &show.output, "write the definition to a file");
+  AddFile(command, "--samples", &show.samples,
+          "where the samples of a measured waveform go (RECORD.samples.csv)");
   command->callback([this] { job = Job(Show, show); });
   SetShockExample(command,
                   "  qarv-wave generate shock.json --record shock.rec\n"

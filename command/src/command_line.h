@@ -21,6 +21,9 @@ struct CommandLine {
   CommandLine(const CommandLine&) = delete;
   CommandLine& operator=(const CommandLine&) = delete;
 
+  /// Ends the command where the first argument is neither a subcommand nor an option.
+  void RefuseUnknownCommand(int argc, const char* const* argv) const;
+
   CLI::App app;
   std::function<ExitCode()> job;  // of the subcommand that was given, once the line is parsed
 

@@ -5,11 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <utility>
 
 #include "csv_writer.h"
-#include "input_file.h"
 #include "text.h"
 
 namespace qarv::command {
@@ -63,9 +61,8 @@ bool IsHeader(const std::vector<std::string>& columns, char separator) {
 
 }  // namespace
 
-MeasuredCsv ReadCsv(const std::string& file) {
-  NoteInput(file);
-  std::ifstream in(file, std::ios::binary);
+MeasuredCsv ReadCsv(InputFile in) {
+  const std::string& file = in.GetName();
   std::vector<double> values;
   std::vector<double> times;
   std::vector<uint64> lines;
@@ -76,9 +73,9 @@ MeasuredCsv ReadCsv(const std::string& file) {
   bool first = true;
   bool withBands = false;
   uint64 line = 0;
-  while (std::getline(in, text)) {
+  while (in.ReadLine(&text)) {
     ++line;
-    if (line == 1 && text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);  // byte order mark
+    if (line == 1 && text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
     if (Trimmed(text).empty()) continue;
     if (width == 0) separator = SeparatorOf(text);
     const auto columns = Columns(text, separator);
@@ -100,11 +97,7 @@ MeasuredCsv ReadCsv(const std::string& file) {
       lines.push_back(line);
     }
   }
-  if (!in.eof() || line == 0) {
-    // A folder opens like a file, and fails at the first read.
-    const bool empty = in.is_open() && in.eof();
-    Fail(file, empty ? "is empty" : "cannot be read");
-  }
+  if (line == 0) Fail(file, "is empty");
   if (values.empty()) Fail(file, "has no samples");
   MeasuredCsv out{file, {}, std::move(times), std::move(lines)};
   out.values.SetData(values.size(), values.data(), false);

@@ -6,6 +6,7 @@
 
 #include "common/data_array/data_array_float_t.h"
 #include "common/int_types.h"
+#include "input_file.h"
 
 namespace qarv::command {
 
@@ -21,7 +22,7 @@ struct MeasuredCsv {
 /// of which the bands are passed over.  The separator is a comma, a semicolon or a tab; beside the
 /// latter two a comma may be the decimal sign.  The first line may be a header; empty lines are
 /// passed over. Ends the command where the file cannot be read or a line is not of that form.
-MeasuredCsv ReadCsv(const std::string& file);
+MeasuredCsv ReadCsv(InputFile in);
 
 /// The sampling frequency of the time column [Hz], from its mean step.
 /// Ends the command where there are no times or a step differs from the mean by more than 0.1 %.

@@ -40,8 +40,8 @@ void WriteWaveCsv(const wave_def::CWaveDef& def, const std::string& file) {
   const double* const lower = def.GetTolL().GetData();
   const double* const upper = def.GetTolU().GetData();
   WriteLines(file, std::string(kWaveCsvHeader) + "\n", def.GetNsamp(), [&](uint64 i, auto out) {
-    fmt::format_to(out, "{},{},{},{}\n", static_cast<double>(i) / fsamp, wave[i], lower[i],
-                   upper[i]);
+    fmt::format_to(out, "{},{},{},{}\n", Plain(static_cast<double>(i) / fsamp), Plain(wave[i]),
+                   Plain(lower[i]), Plain(upper[i]));
   });
 }
 

@@ -4,11 +4,11 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <functional>
 #include <new>
 #include <set>
 
 #include "com_def/com_def_system_const.h"
-#include "input_file.h"
 #include "rules/rules.h"
 
 namespace qarv::command {
@@ -35,23 +35,53 @@ const FieldTable<CWaveDef>& Settings() {
   return table;
 }
 
-/// Parses a JSON file; a key that stands twice in one object is an error, not a silent choice.
-Json ParseFile(const std::string& file) {
-  const std::vector<unsigned char> text = ReadFile(file);
-  std::vector<std::set<std::string>> open;  // the keys of the objects that are being parsed
-  const auto watch = [&](int, Json::parse_event_t event, Json& parsed) {
-    if (event == Json::parse_event_t::object_start) open.emplace_back();
-    if (event == Json::parse_event_t::object_end) open.pop_back();
-    if (event == Json::parse_event_t::key) {
-      const auto key = parsed.get<std::string>();
-      if (!open.back().insert(key).second) Place(file).Key(key).Fail("stands twice");
+/// What the parser found wrong, without its own marks and at a length that can be read.
+std::string ParserMessage(const Json::exception& e) {
+  constexpr std::size_t kLongest = 160;  // [byte]
+  const std::string_view text = e.what();
+  const std::size_t mark = text.find("] ");
+  const std::string_view said = mark == std::string_view::npos ? text : text.substr(mark + 2);
+  return std::string(said.substr(0, kLongest)).append(said.size() > kLongest ? "..." : "");
+}
+
+/// Watches a file being parsed.  A key that stands twice in one object is an error, not a silent
+/// choice.  Depth and number of keys are bounded far above every definition: what the parser
+/// keeps and looks through stays small, whatever the file holds.
+class Watch {
+ public:
+  explicit Watch(const std::string& file) : at_(file) {}
+
+  bool operator()(int depth, Json::parse_event_t event, const Json& parsed) {
+    constexpr int kDeepest = 32;
+    constexpr std::size_t kMostKeys = 100;  // of an object
+    using enum Json::parse_event_t;
+    if ((event == object_start || event == array_start) && depth >= kDeepest) {
+      at_.Fail(fmt::format("is nested deeper than {} levels", kDeepest));
+    }
+    if (event == object_start) open_.emplace_back();
+    if (event == object_end) open_.pop_back();
+    if (event == key) {
+      const auto& name = parsed.get_ref<const std::string&>();
+      if (!open_.back().insert(name).second) at_.Key(name).Fail("stands twice");
+      if (open_.back().size() > kMostKeys) {
+        at_.Fail(fmt::format("has an object of more than {} keys", kMostKeys));
+      }
     }
     return true;
-  };
+  }
+
+ private:
+  Place at_;
+  std::vector<std::set<std::string>> open_;  // the keys of the objects that are being parsed
+};
+
+Json Parse(InputFile file) {
+  const std::vector<unsigned char> text = file.ReadAll(kLargestDefinition);
+  Watch watch(file.GetName());
   try {
-    return Json::parse(text, watch);
+    return Json::parse(text, std::ref(watch));
   } catch (const Json::exception& e) {
-    Fail(file, std::string("not JSON: ").append(e.what()));
+    Fail(file.GetName(), "not JSON: " + ParserMessage(e));
   }
 }
 
@@ -98,15 +128,13 @@ void RequireBands(const CWaveDef& def, const std::string& source) {
   }
 }
 
-Definition ReadDefinition(const std::string& file) {
-  const Json json = ParseFile(file);
-  const Place at(file);
+Definition ReadDefinition(InputFile file) {
+  const Place at(file.GetName());
+  const Json json = Parse(std::move(file));
   if (!json.is_object()) at.Fail("is not a JSON object");
   const Family& family = FindFamily(json, at);
-  Json settings = json;
-  settings.erase(family.key);
   Definition out{&family, {}, {}};
-  ReadFields(Settings(), settings, at, out.settings);
+  ReadFields(Settings(), json, at, out.settings, family.key);
   const bool hasFsamp = json.contains("Fsamp");
   if (family.ownFsamp == nullptr && !hasFsamp) at.Key("Fsamp").Fail("missing");
   out.set = family.read(json[family.key], at.Key(family.key), hasFsamp);
@@ -151,7 +179,10 @@ CWaveDef Generated(const Definition& definition, const std::string& file) {
   throw CommandError(kRefused, RefusalLine(definition, file, reason));
 }
 
-CWaveDef LoadDefinition(const std::string& file) { return Generated(ReadDefinition(file), file); }
+CWaveDef LoadDefinition(InputFile file) {
+  const std::string name = file.GetName();
+  return Generated(ReadDefinition(std::move(file)), name);
+}
 
 std::string DefinitionText(const CWaveDef& def, const std::string& samplesFile) {
   const Family& family = FamilyOf(def);

@@ -5,6 +5,7 @@
 #include <string>
 #include <variant>
 
+#include "input_file.h"
 #include "json_fields.h"
 #include "wave_def/wave_def.h"
 
@@ -70,7 +71,7 @@ struct Definition {
 };
 
 /// Reads a definition file.  Ends the command where the file cannot be used.
-Definition ReadDefinition(const std::string& file);
+Definition ReadDefinition(InputFile file);
 
 /// Has the library generate the waveform of a definition.
 /// @return false if it refuses
@@ -90,7 +91,7 @@ wave_def::CWaveDef Generated(const Definition& definition, const std::string& fi
 
 /// Reads a definition file and defines its waveform.
 /// Ends the command where the file cannot be used or the library refuses the definition.
-wave_def::CWaveDef LoadDefinition(const std::string& file);
+wave_def::CWaveDef LoadDefinition(InputFile file);
 
 /// A definition as JSON text, with every field.
 std::string DefinitionText(const wave_def::CWaveDef& def, const std::string& samplesFile);

@@ -5,11 +5,18 @@
 
 namespace qarv::command {
 
+Json ShownValue(const Entry& entry) {
+  if (entry.value.is_number_float()) return Plain(entry.value.get<double>());
+  // As WriteValue has it, with its bits.
+  const bool odd = entry.value.is_string() && entry.value.get<std::string>().starts_with("nan(");
+  return odd ? Json("nan") : entry.value;
+}
+
 std::string ValueText(const Entry& entry) {
-  const std::string value = entry.value.is_number_float()
-                                ? fmt::format("{:.6g}", entry.value.get<double>())
-                            : entry.value.is_string() ? entry.value.get<std::string>()
-                                                      : entry.value.dump();
+  const Json shown = ShownValue(entry);
+  const std::string value = shown.is_number_float() ? fmt::format("{:.6g}", shown.get<double>())
+                            : shown.is_string()     ? shown.get<std::string>()
+                                                    : shown.dump();
   return entry.unit.empty() ? value : value + " " + entry.unit;
 }
 
@@ -24,7 +31,7 @@ std::string AsJson(const Entries& entries) {
   Json json = Json::object();
   for (const Entry& entry : entries) {
     Json item = Json::object();
-    item["value"] = entry.value;
+    item["value"] = ShownValue(entry);
     if (!entry.unit.empty()) item["unit"] = entry.unit;
     json[entry.key] = item;
   }

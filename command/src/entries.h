@@ -17,6 +17,9 @@ struct Entry {
 };
 using Entries = std::vector<Entry>;
 
+/// The value as it is shown: what is 0 or no number without a sign.
+Json ShownValue(const Entry& entry);
+
 /// A value with its unit, for people.
 std::string ValueText(const Entry& entry);
 

@@ -10,6 +10,7 @@
 #include "analysis/shock.h"
 #include "csv_writer.h"
 #include "definition.h"
+#include "diagnostics.h"
 #include "export/npy.h"
 #include "export/uff.h"
 #include "export/wav.h"
@@ -32,44 +33,38 @@ std::string CompensationSummary(const CWaveDef& def) {
   const Kinematics k = KinematicsOf(def);
   const uint64 last = def.GetNsamp() - 1;
   std::string text = fmt::format("levels:    {:.4g} before, {:.4g} after the pulse\n",
-                                 set.GetCmpU1(), set.GetCmpU2());
-  text += fmt::format("shares:    {:.4g} before, {:.4g} after the pulse\n", set.GetCmpRgm1(),
-                      set.GetCmpRgm2());
-  text += fmt::format("gain:      {:.4g}\n", set.GetCmpCparam());
+                                 Plain(set.GetCmpU1()), Plain(set.GetCmpU2()));
+  text += fmt::format("shares:    {:.4g} before, {:.4g} after the pulse\n", Plain(set.GetCmpRgm1()),
+                      Plain(set.GetCmpRgm2()));
+  text += fmt::format("gain:      {:.4g}\n", Plain(set.GetCmpCparam()));
   text += fmt::format("shift:     {:.6g} samples\n",
-                      std::round(set.GetWaveShift() * static_cast<double>(def.GetNsamp())));
+                      Plain(std::round(set.GetWaveShift() * static_cast<double>(def.GetNsamp()))));
   text += fmt::format("velocity:  {:.6g} {} at most, {:.1e} at the end\n",
-                      k.velocity.GetAbsMax(0, 0), k.velocityUnit, k.velocity[last]);
-  text += fmt::format("stroke:    {:.6g} {} at most to one side, {:.1e} at the end\n",
-                      k.displacement.GetAbsMax(0, 0), k.displacementUnit, k.displacement[last]);
+                      k.velocity.GetAbsMax(0, 0), k.velocityUnit, Plain(k.velocity[last]));
+  text +=
+      fmt::format("stroke:    {:.6g} {} at most to one side, {:.1e} at the end\n",
+                  k.displacement.GetAbsMax(0, 0), k.displacementUnit, Plain(k.displacement[last]));
   return text;
 }
 
 std::string Summary(const CWaveDef& def) {
   const double fsamp = SampleRateOf(def);
   const auto seconds = [&](uint64 samples) {
-    return fmt::format("{:.6g} s", static_cast<double>(samples) / fsamp);
+    return fmt::format("{:.6g} s", Plain(static_cast<double>(samples) / fsamp));
   };
   const std::string unitText = def.GetUnitAmpl().GetText();
   const std::string unit = unitText.empty() ? "" : " " + unitText;
   const uint64 n = def.GetNsamp();
   std::string text = fmt::format("family:    {}\n", FamilyOf(def).title);
-  text += fmt::format("samples:   {} at {:.6g} Hz\n", n, fsamp);
+  text += fmt::format("samples:   {} at {:.6g} Hz\n", n, Plain(fsamp));
   text += fmt::format("duration:  {}\n", seconds(n));
   if (n == 0) return text;
   const auto peak = analysis::PeakOf(SpanOf(def.GetWave()));
   const uint64 i = peak.index;
-  text += fmt::format("peak:      {:.6g}{} at {}\n", peak.value, unit, seconds(i));
-  text += fmt::format("band:      {:.6g} to {:.6g}{} at the peak\n", def.GetTolL()[i],
-                      def.GetTolU()[i], unit);
+  text += fmt::format("peak:      {:.6g}{} at {}\n", Plain(peak.value), unit, seconds(i));
+  text += fmt::format("band:      {:.6g} to {:.6g}{} at the peak\n", Plain(def.GetTolL()[i]),
+                      Plain(def.GetTolU()[i]), unit);
   return IsCompensated(def) ? text + CompensationSummary(def) : text;
-}
-
-/// Warns of a waveform that nobody wants.
-void Warn(const CWaveDef& def, const std::string& file) {
-  for (const Finding& finding : FindingsOf(def)) {
-    fmt::print(stderr, "qarv-wave: warning: {}: {}\n", OneLine(file), finding.text);
-  }
 }
 
 }  // namespace
@@ -87,10 +82,9 @@ void Generate(const GenerateOptions& options) {
     const PlotFormat format = PlotFormatOf(options.plot);
     PlotDefinition(def, name, format, files.Reserve(options.plot));
   }
-  Warn(def, options.definition);
-  const std::string summary = Summary(def);
-  Print(summary);
-  files.Commit();
+  // Of a waveform that nobody wants.
+  for (const Finding& finding : FindingsOf(def)) Warn(options.definition, finding.text);
+  files.Commit(Summary(def));
 }
 
 }  // namespace qarv::command

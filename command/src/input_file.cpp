@@ -1,49 +1,108 @@
-// Whole input files.
+// Input files.
 #include "input_file.h"
 
-#include <algorithm>
-#include <array>
-#include <cstdio>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
-#include "output_files.h"
+#include <cerrno>
+#include <cstring>
+#include <set>
+
 #include "text.h"
 
 namespace qarv::command {
 
-namespace fs = std::filesystem;
+using common::uint64;
 
 namespace {
 
+constexpr std::size_t kPiece = std::size_t{1} << 16;        // [byte] read at a time
+constexpr std::size_t kLongestLine = std::size_t{1} << 16;  // [byte]
+
 /// What this run of the command has read.
-std::vector<fs::path>& Inputs() {
-  static std::vector<fs::path> inputs;
+std::set<FileId>& Inputs() {
+  static std::set<FileId> inputs;
   return inputs;
+}
+
+[[noreturn]] void FailWithErrno(const std::string& name) {
+  Fail(name, errno == ENOENT ? "does not exist"
+                             : fmt::format("cannot be read: {}", std::strerror(errno)));
+}
+
+Descriptor Opened(const std::string& name) {
+  Descriptor file = OpenByName(name, O_RDONLY);
+  struct stat status {};
+  if (file.Get() < 0 || fstat(file.Get(), &status) != 0) FailWithErrno(name);
+  if (S_ISDIR(status.st_mode)) Fail(name, "is a folder");
+  const bool device = S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode);
+  const bool readable = (fcntl(file.Get(), F_GETFL) & O_ACCMODE) != O_WRONLY;
+  if (device && readable && isatty(file.Get()) == 0) Fail(name, "is a device");
+  const bool isNew = Inputs().insert({status.st_dev, status.st_ino}).second;
+  if (!isNew && (DescriptorOf(name) || !S_ISREG(status.st_mode))) Fail(name, "is read twice");
+  return file;
 }
 
 }  // namespace
 
-void NoteInput(const std::string& file) { Inputs().push_back(fs::absolute(file)); }
+InputFile::InputFile(const std::string& name) : name_(name), file_(Opened(name)) {}
 
-bool IsInput(const fs::path& file) {
-  std::error_code error;
-  return std::any_of(Inputs().begin(), Inputs().end(),
-                     [&](const fs::path& input) { return fs::equivalent(input, file, error); });
+bool InputFile::Append() {
+  const std::size_t before = buffer_.size();
+  buffer_.resize(before + kPiece);
+  ssize_t n = 0;
+  while ((n = read(file_.Get(), buffer_.data() + before, kPiece)) < 0) {
+    if (errno != EINTR) FailWithErrno(name_);
+  }
+  buffer_.resize(before + static_cast<std::size_t>(n));
+  count_ += static_cast<uint64>(n);
+  if (count_ > kLargestFile) Fail(name_, fmt::format("is larger than {} bytes", kLargestFile));
+  return n != 0;
 }
 
-std::vector<unsigned char> ReadFile(const std::string& file) {
-  NoteInput(file);
-  const FilePtr in(std::fopen(file.c_str(), "rb"), std::fclose);
-  std::vector<unsigned char> bytes;
-  std::array<unsigned char, 65536> piece{};
-  std::size_t n = 0;
-  while (in && (n = std::fread(piece.data(), 1, piece.size(), in.get())) != 0) {
-    bytes.insert(bytes.end(), piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(n));
+bool InputFile::Fill() {
+  buffer_.clear();
+  at_ = 0;
+  return Append();
+}
+
+std::string_view InputFile::Head() {
+  constexpr std::size_t kHead = 64;  // a FIFO may come byte by byte
+  while (buffer_.size() < kHead && Append()) {
   }
-  // A folder opens like a file, and fails at the first read.
-  if (!in || std::ferror(in.get()) != 0) {
-    Fail(file, "cannot be read");
+  return buffer_;
+}
+
+std::vector<unsigned char> InputFile::ReadAll(uint64 most) {
+  std::vector<unsigned char> bytes;
+  while (at_ != buffer_.size() || Fill()) {
+    bytes.insert(bytes.end(), buffer_.begin() + static_cast<std::ptrdiff_t>(at_), buffer_.end());
+    at_ = buffer_.size();
+    if (bytes.size() > most) Fail(name_, fmt::format("is larger than {} bytes", most));
   }
   return bytes;
 }
+
+bool InputFile::ReadLine(std::string* line) {
+  line->clear();
+  bool any = false;
+  while (at_ != buffer_.size() || Fill()) {
+    any = true;
+    const std::size_t end = buffer_.find('\n', at_);
+    line->append(buffer_, at_, end == std::string::npos ? end : end - at_);
+    if (line->size() > kLongestLine) {
+      Fail(name_, fmt::format("has a line of more than {} bytes", kLongestLine));
+    }
+    at_ = end == std::string::npos ? buffer_.size() : end + 1;
+    if (end != std::string::npos) break;
+  }
+  return any;
+}
+
+std::vector<unsigned char> ReadFile(const std::string& file) { return InputFile(file).ReadAll(); }
+
+bool IsInput(const FileId& file) { return Inputs().contains(file); }
 
 }  // namespace qarv::command

@@ -1,19 +1,53 @@
-// Whole input files.
+// Input files: read once from their beginning, whatever they are, and remembered.
 #pragma once
 
-#include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "common/int_types.h"
+#include "file_name.h"
 
 namespace qarv::command {
 
-/// The bytes of a file, which is an input from then on.  Ends the command where it cannot be read.
+/// The most bytes that are read of a file, however many it may say it has.
+inline constexpr common::uint64 kLargestFile = common::uint64{1} << 32;        // [byte]
+inline constexpr common::uint64 kLargestDefinition = common::uint64{1} << 26;  // [byte]
+
+/// A file, a FIFO or an open descriptor that is read.  Every member ends the command where that
+/// fails, or where there is more than `kLargestFile`.
+class InputFile {
+ public:
+  /// Not explicit: whatever reads a file takes its name as well.
+  InputFile(const std::string& name);
+
+  const std::string& GetName() const { return name_; }
+
+  /// What it begins with, 64 bytes at least if it has them.  Before the first reading only.
+  std::string_view Head();
+
+  /// All that has not been read yet.
+  /// @param[in] most  [byte] that it may have
+  std::vector<unsigned char> ReadAll(common::uint64 most = kLargestFile);
+
+  /// The next line, without its end; false at the end of the file.
+  bool ReadLine(std::string* line);
+
+ private:
+  bool Append();
+  bool Fill();
+
+  std::string name_;
+  Descriptor file_;
+  std::string buffer_;        // that was read last
+  std::size_t at_ = 0;        // of it that was handed out
+  common::uint64 count_ = 0;  // [byte] read so far
+};
+
+/// The bytes of a file.
 std::vector<unsigned char> ReadFile(const std::string& file);
 
-/// Remembers a file that is read in another way.
-void NoteInput(const std::string& file);
-
 /// Whether a file was read: no output may replace it.
-bool IsInput(const std::filesystem::path& file);
+bool IsInput(const FileId& file);
 
 }  // namespace qarv::command

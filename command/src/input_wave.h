@@ -5,6 +5,7 @@
 #include <string>
 
 #include "common/data_array/data_array_float_t.h"
+#include "input_file.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::command {
@@ -16,16 +17,20 @@ struct InputWave {
   double begin = 0.0;  // [s] time of the first sample, as the file counts it
 };
 
-/// Reads a definition (.json) or a record (anything else).
-wave_def::CWaveDef LoadDefinitionOrRecord(const std::string& file);
+// Where the name of a file says nothing of its kind, as that of a stream, its first bytes do.
 
-/// Reads measured samples: .csv, or the first function of a universal file (.uff, .unv).
+/// Reads a definition (.json, {) or a record (anything else).
+wave_def::CWaveDef LoadDefinitionOrRecord(InputFile file);
+
+/// Reads measured samples: the first function of a universal file (.uff, .unv), or a CSV file
+/// (anything else).
 /// @param[in] fsamp  sampling frequency of samples without times [Hz]; not for others
 /// Ends the command where they cannot be used.
-InputWave LoadMeasured(const std::string& file, std::optional<double> fsamp);
+InputWave LoadMeasured(InputFile file, std::optional<double> fsamp);
 
-/// Reads a definition (.json), measured samples (.csv, .uff, .unv) or a record (anything else).
+/// Reads a definition (.json), measured samples (.csv, .uff, .unv) or a record, whose first bytes
+/// are no text.
 /// Ends the command where it cannot be used.
-InputWave LoadInputWave(const std::string& file, std::optional<double> fsamp);
+InputWave LoadInputWave(InputFile file, std::optional<double> fsamp);
 
 }  // namespace qarv::command

@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
+
+#include "common/numeric/index_conv.h"
 
 namespace qarv::command {
 
@@ -74,21 +77,36 @@ std::string Unescape(const std::string& text, const Place& at) {
   return out;
 }
 
+/// Whether a number is whole, however it is written: 512, 512.0 and 5.12e2 are one.
+bool IsWhole(const Json& json) {
+  if (!json.is_number_float()) return json.is_number_integer();
+  const double v = json.get<double>();
+  return std::isfinite(v) && v == std::trunc(v);
+}
+
 uint64 ReadCount(const Json& json, const Place& at, uint64 limit) {
-  if (!json.is_number_integer()) at.Fail("is not a whole number");
-  if (!json.is_number_unsigned() || json.get<uint64>() > limit) {
-    at.Fail(fmt::format("is not within 0 to {}", limit));
+  if (!IsWhole(json)) at.Fail("is not a whole number");
+  constexpr double kTooLarge = 18446744073709551616.0;  // 2^64
+  uint64 count = 0;
+  bool fits = true;
+  if (json.is_number_float()) {
+    const double v = json.get<double>();
+    fits = v >= 0.0 && v < kTooLarge;
+    count = common::TruncToIndex(v);  // truncated: it is whole
+  } else {
+    fits = json.is_number_unsigned() || json.get<common::int64>() == 0;  // -0 is 0
+    count = json.get<uint64>();
   }
-  return json.get<uint64>();
+  if (!fits || count > limit) at.Fail(fmt::format("is not within 0 to {}", limit));
+  return count;
 }
 
 std::int32_t ReadInt32(const Json& json, const Place& at) {
+  // Exact for every number that fits.
+  const double v = json.get<double>();
   using Limits = std::numeric_limits<std::int32_t>;
-  const bool fits = json.is_number_unsigned()
-                        ? json.get<uint64>() <= static_cast<uint64>(Limits::max())
-                        : json.get<long long>() >= Limits::min();
-  if (!fits) at.Fail("does not fit 32 bits");
-  return json.get<std::int32_t>();
+  if (!(v >= Limits::min() && v <= Limits::max())) at.Fail("does not fit 32 bits");
+  return static_cast<std::int32_t>(v);
 }
 
 }  // namespace
@@ -141,7 +159,7 @@ Json WriteValue(const std::string& v) {
 // ---- Enumerations ------------------------------------------------------------------------------
 
 std::int32_t ReadEnum(const Json& json, const Place& at, const EnumNames& names) {
-  if (json.is_number_integer()) return ReadInt32(json, at);
+  if (IsWhole(json)) return ReadInt32(json, at);
   if (json.is_string()) {
     for (const auto& [value, name] : names) {
       if (json == name) return value;

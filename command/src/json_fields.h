@@ -6,6 +6,7 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -112,10 +113,13 @@ Field<Set> Enumeration(const char* key, const EnumNames& names, E (Set::*get)() 
 
 /// Reads an object into a set, field by field in the order of the table.  Ends the command at a key
 /// that is not in the table and at a required one that is missing.
+/// @param[in] besides  a key that is read elsewhere
 template <class Set>
-void ReadFields(const FieldTable<Set>& table, const Json& json, const Place& at, Set& set) {
+void ReadFields(const FieldTable<Set>& table, const Json& json, const Place& at, Set& set,
+                std::string_view besides = {}) {
   if (!json.is_object()) at.Fail("is not an object");
   for (const auto& item : json.items()) {
+    if (item.key() == besides) continue;
     const auto known = [&](const Field<Set>& field) { return field.key == item.key(); };
     if (std::none_of(table.begin(), table.end(), known)) at.Key(item.key()).Fail("unknown key");
   }

@@ -13,6 +13,7 @@
 #include "analysis/judge.h"
 #include "analysis/shock.h"
 #include "definition.h"
+#include "diagnostics.h"
 #include "entries.h"
 #include "input_wave.h"
 #include "kinematics.h"
@@ -39,10 +40,7 @@ CWaveDef LoadReference(const std::string& file) {
       throw CommandError(kBadInput, e.what());
     }
   }();
-  if (def.GetNsamp() == 0 || def.GetTolU().GetSize() != def.GetNsamp() ||
-      def.GetTolL().GetSize() != def.GetNsamp()) {
-    Fail(file, "has no samples with bands");
-  }
+  RequireBands(def, file);
   return def;
 }
 
@@ -276,12 +274,8 @@ ExitCode Judge(const JudgeOptions& options) {
                               (judgement.Passes() ? ": pass" : ": fail");
     PlotVerdict(def, judgement.overlay, title, format, files.Reserve(options.plot));
   }
-  for (const Warning& warning : warnings) {
-    fmt::print(stderr, "qarv-wave: warning: {}: {}\n", OneLine(warning.file),
-               OneLine(warning.text));
-  }
-  Print(text);
-  files.Commit();
+  for (const Warning& warning : warnings) Warn(warning.file, warning.text);
+  files.Commit(text);
   return judgement.Passes() ? kDone : kRefused;
 }
 

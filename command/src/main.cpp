@@ -2,10 +2,10 @@
 #include <fmt/format.h>
 
 #include <csignal>
-#include <cstdio>
 #include <new>
 
 #include "command_line.h"
+#include "diagnostics.h"
 #include "interruption.h"
 #include "output_files.h"
 #include "text.h"
@@ -16,6 +16,7 @@ using namespace qarv::command;
 
 int Run(int argc, char** argv) {
   CommandLine line;
+  line.RefuseUnknownCommand(argc, argv);
   try {
     line.app.parse(argc, argv);
   } catch (const CLI::Success& e) {  // --help, --version
@@ -31,6 +32,7 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  FillStandardStreams();
   // A reader that goes away early is an error of the write, not the end of the command.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);  // so is a file that gets too large
@@ -38,12 +40,12 @@ int main(int argc, char** argv) {
   try {
     return Run(argc, argv);
   } catch (const CommandError& e) {
-    fmt::print(stderr, "qarv-wave: {}\n", e.what());
+    Diagnose(fmt::format("qarv-wave: {}\n", e.what()));
     return e.GetCode();
   } catch (const std::bad_alloc&) {
-    fmt::print(stderr, "qarv-wave: out of memory\n");
+    Diagnose("qarv-wave: out of memory\n");
   } catch (const std::exception& e) {
-    fmt::print(stderr, "qarv-wave: {}\n", OneLine(e.what()));
+    Diagnose(fmt::format("qarv-wave: {}\n", OneLine(e.what())));
   }
   return kBadInput;
 }

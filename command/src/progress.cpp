@@ -4,8 +4,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <cstdio>
-
+#include "diagnostics.h"
 #include "text.h"
 
 namespace qarv::command {
@@ -22,7 +21,7 @@ Progress::Progress(std::size_t total)
       last_(std::chrono::steady_clock::now()) {}
 
 Progress::~Progress() {
-  if (shown_) std::fputs("\r\x1b[K", stderr);
+  if (shown_) Diagnose("\r\x1b[K");
 }
 
 void Progress::Show(std::size_t done, const std::string& next) {
@@ -31,8 +30,7 @@ void Progress::Show(std::size_t done, const std::string& next) {
   last_ = now;
   shown_ = true;
   // Cut to one line of a narrow terminal, of which there is no second to erase.
-  fmt::print(stderr, "\r[{}/{}] {:.60}\x1b[K", done, total_, OneLine(next));
-  std::fflush(stderr);
+  Diagnose(fmt::format("\r[{}/{}] {:.60}\x1b[K", done, total_, OneLine(next)));
 }
 
 }  // namespace qarv::command

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "input_file.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::command {
@@ -11,6 +12,6 @@ namespace qarv::command {
 void WriteRecord(wave_def::CWaveDef& def, const std::string& file);
 
 /// Reads a record.  Ends the command where the file is not one whole record.
-wave_def::CWaveDef ReadRecord(const std::string& file);
+wave_def::CWaveDef ReadRecord(InputFile file);
 
 }  // namespace qarv::command

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -46,6 +47,9 @@ void AddWave(const CWaveDef& def, const Scale& scale, Entries* out) {
   const SampleAt peak = analysis::PeakOf(wave);
   out->push_back({"family", "family", FamilyOf(def).title, ""});
   out->push_back({"samples", "samples", def.GetNsamp(), ""});
+  const auto odd =
+      std::count_if(wave.begin(), wave.end(), [](double v) { return !std::isfinite(v); });
+  if (odd != 0) out->push_back({"no_numbers", "samples that are no numbers", odd, ""});
   out->push_back({"sampling_frequency", "sampling frequency", WriteValue(scale.fsamp), "Hz"});
   out->push_back(
       {"duration", "duration", WriteValue(static_cast<double>(def.GetNsamp()) / scale.fsamp), "s"});
@@ -158,8 +162,7 @@ void Report(const ReportOptions& options) {
     WriteReportPage(def, std::filesystem::path(options.input).stem().string(), options.html,
                     &files);
   }
-  Print(AsText(entries));
-  files.Commit();
+  files.Commit(AsText(entries));
 }
 
 }  // namespace qarv::command

@@ -1,7 +1,6 @@
 // qarv-wave show: a record as a JSON definition.
 #include "show.h"
 
-#include <cstdio>
 #include <filesystem>
 
 #include "csv_writer.h"
@@ -19,9 +18,15 @@ namespace {
 /// definition is going to be put, if that is not known here.
 std::string NameInDefinition(const std::string& samples, const std::string& definition) {
   const fs::path file = fs::absolute(samples).lexically_normal();
-  if (definition.empty()) return file.string();
+  if (IsStream(definition)) return file.string();
   return file.lexically_proximate(fs::absolute(definition).parent_path().lexically_normal())
       .string();
+}
+
+std::string SamplesFileOf(const ShowOptions& options) {
+  if (!options.samples.empty()) return options.samples;
+  if (IsStream(options.record)) Fail("--samples", "is needed where the record is a stream");
+  return options.record + ".samples.csv";
 }
 
 }  // namespace
@@ -31,17 +36,11 @@ void Show(const ShowOptions& options) {
   OutputFiles files;
   std::string samplesName;
   if (def.GetWaveType() == wave_def::CWaveDef::WAVE_TYPE_MEASURE) {
-    const std::string samples =
-        options.samples.empty() ? options.record + ".samples.csv" : options.samples;
+    const std::string samples = SamplesFileOf(options);
     WriteSamplesCsv(def, files.Reserve(samples));
     samplesName = NameInDefinition(samples, options.output);
   }
-  const std::string text = DefinitionText(def, samplesName);
-  if (!options.output.empty()) {
-    WriteFile(files.Reserve(options.output), text);
-  } else {
-    Print(text);
-  }
+  WriteFile(files.Reserve(options.output), DefinitionText(def, samplesName));
   files.Commit();
 }
 

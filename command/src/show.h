@@ -3,11 +3,13 @@
 
 #include <string>
 
+#include "file_name.h"
+
 namespace qarv::command {
 
 struct ShowOptions {
   std::string record;
-  std::string output;   // of the JSON; standard output if empty
+  std::string output = kStandardOutput;  // of the JSON
   std::string samples;  // of a measured waveform's samples; beside the record if empty
 };
 

@@ -14,6 +14,7 @@
 
 #include "analysis/srs.h"
 #include "common/numeric/constants.h"
+#include "diagnostics.h"
 #include "gnuplot.h"
 #include "kinematics.h"
 #include "progress.h"
@@ -126,10 +127,12 @@ void WriteSpectrumCsv(const std::vector<SrsPoint>& points, double factor, const 
                  "residual_positive,residual_negative\n");
   for (const SrsPoint& p : points) {
     const analysis::SrsExtremes total = p.Total();
-    fmt::format_to(out, "{},{},{},{},{},{},{},{}\n", p.frequency, factor * total.Maximax(),
-                   factor * total.positive, factor * total.negative, factor * p.primary.positive,
-                   factor * p.primary.negative, factor * p.residual.positive,
-                   factor * p.residual.negative);
+    fmt::format_to(out, "{}", p.frequency);
+    for (const double v : {total.Maximax(), total.positive, total.negative, p.primary.positive,
+                           p.primary.negative, p.residual.positive, p.residual.negative}) {
+      fmt::format_to(out, ",{}", Plain(factor * v));
+    }
+    text.push_back('\n');
   }
   WriteFile(file, {text.data(), text.size()});
 }
@@ -259,10 +262,9 @@ std::string WriteSpectrum(const SrsOptions& options, const InputWave& wave, Outp
   }
   const double highest = task.frequencies.back();
   if (highest * kSamplesPerCycle > wave.fsamp * (1.0 + 1e-9)) {
-    fmt::print(stderr,
-               "qarv-wave: warning: {}: fewer than {:g} samples per cycle above {:g} Hz: the "
-               "spectrum is that of the straight lines between the samples\n",
-               OneLine(options.input), kSamplesPerCycle, wave.fsamp / kSamplesPerCycle);
+    Warn(options.input, fmt::format("fewer than {:g} samples per cycle above {:g} Hz: the spectrum is "
+                                    "that of the straight lines between the samples",
+                                    kSamplesPerCycle, wave.fsamp / kSamplesPerCycle));
   }
   const auto largest =
       std::max_element(points.begin(), points.end(), [](const SrsPoint& a, const SrsPoint& b) {
@@ -274,7 +276,7 @@ std::string WriteSpectrum(const SrsOptions& options, const InputWave& wave, Outp
   text += fmt::format("lines:     {} from {:.6g} to {:.6g} Hz\n", points.size(),
                       task.frequencies.front(), highest);
   text += fmt::format("largest:   {:.6g}{} at {:.6g} Hz\n",
-                      task.factor * largest->Total().Maximax(), unit, largest->frequency);
+                      Plain(task.factor * largest->Total().Maximax()), unit, largest->frequency);
   return text;
 }
 
@@ -282,8 +284,7 @@ void Srs(const SrsOptions& options) {
   const InputWave wave = LoadInputWave(options.input, options.fsamp);
   OutputFiles files;
   const std::string text = WriteSpectrum(options, wave, &files);
-  Print(text);
-  files.Commit();
+  files.Commit(text);
 }
 
 }  // namespace qarv::command

@@ -47,6 +47,11 @@ std::string OneLine(const std::string& text) {
   return out;
 }
 
+double Plain(double v) {
+  if (std::isnan(v)) return std::numeric_limits<double>::quiet_NaN();
+  return v == 0.0 ? 0.0 : v;
+}
+
 std::string NumberText(double v) {
   if (!std::isnan(v)) return fmt::format("{}", v);
   const auto bits = std::bit_cast<std::uint64_t>(v);

@@ -23,11 +23,17 @@ class CommandError : public std::runtime_error {
 /// Ends the command because of an input or an output: "WHERE: what", as one line.
 [[noreturn]] void Fail(const std::string& where, const std::string& what);
 
+/// What some programs begin a text of UTF-8 with.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 /// The text without the blanks and the line end around it.
 std::string_view Trimmed(std::string_view text);
 
 /// The text with its control bytes escaped ("\x0a"), so that it stays one line.
 std::string OneLine(const std::string& text);
+
+/// The same number as people write it: 0 and what is no number without a sign.
+double Plain(double v);
 
 /// The shortest text that reads back as the same double; "nan", "inf", "-inf" for what is no
 /// number, "nan(0x...)" with its bits for a NaN other than the usual one.

@@ -12,7 +12,6 @@
 #include <string_view>
 
 #include "definition.h"
-#include "input_file.h"
 #include "kinematics.h"
 #include "output_files.h"
 #include "text.h"
@@ -24,7 +23,6 @@ using Samples = common::CDataArrayFloatT<double>;
 
 namespace {
 
-constexpr const char* kDelimiter = "    -1";
 constexpr const char* kRate = "Fsamp = ";  // the increment has six digits only
 
 // ---- Writing -----------------------------------------------------------------------------------
@@ -52,7 +50,7 @@ void AppendFunction(int number, const char* role, const Samples& samples,
   const std::string unit = def.GetUnitAmpl().GetText();
   const bool acceleration = MotionUnitsOf(unit).known;
   const auto out = std::back_inserter(*text);
-  fmt::format_to(out, "{}\n{:6}\n{}\n{}\nNONE\n{}{} Hz\nNONE\n", kDelimiter, 58, role,
+  fmt::format_to(out, "{}\n{:6}\n{}\n{}\nNONE\n{}{} Hz\nNONE\n", kUffDelimiter, 58, role,
                  Identification(name), kRate, fsamp);
   fmt::format_to(out, "{:5}{:10}{:5}{:10} {:<10}{:10}{:4} {:<10}{:10}{:4}\n", kTimeResponse, number,
                  0, 0, "NONE", 1, 0, "NONE", 0, 0);
@@ -65,9 +63,9 @@ void AppendFunction(int number, const char* role, const Samples& samples,
   text->append(Axis(kUnknown, "NONE", "NONE"));
   for (uint64 i = 0; i < samples.GetSize(); ++i) {
     const bool endsLine = i % 4 == 3 || i + 1 == samples.GetSize();
-    fmt::format_to(out, "{:20.12E}{}", samples[i], endsLine ? "\n" : "");
+    fmt::format_to(out, "{:20.12E}{}", Plain(samples[i]), endsLine ? "\n" : "");
   }
-  fmt::format_to(out, "{}\n", kDelimiter);
+  fmt::format_to(out, "{}\n", kUffDelimiter);
 }
 
 // ---- Reading -----------------------------------------------------------------------------------
@@ -169,8 +167,9 @@ void WriteUff(const wave_def::CWaveDef& def, const std::string& name, const std:
   WriteFile(file, {text.data(), text.size()});
 }
 
-std::vector<UffFunction> ReadUff(const std::string& file) {
-  const std::vector<unsigned char> bytes = ReadFile(file);
+std::vector<UffFunction> ReadUff(InputFile in) {
+  const std::string& file = in.GetName();
+  const std::vector<unsigned char> bytes = in.ReadAll();
   const std::string text(bytes.begin(), bytes.end());
   Lines lines(file, text);
   std::vector<UffFunction> functions;

@@ -3,12 +3,17 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/data_array/data_array_float_t.h"
+#include "input_file.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::command {
+
+/// What a dataset begins and ends with, so that it is known before it is read.
+inline constexpr std::string_view kUffDelimiter = "    -1";
 
 /// A function of a universal file.
 struct UffFunction {
@@ -26,6 +31,6 @@ void WriteUff(const wave_def::CWaveDef& def, const std::string& name, const std:
 
 /// Reads the functions of a universal file; other datasets are passed over.
 /// Ends the command where there is none, or one is complex, binary, unevenly spaced or incomplete.
-std::vector<UffFunction> ReadUff(const std::string& file);
+std::vector<UffFunction> ReadUff(InputFile in);
 
 }  // namespace qarv::command

@@ -58,14 +58,13 @@ const FieldTable<Set> kFields{
 constexpr const char* kSamples = "Samples";
 
 ParameterSet Read(const Json& json, const Place& at, bool hasFsamp) {
-  if (!json.is_object()) at.Fail("is not an object");
-  Json fields = json;
-  fields.erase(kSamples);
   MeasuredSet out{};
-  ReadFields(kFields, fields, at, out.set);
+  ReadFields(kFields, json, at, out.set, kSamples);
   std::string path = out.set.GetMeasPath();
   if (json.contains(kSamples)) ReadValue(json[kSamples], at.Key(kSamples), &path);
-  const auto folder = std::filesystem::path(at.GetFile()).parent_path();
+  // A stream has no folder of its own: the working folder is meant.
+  const bool stream = IsStream(at.GetFile());
+  const auto folder = std::filesystem::path(stream ? "" : at.GetFile()).parent_path();
   MeasuredCsv csv = ReadCsv((folder / path).string());
   if (!hasFsamp) out.fsamp = SampleRateOf(csv);
   out.samples = std::move(csv.values);

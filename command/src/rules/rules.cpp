@@ -72,7 +72,7 @@ Rule NoRate(double fsamp) { return {Fails, fsamp == 0.0, "Fsamp is 0"}; }
 
 Rule OddRate(double fsamp) {
   return {Warns, !(fsamp > 0.0 && std::isfinite(fsamp)) && fsamp != 0.0,
-          format("Fsamp is {:g}, which is no sampling frequency", fsamp)};
+          format("Fsamp is {:g}, which is no sampling frequency", Plain(fsamp))};
 }
 
 Rule NoPeriod(double period) {
