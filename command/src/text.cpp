@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -25,6 +26,27 @@ bool ParseWhole(std::string_view text, T* v, Base... base) {
   return true;
 }
 
+/// How many bytes the character at the front of a text has; 0 where they are none of UTF-8 (cut,
+/// overlong, a surrogate, beyond the code space) or none that XML takes.
+std::size_t CharacterLength(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned char lead = byte(0);
+  if (lead < 0x80) return 1;
+  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return 0;
+  char32_t code = lead & (0x7FU >> length);
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xC0) != 0x80) return 0;
+    code = code << 6 | (byte(i) & 0x3F);
+  }
+  const bool overlong = (length == 3 && code < 0x800) || (length == 4 && code < 0x10000);
+  const bool surrogate = code >= 0xD800 && code < 0xE000;
+  const bool none = code == 0xFFFE || code == 0xFFFF || code > 0x10FFFF;
+  return overlong || surrogate || none ? 0 : length;
+}
+
+std::string Escape(char c) { return fmt::format("\\x{:02x}", static_cast<unsigned char>(c)); }
+
 }  // namespace
 
 void Fail(const std::string& where, const std::string& what) {
@@ -42,7 +64,18 @@ std::string OneLine(const std::string& text) {
   std::string out;
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
-    out += byte < 0x20 || byte == 0x7F ? fmt::format("\\x{:02x}", byte) : std::string(1, c);
+    out += byte < 0x20 || byte == 0x7F ? Escape(c) : std::string(1, c);
+  }
+  return out;
+}
+
+std::string ShownText(const std::string& text) {
+  const std::string line = OneLine(text);
+  std::string out;
+  for (std::size_t i = 0; i < line.size();) {
+    const std::size_t length = CharacterLength(std::string_view(line).substr(i));
+    out += length == 0 ? Escape(line[i]) : line.substr(i, length);
+    i += std::max<std::size_t>(length, 1);
   }
   return out;
 }

@@ -35,6 +35,10 @@ std::string OneLine(const std::string& text);
 /// The same number as people write it: 0 and what is no number without a sign.
 double Plain(double v);
 
+/// The text as pictures and pages can show it: OneLine, and what is no character of UTF-8 or of XML
+/// escaped as well ("\xff").
+std::string ShownText(const std::string& text);
+
 /// The shortest text that reads back as the same double; "nan", "inf", "-inf" for what is no
 /// number, "nan(0x...)" with its bits for a NaN other than the usual one.
 std::string NumberText(double v);
