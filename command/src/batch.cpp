@@ -10,12 +10,14 @@
 #include <cstdio>
 #include <filesystem>
 #include <iterator>
+#include <optional>
 #include <vector>
 
 #include "csv_writer.h"
 #include "definition.h"
 #include "entries.h"
-#include "html.h"
+#include "index_page.h"
+#include "input_wave.h"
 #include "output_files.h"
 #include "plot.h"
 #include "progress.h"
@@ -23,6 +25,7 @@
 #include "report.h"
 #include "rules/rules.h"
 #include "srs.h"
+#include "title.h"
 
 namespace qarv::command {
 
@@ -36,6 +39,8 @@ struct Row {
   std::string name;
   ExitCode state;      // kDone, kWarned or kRefused
   std::string remark;  // what is wrong; empty if nothing is
+  std::string title;   // what the waveform is
+  bool hasSpectrum;    // as a picture
   Entries entries;     // none if there is no waveform
 };
 
@@ -86,34 +91,40 @@ std::string CellText(const Row& row, const char* key) {
 // ---- One definition ----------------------------------------------------------------------------
 
 struct Suffix {
-  const char *csv, *plot, *record, *report, *spectrum;
+  const char *csv, *plot, *record, *report, *spectrum, *definition;
 };
-constexpr Suffix kSuffix{".csv", ".png", ".rec", ".html", ".srs.png"};
+constexpr Suffix kSuffix{".csv", ".png", ".rec", ".html", ".srs.png", ".json"};
+constexpr const char* kTable = "summary.csv";
 
 /// Where a definition's files go.
 std::string TargetOf(const std::string& name, const char* suffix, const std::string& folder) {
   return (fs::path(folder) / (name + suffix)).string();
 }
 
-void WriteFilesOf(CWaveDef& def, const std::string& name, const std::string& folder,
+/// @return whether there is a spectrum
+bool WriteFilesOf(CWaveDef& def, const std::string& name, const std::string& folder,
                   OutputFiles* files) {
   const auto target = [&](const char* suffix) { return TargetOf(name, suffix, folder); };
   WriteWaveCsv(def, files->Reserve(target(kSuffix.csv)));
   WriteRecord(def, files->Reserve(target(kSuffix.record)));
-  WriteReportPage(def, name, target(kSuffix.report), files);
+  // A measured waveform has its samples beside it.
+  WriteFile(files->Reserve(target(kSuffix.definition)), DefinitionText(def, name + kSuffix.csv));
   PlotDefinition(def, name, PlotFormat::Png, files->Reserve(target(kSuffix.plot)));
-  SrsOptions srs;
-  srs.input = name;
-  srs.plot = target(kSuffix.spectrum);
-  WriteSpectrum(srs, {def.GetWave(), SampleRateOf(def), def.GetUnitAmpl().GetText()}, files);
+  const std::optional<Spectrum> spectrum = SpectrumOf(def, name);
+  if (spectrum) {
+    PlotSpectrum(*spectrum, name + ": " + TitleOf(def), Axes::Plain, PlotFormat::Png,
+                 files->Reserve(target(kSuffix.spectrum)));
+  }
+  WriteReportPage(def, spectrum, name, target(kSuffix.report), files);
+  return spectrum.has_value();
 }
 
 /// Why a definition cannot have its files: two names may lead to one, or be too long with their
 /// endings.  Empty if it can.
 std::string WhyNoFiles(const std::string& name, const std::string& folder,
                        const OutputFiles& files) {
-  for (const char* const suffix :
-       {kSuffix.csv, kSuffix.plot, kSuffix.record, kSuffix.report, kSuffix.spectrum}) {
+  for (const char* const suffix : {kSuffix.csv, kSuffix.plot, kSuffix.record, kSuffix.report,
+                                   kSuffix.spectrum, kSuffix.definition}) {
     const std::string why = files.WhyNot(TargetOf(name, suffix, folder));
     if (!why.empty()) return fmt::format("{}{}: {}", name, suffix, why);
   }
@@ -122,7 +133,7 @@ std::string WhyNoFiles(const std::string& name, const std::string& folder,
 
 /// The definition of a file, and what is wrong with it.
 Row RowOf(const fs::path& file, CWaveDef* def) {
-  Row row{file.stem().string(), kDone, "", {}};
+  Row row{file.stem().string(), kDone, "", "", false, {}};
   try {
     std::error_code error;
     // What else has such a name in a folder may never end, or never begin.
@@ -145,6 +156,7 @@ Row RowOf(const fs::path& file, CWaveDef* def) {
     row.remark = e.what();
     return row;
   }
+  row.title = TitleOf(*def);
   row.entries = ReportOf(*def);
   return row;
 }
@@ -208,45 +220,27 @@ std::string AsCsv(const std::vector<Row>& rows) {
   return text;
 }
 
-/// A file name as a link within a page.
-std::string Link(const std::string& file) {
-  std::string out;
-  for (const char c : file) {
-    const auto byte = static_cast<unsigned char>(c);
-    const bool plain = (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
-                       (byte >= 'a' && byte <= 'z') || byte == '-' || byte == '_' || byte == '.';
-    out += plain ? std::string(1, c) : fmt::format("%{:02X}", byte);
-  }
-  return out;
-}
-
 std::string AsPage(const std::vector<Row>& rows) {
-  std::string body =
-      "<table>\n<thead><tr><th>definition</th><th>values</th><th>waveform</th>"
-      "<th>shock response spectrum</th></tr></thead>\n<tbody>\n";
+  std::vector<Card> cards;
   for (const Row& row : rows) {
-    const std::string name = HtmlText(OneLine(row.name));
-    const bool has = !row.entries.empty();
-    const auto link = [&](const char* suffix) { return Link(row.name + suffix); };
-    body += has ? fmt::format("<tr><td><a href=\"{}\">{}</a><br>{}", link(kSuffix.report), name,
-                              StateText(row.state))
-                : fmt::format("<tr><td>{}<br>{}", name, StateText(row.state));
-    if (!row.remark.empty()) body.append(": ").append(HtmlText(OneLine(row.remark)));
-    body += "</td>\n<td>";
-    for (const Column& column : kColumns) {
-      if (!has) break;
-      body += fmt::format("{}: {}<br>", column.label, HtmlText(CellText(row, column.key)));
+    Card card{row.name, row.title, StateText(row.state), row.remark, {}, "", {}, {}};
+    const auto file = [&](const char* suffix) { return row.name + suffix; };
+    if (!row.entries.empty()) {
+      for (const Column& column : kColumns) {
+        card.values.emplace_back(column.label, CellText(row, column.key));
+      }
+      card.report = file(kSuffix.report);
+      card.pictures = {{"waveform", file(kSuffix.plot)}};
+      if (row.hasSpectrum) {
+        card.pictures.emplace_back("shock response spectrum", file(kSuffix.spectrum));
+      }
+      card.data = {{"CSV", file(kSuffix.csv)},
+                   {"record", file(kSuffix.record)},
+                   {"definition (JSON)", file(kSuffix.definition)}};
     }
-    const auto picture = [&](const char* suffix, const char* what) {
-      return has ? fmt::format(
-                       "</td>\n<td><a href=\"{0}\"><img src=\"{0}\" alt=\"{1} of {2}\"></a>",
-                       link(suffix), what, name)
-                 : std::string("</td>\n<td>");
-    };
-    body +=
-        picture(kSuffix.plot, "waveform") + picture(kSuffix.spectrum, "spectrum") + "</td></tr>\n";
+    cards.push_back(card);
   }
-  return HtmlPage("Waveforms", body + "</tbody>\n</table>\n");
+  return IndexPage(cards, kTable);
 }
 
 std::vector<fs::path> DefinitionsIn(const std::string& folder) {
@@ -280,7 +274,7 @@ ExitCode Batch(const BatchOptions& options) {
     return files.Reserve((fs::path(options.output) / name).string());
   };
   if (withFiles) files.MakeFolder(options.output);
-  const std::string summary = withFiles ? own("summary.csv") : "";
+  const std::string summary = withFiles ? own(kTable) : "";
   const std::string page = withFiles ? own("index.html") : "";
   const std::string table = options.csv.empty() ? "" : files.Reserve(options.csv);
   std::vector<Row> rows;
@@ -294,9 +288,9 @@ ExitCode Batch(const BatchOptions& options) {
       if (!withFiles || row.entries.empty()) continue;
       const std::string why = WhyNoFiles(row.name, options.output, files);
       if (why.empty()) {
-        WriteFilesOf(def, row.name, options.output, &files);
+        row.hasSpectrum = WriteFilesOf(def, row.name, options.output, &files);
       } else {
-        row = {row.name, kRefused, why, {}};
+        row = {row.name, kRefused, why, "", false, {}};
       }
     }
   }

@@ -134,7 +134,7 @@ void CommandLine::AddReport() {
   AddFile(command, "INPUT", &report.input, "definition (.json) or record, - for standard input")
       ->required();
   AddFile(command, "--json", &report.json, "write the numbers as JSON");
-  AddFile(command, "--html", &report.html, "write one page with numbers and plots");
+  AddFile(command, "--html", &report.html, "write one page with plots, spectrum and numbers");
   command->callback([this] { job = Job(Report, report); });
   SetShockExample(command, "  qarv-wave report shock.json --html shock.html");
 }
@@ -189,7 +189,8 @@ void CommandLine::AddBatch() {
       app.add_subcommand("batch", "Generate every definition of a folder, with one table of them");
   AddFile(command, "DIR", &batch.folder, "folder of JSON definitions", kFolder)->required();
   AddFile(command, "-o,--output", &batch.output,
-          "folder for data, record, plot, report and spectrum of each, summary.csv and index.html",
+          "folder for data, record, plot, report, spectrum and definition of each, summary.csv and "
+          "index.html",
           kFolder);
   AddFile(command, "--csv", &batch.csv, "write the table");
   command->callback([this] { job = [this] { return Batch(batch); }; });

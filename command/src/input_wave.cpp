@@ -9,6 +9,7 @@
 #include "definition.h"
 #include "export/uff.h"
 #include "record_file.h"
+#include "title.h"
 
 namespace qarv::command {
 
@@ -47,7 +48,7 @@ InputWave LoadSamples(Kind kind, InputFile in, std::optional<double> fsamp) {
   if (kind == Kind::UniversalFile) {
     if (fsamp) FailWithOwnRate(file);
     UffFunction function = std::move(ReadUff(std::move(in)).front());
-    return {std::move(function.samples), function.fsamp, function.unit, function.begin};
+    return {std::move(function.samples), function.fsamp, function.unit, function.begin, ""};
   }
   MeasuredCsv csv = ReadCsv(std::move(in));
   if (csv.times.empty() && !fsamp) {
@@ -58,10 +59,14 @@ InputWave LoadSamples(Kind kind, InputFile in, std::optional<double> fsamp) {
     Fail("--fsamp", "is not above 0");
   }
   const double rate = fsamp ? *fsamp : SampleRateOf(csv);
-  return {std::move(csv.values), rate, "", csv.times.empty() ? 0.0 : csv.times.front()};
+  return {std::move(csv.values), rate, "", csv.times.empty() ? 0.0 : csv.times.front(), ""};
 }
 
 }  // namespace
+
+InputWave InputWaveOf(const wave_def::CWaveDef& def) {
+  return {def.GetWave(), SampleRateOf(def), def.GetUnitAmpl().GetText(), 0.0, TitleOf(def)};
+}
 
 wave_def::CWaveDef LoadDefinitionOrRecord(InputFile file) {
   const Kind kind = KindOf(&file);
@@ -79,8 +84,7 @@ InputWave LoadInputWave(InputFile file, std::optional<double> fsamp) {
     return LoadSamples(kind, std::move(file), fsamp);
   }
   if (fsamp) FailWithOwnRate(file.GetName());
-  const wave_def::CWaveDef def = Load(kind, std::move(file));
-  return {def.GetWave(), SampleRateOf(def), def.GetUnitAmpl().GetText(), 0.0};
+  return InputWaveOf(Load(kind, std::move(file)));
 }
 
 }  // namespace qarv::command

@@ -12,10 +12,14 @@ namespace qarv::command {
 
 struct InputWave {
   common::CDataArrayFloatT<double> samples;
-  double fsamp;        // [Hz]
-  std::string unit;    // of the samples; empty if the file does not say
-  double begin = 0.0;  // [s] time of the first sample, as the file counts it
+  double fsamp;            // [Hz]
+  std::string unit;        // of the samples; empty if the file does not say
+  double begin = 0.0;      // [s] time of the first sample, as the file counts it
+  std::string title = {};  // what they are, where they have a definition
 };
+
+/// The waveform of a definition, with what it is.
+InputWave InputWaveOf(const wave_def::CWaveDef& def);
 
 // Where the name of a file says nothing of its kind, as that of a stream, its first bytes do.
 

@@ -22,6 +22,7 @@
 #include "overlay.h"
 #include "plot.h"
 #include "rules/rule_table.h"
+#include "title.h"
 
 namespace qarv::command {
 
@@ -97,13 +98,16 @@ void PlotVerdict(const CWaveDef& def, const Overlay& overlay, const std::string&
     measured[i] = covered ? overlay.wave[i] : std::nan("");
     violations[i] = covered && outside ? overlay.wave[i] : std::nan("");
   }
-  PlotPanels({{AmplitudeLabel(def),
-               {{"upper band", Role::Upper, &def.GetTolU()},
-                {"reference", Role::Reference, &def.GetWave()},
-                {"measured", Role::Wave, &measured},
-                {"lower band", Role::Lower, &def.GetTolL()},
-                {"outside", Role::Violation, &violations}}}},
-             SampleRateOf(def), title, format, file);
+  Plot({title,
+        SampleRateOf(def),
+        ZoomOf(def),
+        {{AmplitudeLabel(def),
+          {{"upper band", Role::Upper, &def.GetTolU()},
+           {"reference", Role::Reference, &def.GetWave()},
+           {"measured", Role::Wave, &measured},
+           {"lower band", Role::Lower, &def.GetTolL()},
+           {"outside", Role::Violation, &violations}}}}},
+       format, file);
 }
 
 /// What the record shows where the bands lie over it.
@@ -270,8 +274,9 @@ ExitCode Judge(const JudgeOptions& options) {
   if (!options.json.empty()) WriteFile(files.Reserve(options.json), AsJson(entries));
   if (!options.plot.empty()) {
     const PlotFormat format = PlotFormatOf(options.plot);
-    const std::string title = std::filesystem::path(options.measured).stem().string() +
-                              (judgement.Passes() ? ": pass" : ": fail");
+    const std::string title =
+        fmt::format("{}: {} ({})", std::filesystem::path(options.measured).stem().string(),
+                    judgement.Passes() ? "pass" : "fail", TitleOf(def));
     PlotVerdict(def, judgement.overlay, title, format, files.Reserve(options.plot));
   }
   for (const Warning& warning : warnings) Warn(warning.file, warning.text);

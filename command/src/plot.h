@@ -1,6 +1,8 @@
 // Waveforms and their bands as pictures.
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,19 +27,35 @@ struct Panel {
   std::vector<Curve> curves;
 };
 
+/// A stretch of samples, both ends included.
+struct Stretch {
+  std::size_t first, last;  // [sample]
+};
+
+/// Diagrams one below the other, with the legend of the first.
+struct Picture {
+  std::string title;            // none, if it stands beside the picture
+  double fsamp;                 // [Hz] of all curves
+  std::optional<Stretch> zoom;  // of the first panel, which is drawn once more with this alone
+  std::vector<Panel> panels;
+};
+
+/// The main pulse with its surroundings, where it is too short to be seen in the whole frame: less
+/// than a third of it.
+std::optional<Stretch> ZoomOf(const wave_def::CWaveDef& def);
+
 /// The label of an axis of amplitudes, with the unit.
 std::string AmplitudeLabel(const wave_def::CWaveDef& def);
 
-/// Plots diagrams one below the other, with the legend of the first.
+/// Draws a picture.
 /// Ends the command where gnuplot is missing or does not succeed.
-/// @param[in] fsamp  sampling frequency of all curves [Hz]
-void PlotPanels(const std::vector<Panel>& panels, double fsamp, const std::string& title,
-                PlotFormat format, const std::string& file);
+void Plot(const Picture& picture, PlotFormat format, const std::string& file);
 
 /// Whether a picture shows velocity and displacement below the waveform.
 enum class Motion { Hidden, Shown };
 
-/// Plots a definition's waveform under its name, and its motion where it is compensated.
+/// Plots a definition's waveform under its name and what it is, and its motion where it is
+/// compensated.
 /// Ends the command where gnuplot is missing or does not succeed.
 void PlotDefinition(const wave_def::CWaveDef& def, const std::string& name, PlotFormat format,
                     const std::string& file);

@@ -21,6 +21,9 @@
 #include "kinematics.h"
 #include "main_pulse.h"
 #include "plot.h"
+#include "srs.h"
+#include "text.h"
+#include "title.h"
 
 namespace qarv::command {
 
@@ -116,15 +119,39 @@ void AddClassical(const CWaveDef& def, const Scale& scale, Entries* out) {
       "samples");
 }
 
-/// The picture of the waveform and its motion, as an element of a page.
-std::string Picture(const CWaveDef& def, const std::string& title, OutputFiles* files,
-                    const std::string& beside) {
+/// A picture as an element of a page.
+/// @param[in] draw  draws it as .svg into a file
+template <class Draw>
+std::string Figure(const std::string& beside, OutputFiles* files, Draw draw) {
   const std::string file = files->Scratch(beside);
-  PlotWave(def, title, Motion::Shown, PlotFormat::Svg, file);
+  draw(file);
   const std::vector<unsigned char> bytes = ReadFile(file);
-  const std::string svg(bytes.begin(), bytes.end());
-  const auto element = svg.find("<svg");
-  return element == std::string::npos ? svg : svg.substr(element);
+  std::string svg(bytes.begin(), bytes.end());
+  svg.erase(0, svg.find("<svg"));
+  // What stands in every picture must not stand twice in the page: the names of parts, and the
+  // symbols of points, of which there are none.
+  const auto eraseAll = [&](const std::string& first, const std::string& last) {
+    for (auto begin = svg.find(first); begin != std::string::npos; begin = svg.find(first, begin)) {
+      const auto end = svg.find(last, begin + first.size());
+      if (end == std::string::npos) return;
+      svg.erase(begin, end + last.size() - begin);
+    }
+  };
+  eraseAll("<defs>", "</defs>");
+  eraseAll("<title>", "</title>");
+  eraseAll(" id=\"gnuplot_", "\"");
+  return "<figure>\n" + svg + "</figure>\n";
+}
+
+/// The numbers as a table.
+std::string Table(const Entries& entries) {
+  std::string rows;
+  for (const Entry& entry : entries) {
+    const bool part = entry.label.starts_with("  ");  // of the line above
+    rows += fmt::format("<tr><th{}>{}</th><td>{}</td></tr>\n", part ? " class=\"part\"" : "",
+                        HtmlText(std::string(Trimmed(entry.label))), HtmlText(ValueText(entry)));
+  }
+  return "<table>\n" + rows + "</table>\n";
 }
 
 }  // namespace
@@ -138,18 +165,21 @@ Entries ReportOf(const CWaveDef& def) {
   return entries;
 }
 
-void WriteReportPage(const CWaveDef& def, const std::string& name, const std::string& target,
-                     OutputFiles* files) {
-  const std::string file = files->Reserve(target);
-  const std::string title = name + ": " + FamilyOf(def).title;
-  std::string rows;
-  for (const Entry& entry : ReportOf(def)) {
-    rows += fmt::format("<tr><th>{}</th><td>{}</td></tr>\n", HtmlText(entry.label),
-                        HtmlText(ValueText(entry)));
+void WriteReportPage(const CWaveDef& def, const std::optional<Spectrum>& spectrum,
+                     const std::string& name, const std::string& target, OutputFiles* files) {
+  const std::string page = files->Reserve(target);
+  std::string body = "<h2>Waveform and motion</h2>\n";
+  body += Figure(target, files, [&](const std::string& file) {
+    PlotWave(def, "", Motion::Shown, PlotFormat::Svg, file);
+  });
+  if (spectrum) {
+    body += fmt::format("<h2>{}</h2>\n", HtmlText(SpectrumTitle(*spectrum)));
+    body += Figure(target, files, [&](const std::string& file) {
+      PlotSpectrum(*spectrum, "", Axes::Plain, PlotFormat::Svg, file);
+    });
   }
-  const std::string html = HtmlPage(
-      title, fmt::format("{}\n<table>\n{}</table>\n", Picture(def, title, files, target), rows));
-  WriteFile(file, html);
+  body += "<h2>Numbers</h2>\n" + Table(ReportOf(def));
+  WriteFile(page, HtmlPage(name + ": " + TitleOf(def), body));
 }
 
 void Report(const ReportOptions& options) {
@@ -159,8 +189,8 @@ void Report(const ReportOptions& options) {
   OutputFiles files;
   if (!options.json.empty()) WriteFile(files.Reserve(options.json), AsJson(entries));
   if (!options.html.empty()) {
-    WriteReportPage(def, std::filesystem::path(options.input).stem().string(), options.html,
-                    &files);
+    const std::string name = std::filesystem::path(options.input).stem().string();
+    WriteReportPage(def, SpectrumOf(def, name), name, options.html, &files);
   }
   files.Commit(AsText(entries));
 }

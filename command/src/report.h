@@ -1,10 +1,12 @@
 // qarv-wave report: what a waveform asks of the shaker, and how it lies in its bands.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "entries.h"
 #include "output_files.h"
+#include "spectrum_plot.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::command {
@@ -17,10 +19,11 @@ struct ReportOptions {
 /// The numbers of a waveform that has samples.
 Entries ReportOf(const wave_def::CWaveDef& def);
 
-/// Writes the numbers and the plots of acceleration, velocity and displacement as one page.
+/// Writes the numbers, the plots of acceleration, velocity and displacement and the spectrum, if
+/// there is one, as one page.
 /// @param[in] name  of the definition, for the title
-void WriteReportPage(const wave_def::CWaveDef& def, const std::string& name,
-                     const std::string& target, OutputFiles* files);
+void WriteReportPage(const wave_def::CWaveDef& def, const std::optional<Spectrum>& spectrum,
+                     const std::string& name, const std::string& target, OutputFiles* files);
 
 /// Prints the report and writes the files that are asked for.
 void Report(const ReportOptions& options);

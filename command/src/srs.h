@@ -5,7 +5,7 @@
 #include <string>
 
 #include "input_wave.h"
-#include "output_files.h"
+#include "spectrum_plot.h"
 
 namespace qarv::command {
 
@@ -25,10 +25,14 @@ struct SrsOptions {
 /// The names of the responses, for SrsOptions::response.
 std::string ResponseNames(const std::string& separator);
 
-/// Calculates the spectrum of a waveform, which stands for options.input, and writes the files that
-/// are asked for.
-/// @return a short summary
-std::string WriteSpectrum(const SrsOptions& options, const InputWave& wave, OutputFiles* files);
+/// The spectrum of a waveform, which stands for options.input.
+/// Ends the command where there is none.
+Spectrum SpectrumOf(const SrsOptions& options, const InputWave& wave);
+
+/// The spectrum of a definition as nobody has asked for it in particular.
+/// @param[in] name  of the definition, for messages
+/// @return nothing where a sample is no number
+std::optional<Spectrum> SpectrumOf(const wave_def::CWaveDef& def, const std::string& name);
 
 /// Calculates the spectrum, writes the files that are asked for, and prints a short summary.
 void Srs(const SrsOptions& options);

@@ -51,8 +51,9 @@ TEST_F(BatchCommand, WritesWhatTheOtherCommandsWrite) {
   Define("sine", kSine);
   const auto result = RunCommand({"batch", folder / "in", "--output", folder / "out"});
   ASSERT_EQ(result.code, 0) << result.err;
-  EXPECT_EQ(Outputs(), (std::vector<std::string>{"index.html", "sine.csv", "sine.html", "sine.png",
-                                                 "sine.rec", "sine.srs.png", "summary.csv"}));
+  EXPECT_EQ(Outputs(),
+            (std::vector<std::string>{"index.html", "sine.csv", "sine.html", "sine.json",
+                                      "sine.png", "sine.rec", "sine.srs.png", "summary.csv"}));
   const std::string def = folder / "in/sine.json";
   ASSERT_EQ(RunCommand({"generate", def, "--csv", folder / "s.csv", "--record", folder / "s.rec",
                         "--plot", folder / "s.png"})
@@ -67,6 +68,43 @@ TEST_F(BatchCommand, WritesWhatTheOtherCommandsWrite) {
   EXPECT_EQ(withoutPicture(ReadText(folder / "out/sine.html")),
             withoutPicture(ReadText(folder / "s.html")));
   EXPECT_TRUE(ReadText(folder / "out/sine.srs.png").starts_with("\x89PNG"));
+}
+
+TEST_F(BatchCommand, ThePageLinksTheDataOfEveryDefinition) {
+  Define("a sine", kSine);
+  Define("none", "{");
+  ASSERT_EQ(RunCommand({"batch", folder / "in", "--output", folder / "out"}).code, 1);
+  const std::string page = ReadText(folder / "out/index.html");
+  for (const char* const link :
+       {"a%20sine.csv", "a%20sine.rec", "a%20sine.json", "a%20sine.html", "summary.csv"}) {
+    EXPECT_NE(page.find("<a href=\"" + std::string(link) + "\">"), std::string::npos) << link;
+  }
+  for (const char* const text : {"sine 5 g, 50 Hz", "class=\"clean\"", "class=\"fails\""}) {
+    EXPECT_NE(page.find(text), std::string::npos) << text;
+  }
+  EXPECT_EQ(page.find("href=\"none"), std::string::npos) << "it has no files";
+}
+
+TEST_F(BatchCommand, TheDefinitionsThatItWritesAreThoseThatItRead) {
+  for (const char* const name : {"measured.json", "measured_shock.csv", "compensated_ramp.json"}) {
+    fs::copy_file(kExamples + name, folder / "in/" + name);
+  }
+  ASSERT_EQ(RunCommand({"batch", folder / "in", "--output", folder / "out"}).code, 0);
+  for (const char* const name : {"measured", "compensated_ramp"}) {
+    const auto result = RunCommand({"generate", folder / "out/" + name + ".json", "--csv",
+                                    folder / "again.csv", "--record", folder / "again.rec"});
+    ASSERT_EQ(result.code, 0) << result.err;
+    EXPECT_EQ(ReadText(folder / "again.csv"), ReadText(folder / "out/" + name + ".csv")) << name;
+    EXPECT_EQ(ReadText(folder / "again.rec"), ReadText(folder / "out/" + name + ".rec")) << name;
+  }
+}
+
+TEST_F(BatchCommand, SamplesThatAreNoNumbersHaveNoSpectrum) {
+  Define("odd", R"({"Fsamp": 100, "Single": {"Period": 1, "PeakLevel": "inf", "Nsamp": 40}})");
+  ASSERT_EQ(RunCommand({"batch", folder / "in", "--output", folder / "out"}).code, 3);
+  EXPECT_FALSE(fs::exists(folder / "out/odd.srs.png"));
+  EXPECT_TRUE(fs::exists(folder / "out/odd.png"));
+  EXPECT_EQ(ReadText(folder / "out/index.html").find("odd.srs.png"), std::string::npos);
 }
 
 TEST_F(BatchCommand, ADefinitionThatCannotBeUsedIsALineAndTheOthersGoOn) {
@@ -84,7 +122,7 @@ TEST_F(BatchCommand, ADefinitionThatCannotBeUsedIsALineAndTheOthersGoOn) {
   }
   EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 5);
   const auto outputs = Outputs();
-  EXPECT_EQ(outputs.size(), 12U);  // of two definitions, with table and page
+  EXPECT_EQ(outputs.size(), 14U);  // of two definitions, with table and page
   EXPECT_EQ(ReadText(folder / "table.csv"), ReadText(folder / "out/summary.csv"));
   EXPECT_NE(ReadText(folder / "out/index.html").find("Single: Fsamp is 0"), std::string::npos);
 }

@@ -124,8 +124,8 @@ TEST_F(Generate, PlotsArePngOrSvg) {
   ASSERT_EQ(RunCommand({"generate", def, "--plot", folder / "w.svg"}).code, 0);
   EXPECT_TRUE(ReadText(folder / "w.png").starts_with("\x89PNG\r\n\x1a\n"));
   const std::string svg = ReadText(folder / "w.svg");
-  for (const char* const text : {"<svg", "def: single sine wave", "Time [s]", "Amplitude [m/s^2]",
-                                 "upper band", "waveform", "lower band"}) {
+  for (const char* const text : {"<svg", "def: sine 2 m/s^2, 33.33 Hz", "Time [ms]",
+                                 "Acceleration [m/s^2]", "upper band", "waveform", "lower band"}) {
     EXPECT_NE(svg.find(text), std::string::npos) << text;
   }
   const auto other = RunCommand({"generate", def, "--plot", folder / "w.jpg"});
@@ -153,7 +153,7 @@ TEST_F(Generate, FileNamesCannotReachThePlotScript) {
   WriteText(folder / name, kSingle);
   const auto result = RunCommand({"generate", folder / name, "--plot", folder / "a\"; exit.svg"});
   EXPECT_EQ(result.code, 0) << result.err;
-  EXPECT_NE(ReadText(folder / "a\"; exit.svg").find("_g^h: single sine wave"), std::string::npos);
+  EXPECT_NE(ReadText(folder / "a\"; exit.svg").find("_g^h: sine 2 m/s^2"), std::string::npos);
 }
 
 TEST_F(Generate, WarnsWhereTheUpperBandLiesBelowTheLower) {

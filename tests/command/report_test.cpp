@@ -3,6 +3,8 @@
 
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <regex>
+#include <set>
 
 #include "run_command.h"
 #include "wave_def/wave_def.h"
@@ -111,12 +113,71 @@ TEST(ReportCommand, WritesOnePageThatNeedsNothingElse) {
   EXPECT_EQ(folder.List(), std::vector<std::string>{"r.html"});
 }
 
+TEST(ReportCommand, ThePageHasTheSpectrumAndStatesItsHeadingOnce) {
+  const TempFolder folder;
+  const auto result =
+      RunCommand({"report", kDefinitions + "half_sine_fixed.json", "--html", folder / "r.html"});
+  ASSERT_EQ(result.code, 0) << result.err;
+  const std::string html = ReadText(folder / "r.html");
+  const auto count = [&](const std::string& text) {
+    std::size_t n = 0;
+    for (auto i = html.find(text); i != std::string::npos; i = html.find(text, i + 1)) ++n;
+    return n;
+  };
+  EXPECT_EQ(count("<svg"), 2U);
+  for (const char* const text : {"maximax", "primary", "Natural frequency [Hz]",
+                                 "<h2>Shock response spectrum, damping 0.05 (Q 10)</h2>"}) {
+    EXPECT_EQ(count(text), 1U) << text;
+  }
+  EXPECT_EQ(count("half_sine_fixed: half-sine 50 g, 11 ms"), 2U) << "the page's title and heading";
+  EXPECT_EQ(count("<title>"), 1U);
+}
+
+TEST(ReportCommand, ThePageKeepsThePartsOfANumberBelowIt) {
+  const TempFolder folder;
+  ASSERT_EQ(
+      RunCommand({"report", kDefinitions + "half_sine_fixed.json", "--html", folder / "r.html"})
+          .code,
+      0);
+  const std::string html = ReadText(folder / "r.html");
+  for (const char* const text : {"<th class=\"part\">at</th>", "<th class=\"part\">nominal</th>",
+                                 "<th class=\"part\">deviation</th>", "<th>peak</th>"}) {
+    EXPECT_NE(html.find(text), std::string::npos) << text;
+  }
+}
+
+TEST(ReportCommand, ThePageNamesNoPartOfAPictureTwice) {
+  const TempFolder folder;
+  ASSERT_EQ(
+      RunCommand({"report", kDefinitions + "compensated_cosine.json", "--html", folder / "r.html"})
+          .code,
+      0);
+  const std::string html = ReadText(folder / "r.html");
+  std::set<std::string> ids;
+  const std::regex pattern(R"(\bid=["']([^"']*)["'])");
+  for (std::sregex_iterator it(html.begin(), html.end(), pattern), end; it != end; ++it) {
+    EXPECT_TRUE(ids.insert((*it)[1]).second) << (*it)[1];
+  }
+  const std::regex reference(R"((?:href=|url\()["']?#([^"')]*))");
+  for (std::sregex_iterator it(html.begin(), html.end(), reference), end; it != end; ++it) {
+    EXPECT_TRUE(ids.contains((*it)[1])) << (*it)[1];
+  }
+}
+
+TEST(ReportCommand, ThePageOfSamplesThatAreNoNumbersHasNoSpectrum) {
+  const TempFolder folder;
+  WriteText(folder / "d.json",
+            R"({"Fsamp": 100, "Single": {"Period": 1, "PeakLevel": "inf", "Nsamp": 100}})");
+  ASSERT_EQ(RunCommand({"report", folder / "d.json", "--html", folder / "r.html"}).code, 0);
+  EXPECT_EQ(ReadText(folder / "r.html").find("spectrum"), std::string::npos);
+}
+
 TEST(ReportCommand, NamesCannotReachThePage) {
   const TempFolder folder;
   const std::string name = folder / "a<b>&c.json";
   WriteText(name, R"({"Fsamp": 100, "Single": {"Period": 1, "PeakLevel": 2, "Nsamp": 10}})");
   ASSERT_EQ(RunCommand({"report", name, "--html", folder / "r.html"}).code, 0);
-  EXPECT_NE(ReadText(folder / "r.html").find("<h1>a&lt;b&gt;&amp;c: single sine wave</h1>"),
+  EXPECT_NE(ReadText(folder / "r.html").find("<h1>a&lt;b&gt;&amp;c: sine 2, 1 Hz</h1>"),
             std::string::npos);
 }
 

@@ -4,8 +4,12 @@
     check_gallery.py OUT DEFINITIONS
 
 Fails where the page or a report that it links to says something on the console, a picture does not
-load, a definition is missing or doubled, a value is missing, or anything is fetched from elsewhere."""
+load, a definition is missing or doubled, a value or a file is missing, anything is fetched from
+elsewhere, a page is wider than the window or stands at its edge, a text is too small to read, or a
+printed sheet has other than four definitions."""
+import base64
 import pathlib
+import re
 import sys
 
 from selenium import webdriver
@@ -16,6 +20,10 @@ from selenium.webdriver.common.by import By
 VALUES = ["family", "samples", "duration", "peak", "least margin to the upper band",
           "least margin to the lower band", "peak velocity", "peak displacement",
           "velocity at the end", "displacement at the end"]
+
+
+WIDTHS = [400, 900, 1400]  # of the window, a telephone's first [CSS pixel]
+PER_SHEET = 4  # definitions
 
 
 def browser():
@@ -42,20 +50,75 @@ def opened(driver, page):
     check(all(name.startswith("file:") for name in fetched), f"{page}: fetches {fetched}")
 
 
-def check_row(row, out):
-    """The values, pictures and link of a row; returns the name of its definition."""
-    name = row.find_element(By.TAG_NAME, "a").text
-    check("clean" in row.text, f"{name}: is not clean: {row.text}")
-    cell = row.find_elements(By.TAG_NAME, "td")[1].text
-    values = dict(line.split(": ", 1) for line in cell.splitlines())
+def check_layout(driver, page):
+    """Opens a page at every width: nothing to scroll sideways, nothing at the edge, no small print."""
+    for width in WIDTHS:
+        driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
+            "width": width, "height": 900, "deviceScaleFactor": 1, "mobile": width < 500})
+        opened(driver, page)
+        shown = driver.execute_script("""
+            const seen = [...document.querySelectorAll("h1, h2, p, th, td, img, svg")].filter(
+                e => e.getClientRects().length);
+            const boxes = seen.map(e => e.getBoundingClientRect());
+            const texts = seen.filter(e => e.matches("h1, h2, p, th, td"));
+            return {scroll: document.documentElement.scrollWidth, inner: window.innerWidth,
+                    left: Math.min(...boxes.map(b => b.left)),
+                    right: window.innerWidth - Math.max(...boxes.map(b => b.right)),
+                    font: Math.min(...texts.map(e => parseFloat(getComputedStyle(e).fontSize))),
+                    picture: Math.min(...seen.filter(e => e.matches("img, svg"))
+                                            .map(e => e.getBoundingClientRect().width))}""")
+        where = f"{page} at {width}"
+        check(shown["inner"] == width and shown["scroll"] <= width, f"{where}: is {shown} wide")
+        check(min(shown["left"], shown["right"]) >= 12, f"{where}: stands at the edge: {shown}")
+        check(shown["font"] >= 11, f"{where}: has a text of {shown['font']} px")
+        check(shown["picture"] >= min(width - 50, 260), f"{where}: has a small picture: {shown}")
+    driver.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
+
+
+def sheets(driver):
+    """How many sheets the page that is open prints on, with its own size of paper."""
+    printed = driver.execute_cdp_cmd("Page.printToPDF", {"preferCSSPageSize": True})
+    return len(re.findall(rb"/Type\s*/Page\b", base64.b64decode(printed["data"])))
+
+
+def check_card(card, out):
+    """The values, pictures and links of a card; returns the name of its definition."""
+    name = card.find_element(By.CSS_SELECTOR, "h2 a").text
+    check(card.find_elements(By.CSS_SELECTOR, "p.clean"), f"{name}: is not clean: {card.text}")
+    values = {row.find_element(By.TAG_NAME, "th").text: row.find_element(By.TAG_NAME, "td").text
+              for row in card.find_elements(By.TAG_NAME, "tr")}
     for label in VALUES:
         check(values.get(label, "-") not in ("-", "", "nan", "inf"), f"{name}: no {label}")
-    pictures = [image.get_attribute("src") for image in row.find_elements(By.TAG_NAME, "img")]
+    pictures = [image.get_attribute("src") for image in card.find_elements(By.TAG_NAME, "img")]
     check([pathlib.Path(src).name for src in pictures] == [f"{name}.png", f"{name}.srs.png"],
           f"{name}: has the pictures {pictures}")
-    link = row.find_element(By.TAG_NAME, "a").get_attribute("href")
-    check(link == (out / f"{name}.html").resolve().as_uri(), f"{name}: links to {link}")
+    links = [link.get_attribute("href") for link in card.find_elements(By.TAG_NAME, "a")]
+    for suffix in (".html", ".csv", ".rec", ".json", ".png", ".srs.png"):
+        file = out / f"{name}{suffix}"
+        check(file.resolve().as_uri() in links, f"{name}: does not link to {file.name}")
+        check(file.stat().st_size > 100, f"{name}: has no {file.name}")
     return name
+
+
+def check_report(driver, page, name):
+    """What a report shows."""
+    opened(driver, page)
+    heading = driver.find_element(By.TAG_NAME, "h1").text
+    check(heading.startswith(f"{name}: "), f"{name}: heading {heading}")
+    whole = driver.execute_script("return document.body.textContent")
+    check(whole.count(heading) == 1, f"{name}: states its heading {whole.count(heading)} times")
+    check(len(driver.find_elements(By.CSS_SELECTOR, "table tr")) >= 15, f"{name}: numbers")
+    pictures = driver.find_elements(By.TAG_NAME, "svg")
+    check(len(pictures) == 2, f"{name}: {len(pictures)} pictures")
+    for picture in pictures:
+        size = picture.size
+        check(size["width"] > 300 and size["height"] > 300, f"{name}: picture of {size}")
+    indents = driver.execute_script("""
+        const left = e => { const range = document.createRange(); range.selectNodeContents(e);
+                            return range.getBoundingClientRect().left; };
+        const rows = [...document.querySelectorAll("th")];
+        return rows.filter(e => e.matches(".part")).map(e => left(e) - left(rows[0]))""")
+    check(len(indents) >= 2 and min(indents) > 10, f"{name}: its parts are moved by {indents}")
 
 
 def main():
@@ -65,19 +128,21 @@ def main():
     driver = browser()
     try:
         opened(driver, out / "index.html")
-        rows = driver.find_elements(By.CSS_SELECTOR, "tbody tr")
-        check([check_row(row, out) for row in rows] == expected, "a definition is missing or doubled")
+        cards = driver.find_elements(By.CSS_SELECTOR, "article.card")
+        check([check_card(card, out) for card in cards] == expected,
+              "a definition is missing or doubled")
         images = driver.execute_script(
             "return [...document.images].map(i => [i.src, i.complete && i.naturalWidth > 100])")
         check(len(images) == 2 * len(expected), f"{len(images)} pictures")
         for source, loaded in images:
             check(loaded, f"{source}: does not load")
+        count = sheets(driver)
+        check(count == -(-len(expected) // PER_SHEET), f"the page prints on {count} sheets")
+        check_layout(driver, out / "index.html")
         for name in expected:
-            opened(driver, out / f"{name}.html")
-            check(driver.find_element(By.TAG_NAME, "h1").text.startswith(name), f"{name}: heading")
-            check(len(driver.find_elements(By.CSS_SELECTOR, "table tr")) >= 15, f"{name}: numbers")
-            size = driver.find_element(By.TAG_NAME, "svg").size
-            check(size["width"] > 300 and size["height"] > 300, f"{name}: plot of {size}")
+            check_report(driver, out / f"{name}.html", name)
+        for name in ("half_sine_fixed", "compensated_optimized", "measured"):
+            check_layout(driver, out / f"{name}.html")
     finally:
         driver.quit()
     print(f"{len(expected)} definitions, {len(images)} pictures, {len(expected)} reports")
