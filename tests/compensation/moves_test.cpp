@@ -13,22 +13,45 @@
 namespace qarv::wave_def::compensation {
 namespace {
 
+/// The acceleration of a move, n + 1 samples.
+Wave ShapeOf(const Move& move) {
+  Wave shape(static_cast<std::size_t>(move.n) + 1);
+  move.ForEachSample([&](int64 j, double m) { shape.at(static_cast<std::size_t>(j)) = m; });
+  return shape;
+}
+
+Wave DisplacementOf(const Wave& a) {
+  Wave v(a.size());
+  Wave d(a.size());
+  for (std::size_t i = 1; i < a.size(); ++i) v[i] = v[i - 1] + (a[i] + a[i - 1]) / 2;
+  for (std::size_t i = 1; i < a.size(); ++i) d[i] = d[i - 1] + (v[i] + v[i - 1]) / 2;
+  return d;
+}
+
+MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
+                     const MoveRules& rules) {
+  Wave displacement;
+  return compensation::BestMoves(c, limits, moves, rules, &displacement);
+}
+
 TEST(Move, GoesFromRestToRestByOne) {
   for (const int64 n : {8, 9, 20, 101, 5000}) {
     for (const double part : {0.5, 1.0 / 3, 0.01, 0.99}) {
       const Move move = MakeMove(n, part);
-      ASSERT_EQ(move.shape.size(), static_cast<std::size_t>(n) + 1);
-      EXPECT_EQ(move.shape.front(), 0.0);
-      EXPECT_NEAR(move.shape.back(), 0.0, 1e-18);
-      EXPECT_NEAR(std::accumulate(move.shape.begin(), move.shape.end(), 0.0), 0.0, 1e-14);
-      EXPECT_NEAR(move.travel.back(), 1.0, 1e-12) << n << " " << part;
+      const Wave shape = ShapeOf(move);
+      const Wave travel = DisplacementOf(shape);
+      EXPECT_EQ(shape.front(), 0.0);
+      EXPECT_NEAR(std::accumulate(shape.begin(), shape.end(), 0.0), 0.0, 1e-14);
+      EXPECT_NEAR(travel.back(), 1.0, 1e-12) << n << " " << part;
       double peak = 0;
-      for (std::size_t j = 1; j < move.travel.size(); ++j) {
-        EXPECT_GE(move.travel[j], move.travel[j - 1] - 1e-12) << "it never goes back";
-        peak = std::max(peak, std::fabs(move.shape[j]));
+      for (std::size_t j = 1; j < travel.size(); ++j) {
+        EXPECT_GE(travel[j], travel[j - 1] - 1e-12) << "it never goes back";
+        EXPECT_NEAR(move.TravelAt(static_cast<int64>(j)), travel[j], 1e-12);
+        peak = std::max(peak, std::fabs(shape[j]));
       }
-      EXPECT_GE(move.peak * (1 + 1e-12), peak);
-      EXPECT_LE(move.peak, 2 * peak);
+      EXPECT_EQ(move.TravelAt(n + 1), 1.0);
+      EXPECT_GE(move.Peak() * (1 + 1e-12), peak);
+      EXPECT_LE(move.Peak(), 2 * peak);
     }
   }
 }
@@ -51,14 +74,6 @@ Wave Push() {
     c[220 + j] = -0.01;
   }
   return c;
-}
-
-Wave DisplacementOf(const Wave& a) {
-  Wave v(a.size());
-  Wave d(a.size());
-  for (std::size_t i = 1; i < a.size(); ++i) v[i] = v[i - 1] + (a[i] + a[i - 1]) / 2;
-  for (std::size_t i = 1; i < a.size(); ++i) d[i] = d[i - 1] + (v[i] + v[i - 1]) / 2;
-  return d;
 }
 
 TEST(BestMoves, BringTheTableHomeWithinTheLimits) {

@@ -8,10 +8,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "common/numeric/calc_wave.h"
 #include "common/numeric/constants.h"
-#include "compensation/half_cycle.h"
 
 namespace qarv::wave_def::compensation {
 
@@ -23,11 +23,10 @@ constexpr int64 kShortest = 8;  // [sample]
 
 std::size_t At(int64 i) { return static_cast<std::size_t>(i); }
 
-Wave DisplacementOf(const Wave& a) {
-  Wave d(a);
-  CCalcWave::IntegTime(d.size(), d.data(), d.data(), 1.0);
-  CCalcWave::IntegTime(d.size(), d.data(), d.data(), 1.0);
-  return d;
+void Displace(const Wave& a, Wave* d) {
+  d->resize(a.size());
+  CCalcWave::IntegTime(d->size(), d->data(), a.data(), 1.0);
+  CCalcWave::IntegTime(d->size(), d->data(), d->data(), 1.0);
 }
 
 /// A candidate on one side: the move and how far it can go within the limits.
@@ -42,16 +41,15 @@ Reach ReachOf(const Move& move, bool post, const Wave& c, const Limits& limits) 
   double up = HUGE_VAL;
   double down = -HUGE_VAL;
   const std::size_t N = c.size();
-  for (std::size_t j = 0; j < move.shape.size(); ++j) {
-    const double m = move.shape[j];
-    if (m == 0.0) continue;
-    const std::size_t i = post ? N - 1 - j : j;
+  move.ForEachSample([&](int64 j, double m) {
+    if (m == 0.0) return;
+    const std::size_t i = post ? N - 1 - At(j) : At(j);
     const double inverse = 1.0 / m;
     const double toHi = (limits.hi[i] - c[i]) * inverse;
     const double toLo = (limits.lo[i] - c[i]) * inverse;
     up = std::min(up, std::max(toHi, toLo));
     down = std::max(down, std::min(toHi, toLo));
-  }
+  });
   return {&move, std::max(up, 0.0), std::min(down, 0.0)};
 }
 
@@ -71,8 +69,7 @@ std::vector<Reach> BestReaches(const std::vector<Move>& moves, bool post, const 
 /// The displacement of a move at sample i of N, in the place where it lies.
 double TravelAt(const Move* move, bool post, std::size_t i, std::size_t N) {
   if (move == nullptr) return 0.0;
-  const std::size_t j = post ? N - 1 - i : i;
-  const double travelled = j < move->travel.size() ? move->travel[j] : 1.0;
+  const double travelled = move->TravelAt(static_cast<int64>(post ? N - 1 - i : i));
   return post ? travelled - 1.0 : travelled;  // mirrored in time, it ends at -1
 }
 
@@ -147,48 +144,47 @@ std::vector<std::size_t> KnotsOf(const Wave& d) {
   return knots;
 }
 
-/// What the pairs of one search share.
+/// What the pairs of one search share: values at the knots.
 struct Scratch {
   std::vector<std::size_t> knots;
-  Wave base, w, moved;
+  Wave d, base, w;
 };
 
-/// The displacement with a pair of moves, at every sample.
-void Displace(const Wave& d, const MovesFound& found, Wave* moved) {
-  moved->assign(d.begin(), d.end());
-  Wave& y = *moved;
-  const std::size_t N = y.size();
-  if (found.pre != nullptr) {
-    const Wave& travel = found.pre->travel;
-    for (std::size_t j = 0; j < travel.size(); ++j) y[j] += found.h1 * travel[j];
-    for (std::size_t j = travel.size(); j < N; ++j) y[j] += found.h1;
+/// A candidate of one side, and how far it has gone at the knots.
+struct Candidate {
+  Reach reach;
+  Wave travel;
+};
+
+std::vector<Candidate> CandidatesOf(const std::vector<Reach>& reaches, bool post, std::size_t N,
+                                    const std::vector<std::size_t>& knots) {
+  std::vector<Candidate> candidates;
+  candidates.reserve(reaches.size());
+  for (const Reach& reach : reaches) {
+    Wave travel;
+    travel.reserve(knots.size());
+    for (const std::size_t i : knots) travel.push_back(TravelAt(reach.move, post, i, N));
+    candidates.push_back({reach, std::move(travel)});
   }
-  if (found.post != nullptr) {
-    const Wave& travel = found.post->travel;
-    for (std::size_t j = 0; j < travel.size(); ++j) y[N - 1 - j] += found.h2 * (travel[j] - 1.0);
-  }
+  return candidates;
 }
 
-/// The best factors for one pair of moves; `scale` is the largest |displacement| without them.
-MovesFound Pair(const Reach& pre, const Reach& post, const Wave& d, double scale,
+/// The best factors for one pair of moves; `gap` is what they have to add at the end, `scale` the
+/// largest |displacement| without them.
+MovesFound Pair(const Candidate& pre, const Candidate& post, double gap, double scale,
                 const MoveRules& rules, Scratch* scratch) {
-  const std::size_t N = d.size();
-  const double gap = -d.back();
-  MovesFound found{.pre = pre.move, .post = post.move};
-  double low = std::max(pre.down, post.down + gap);
-  double high = std::min(pre.up, post.up + gap);
+  MovesFound found{.pre = pre.reach.move, .post = post.reach.move};
+  double low = std::max(pre.reach.down, post.reach.down + gap);
+  double high = std::min(pre.reach.up, post.reach.up + gap);
   found.home = low - high <= 1e-9 * scale;
   if (low > high) low = high = 0.5 * (low + high);
 
   // With h2 = h1 - gap the displacement is base + h1 w.
   Wave& base = scratch->base;
   Wave& w = scratch->w;
-  base.clear();
-  w.clear();
-  for (const std::size_t i : scratch->knots) {
-    const double behind = TravelAt(post.move, true, i, N);
-    base.push_back(d[i] - gap * behind);
-    w.push_back(TravelAt(pre.move, false, i, N) + behind);
+  for (std::size_t k = 0; k < base.size(); ++k) {
+    base[k] = scratch->d[k] - gap * post.travel[k];
+    w[k] = pre.travel[k] + post.travel[k];
   }
   const auto strokeAt = [&](double h) { return ExtremesOf(base, w, h).Stroke(rules.lead); };
   // Between the moves w is 1, so that a factor far above what the stroke comes to without need not
@@ -199,16 +195,15 @@ MovesFound Pair(const Reach& pre, const Reach& post, const Wave& d, double scale
   high = std::min(high, useful);
   found.h1 = Minimise(low, high, strokeAt);
   found.h2 = found.h1 - gap;
-  Displace(d, found, &scratch->moved);
-  const Extremes reached = ExtremesOf(scratch->moved, scratch->moved, 0.0);
+  const Extremes reached = ExtremesOf(base, w, found.h1);
   found.stroke = reached.Stroke(rules.lead);
   found.swing = reached.high - reached.low;
   return found;
 }
 
 double AccelerationOf(const MovesFound& found) {
-  return std::max(found.pre != nullptr ? std::fabs(found.h1) * found.pre->peak : 0.0,
-                  found.post != nullptr ? std::fabs(found.h2) * found.post->peak : 0.0);
+  return std::max(found.pre != nullptr ? std::fabs(found.h1) * found.pre->Peak() : 0.0,
+                  found.post != nullptr ? std::fabs(found.h2) * found.post->Peak() : 0.0);
 }
 
 }  // namespace
@@ -218,20 +213,21 @@ Move MakeMove(int64 n, double part) {
   // Rounded half up; both halves have at least three samples.
   const int64 n1 = std::clamp<int64>(LengthOf(length * part + 0.5), 3, n - 3);
   const int64 n2 = n - n1;
-  Move move{n, 0.0, Wave(At(n) + 1), {}};
-  const auto half = [&](int64 from, int64 count, double sign) {
-    const auto samples = static_cast<double>(count);
-    const double amplitude = sign * (2.0 * std::tan(common::kPi / (2.0 * samples)) / length);
-    HalfCycle cycle(samples);
-    for (int64 j = 0; j < count; ++j, cycle.Next()) {
-      move.shape[At(from + j)] = amplitude * cycle.Sin();
-    }
-    move.peak = std::max(move.peak, std::fabs(amplitude));
+  const auto amplitude = [&](int64 count) {
+    return 2.0 * std::tan(common::kPi / (2.0 * static_cast<double>(count))) / length;
   };
-  half(0, n1, 1.0);
-  half(n1, n2, -1.0);
-  move.travel = DisplacementOf(move.shape);
-  return move;
+  return {n, n1, n2, amplitude(n1), amplitude(n2)};
+}
+
+double Move::TravelAt(int64 j) const {
+  if (j >= n) return 1.0;
+  const bool rising = j < n1;
+  const auto count = static_cast<double>(rising ? n1 : n2);
+  const double angle = static_cast<double>(rising ? j : j - n1) * common::kPi / count;
+  const auto length = static_cast<double>(n);
+  const double bend = std::sin(angle) / (length * (rising ? a1 : a2));  // cot / 2 over the length
+  const double mean = static_cast<double>(j);
+  return (rising ? mean - bend : mean + bend) / length;
 }
 
 std::vector<Move> MakeMoves(std::span<const double> lengths, std::span<const double> parts,
@@ -249,16 +245,24 @@ std::vector<Move> MakeMoves(std::span<const double> lengths, std::span<const dou
 }
 
 MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
-                     const MoveRules& rules) {
-  const Wave d = DisplacementOf(c);
-  const double scale = ExtremesOf(d, d, 0.0).Stroke(1.0);
-  const auto pres = BestReaches(moves.pre, false, c, limits, rules.top);
-  const auto posts = BestReaches(moves.post, true, c, limits, rules.top);
+                     const MoveRules& rules, Wave* displacement) {
+  Displace(c, displacement);
+  const Wave& d = *displacement;
   Scratch scratch{KnotsOf(d), {}, {}, {}};
+  for (const std::size_t i : scratch.knots) scratch.d.push_back(d[i]);
+  scratch.base.resize(scratch.knots.size());
+  scratch.w.resize(scratch.knots.size());
+  const double scale = ExtremesOf(scratch.d, scratch.d, 0.0).Stroke(1.0);
+  const auto side = [&](const std::vector<Move>& set, bool post) {
+    return CandidatesOf(BestReaches(set, post, c, limits, rules.top), post, c.size(),
+                        scratch.knots);
+  };
+  const auto pres = side(moves.pre, false);
+  const auto posts = side(moves.post, true);
   std::vector<MovesFound> pairs;
-  for (const Reach& pre : pres) {
-    for (const Reach& post : posts) {
-      pairs.push_back(Pair(pre, post, d, scale, rules, &scratch));
+  for (const Candidate& pre : pres) {
+    for (const Candidate& post : posts) {
+      pairs.push_back(Pair(pre, post, -d.back(), scale, rules, &scratch));
     }
   }
   const auto better = [](const MovesFound& a, const MovesFound& b) {
@@ -278,12 +282,10 @@ MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
 void AddMoves(const MovesFound& found, Wave* c) {
   const std::size_t N = c->size();
   if (found.pre != nullptr) {
-    const Wave& m = found.pre->shape;
-    for (std::size_t j = 0; j < m.size(); ++j) (*c)[j] += found.h1 * m[j];
+    found.pre->ForEachSample([&](int64 j, double m) { (*c)[At(j)] += found.h1 * m; });
   }
   if (found.post != nullptr) {
-    const Wave& m = found.post->shape;
-    for (std::size_t j = 0; j < m.size(); ++j) (*c)[N - 1 - j] += found.h2 * m[j];
+    found.post->ForEachSample([&](int64 j, double m) { (*c)[N - 1 - At(j)] += found.h2 * m; });
   }
 }
 
@@ -304,12 +306,13 @@ void CentreStroke(const Pulse& pulse, const Settings& settings, Wave* best) {
   const MoveSet moves = MovesAround(pulse, kParts);
   const Limits limits = LimitsInForce(pulse, settings.pre, settings.post, 1.0).Scaled(0.999);
   const MoveRules rules{.lead = settings.HasSideTest() ? 1.002 : 1.0, .top = 6, .gentle = 0.003};
+  Wave d;
+  Wave moved;
   for (int round = 0; round < kRounds; ++round) {
-    const Wave d = DisplacementOf(*best);
+    const MovesFound found = BestMoves(*best, limits, moves, rules, &d);
     const double before = ExtremesOf(d, d, 0.0).Stroke(rules.lead);
-    const MovesFound found = BestMoves(*best, limits, moves, rules);
     if (!found.home || !(found.stroke < before)) return;
-    Wave moved(*best);
+    moved.assign(best->begin(), best->end());
     AddMoves(found, &moved);
     if (!InTolerance(moved.data(), pulse.upper.data(), pulse.lower.data(), pulse.N(), pulse.at.iS,
                      pulse.at.iE, settings.pre, settings.post, kLeastLimit)) {

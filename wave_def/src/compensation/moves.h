@@ -6,8 +6,10 @@
 // samples takes about 2 pi h / n^2).
 #pragma once
 
+#include <algorithm>
 #include <span>
 
+#include "compensation/half_cycle.h"
 #include "compensation/problem.h"
 #include "compensation/tolerance.h"
 
@@ -15,11 +17,30 @@ namespace qarv::wave_def::compensation {
 
 /// A move from rest to rest by +1, on n + 1 samples: half a sine that accelerates, half a sine that
 /// brakes.
+///
+///   theta = pi / n1,  k = j - n1,  phi = pi / n2
+///   acceleration  a1 sin(j theta), then -a2 sin(k phi),         a = 2 tan(theta / 2) / n
+///   displacement  (j - cot(theta / 2) / 2 sin(j theta)) / n,  then (j + cot(phi / 2) / 2 sin(k
+///   phi)) / n
+///
+/// The displacement is what the trapezoidal rule makes of the acceleration's samples, in closed
+/// form.
 struct Move {
-  int64 n;
-  double peak;  // largest |acceleration|
-  Wave shape;   // acceleration
-  Wave travel;  // displacement
+  int64 n, n1, n2;  // length, and the samples that accelerate and that brake
+  double a1, a2;
+
+  /// The largest |acceleration|.
+  double Peak() const { return std::max(a1, a2); }
+  /// The displacement at sample j; 1 from n on.
+  double TravelAt(int64 j) const;
+  /// Calls f(j, acceleration) for the samples 0 .. n - 1; at n it is 0.
+  template <class F>
+  void ForEachSample(F f) const {
+    HalfCycle up(static_cast<double>(n1));
+    for (int64 j = 0; j < n1; ++j, up.Next()) f(j, a1 * up.Sin());
+    HalfCycle down(static_cast<double>(n2));
+    for (int64 k = 0; k < n2; ++k, down.Next()) f(n1 + k, -a2 * down.Sin());
+  }
 };
 
 /// @param[in] n     length, at least 8 [sample]
@@ -59,8 +80,9 @@ struct MovesFound {
 /// The pair of moves that brings the table home with the least stroke, within limits.
 /// @param[in] c       waveform, N samples
 /// @param[in] limits  of the waveform with its moves
+/// @param     d       memory for the displacement; N samples of it, then
 MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
-                     const MoveRules& rules);
+                     const MoveRules& rules, Wave* d);
 
 /// Adds the moves to the waveform.
 void AddMoves(const MovesFound& found, Wave* c);

@@ -130,15 +130,15 @@ class Side {
     }
     return high;
   }
-  /// A pulse of n samples, from its inner end outwards, scaled by s.
-  Wave Draw(int64 n, double s) const {
-    Wave pulse(profile_.data(), profile_.data() + std::max<int64>(n, 0));
-    for (double& v : pulse) v *= s;
-    if (n <= 0) return pulse;
+  /// Calls f(j, value) for a pulse of n samples, from its inner end outwards, scaled by s.
+  template <class F>
+  void ForEachSample(int64 n, double s, F f) const {
+    if (n <= 0) return;
     const int64 t = TaperOf(n);
+    for (int64 j = 0; j < n - t; ++j) f(j, s * profile_[At(j)]);
     HalfCycle taper(static_cast<double>(t));
-    for (int64 j = n - t; j < n; ++j, taper.Next()) pulse[At(j)] *= 0.5 + 0.5 * taper.Cos();
-    return pulse;
+    for (int64 j = n - t; j < n; ++j, taper.Next())
+      f(j, s * profile_[At(j)] * (0.5 + 0.5 * taper.Cos()));
   }
   /// The least value over the flat part; over the first sample, where there is no flat part.
   double LevelOf(int64 n) const {
@@ -243,17 +243,16 @@ class Planner {
   /// The attempt of the lengths that Search has found.
   Plan Finish(const Trial& trial) const {
     const Lengths& n = trial.lengths;
-    const Wave pre = pre_.Draw(n.n1, n.s1);
-    const Wave post = post_.Draw(n.n2, n.s2);
-    Plan plan{{pulse_, WithPulses(pre, post), {}, 0}, trial.stroke, false};
+    Plan plan{{pulse_, {}, {}, 0}, trial.stroke, false};
+    WithPulses(n, &plan.attempt.comp);
     const MoveSet moves = MovesFor(n);
-    const MovesFound found = BestMoves(plan.attempt.comp, limits_, moves, Rules());
+    const MovesFound found = BestMoves(plan.attempt.comp, limits_, moves, Rules(), &displacement_);
     AddMoves(found, &plan.attempt.comp);
     const double S = SampleSum(pulse_.wave.data(), static_cast<uint64>(pulse_.at.iS),
                                static_cast<uint64>(pulse_.at.iE));
-    plan.attempt.drawn = {
-        n.s1 * pre_.LevelOf(n.n1) / pulse_.A, n.s2 * post_.LevelOf(n.n2) / pulse_.A,
-        SampleSum(pre.data(), 0, pre.size()) / S, SampleSum(post.data(), 0, post.size()) / S};
+    plan.attempt.drawn = {n.s1 * pre_.LevelOf(n.n1) / pulse_.A,
+                          n.s2 * post_.LevelOf(n.n2) / pulse_.A, n.s1 * pre_.AreaOf(n.n1) / S,
+                          n.s2 * post_.AreaOf(n.n2) / S};
     plan.centred = found.stroke <= 0.53 * found.swing;
     return plan;
   }
@@ -284,20 +283,21 @@ class Planner {
   }
 
   /// The lowered pulse with its compensation.
-  Wave WithPulses(const Wave& pre, const Wave& post) const {
-    Wave comp(lowered_);
-    for (std::size_t j = 0; j < pre.size(); ++j) comp[At(pulse_.at.iPS - 1) - j] -= pre[j];
-    for (std::size_t j = 0; j < post.size(); ++j) comp[At(pulse_.at.iPE + 1) + j] -= post[j];
-    return comp;
+  void WithPulses(const Lengths& n, Wave* comp) const {
+    comp->assign(lowered_.begin(), lowered_.end());
+    pre_.ForEachSample(n.n1, n.s1,
+                       [&](int64 j, double v) { (*comp)[At(pulse_.at.iPS - 1 - j)] -= v; });
+    post_.ForEachSample(n.n2, n.s2,
+                        [&](int64 j, double v) { (*comp)[At(pulse_.at.iPE + 1 + j)] -= v; });
   }
 
   std::optional<Trial> Try(const Lengths& n) const {
     if (n.n1 > pre_.Longest() || n.n2 > post_.Longest()) return std::nullopt;
     ++work_->attempts;
     work_->samples += lowered_.size();
-    const Wave comp = WithPulses(pre_.Draw(n.n1, n.s1), post_.Draw(n.n2, n.s2));
+    WithPulses(n, &comp_);
     const MoveSet moves = MovesFor(n);
-    const MovesFound found = BestMoves(comp, limits_, moves, Rules());
+    const MovesFound found = BestMoves(comp_, limits_, moves, Rules(), &displacement_);
     if (!found.home) return std::nullopt;
     return Trial{n, found.stroke};
   }
@@ -309,6 +309,7 @@ class Planner {
   Limits limits_;
   double T_ = 0.0;
   Side pre_, post_;
+  mutable Wave comp_, displacement_;  // memory that the trials share
 };
 
 /// The places that may be asked for: shifts first .. last.  [sample]

@@ -54,8 +54,9 @@ std::optional<Attempt> WithMoves(const Attempt& attempt, const Settings& setting
   constexpr std::array kParts{0.5};
   const MoveSet moves = MovesAround(attempt.pulse, kParts);
   const Limits limits = LimitsInForce(attempt.pulse, settings.pre, settings.post, 1.0).Scaled(0.95);
+  Wave displacement;
   const MovesFound found =
-      BestMoves(attempt.comp, limits, moves, {.lead = 1.0, .top = 2, .gentle = 0.0});
+      BestMoves(attempt.comp, limits, moves, {.lead = 1.0, .top = 2, .gentle = 0.0}, &displacement);
   if (!found.home) return std::nullopt;
   Attempt moved(attempt);
   AddMoves(found, &moved.comp);
