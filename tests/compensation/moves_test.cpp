@@ -30,8 +30,8 @@ Wave DisplacementOf(const Wave& a) {
 
 MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
                      const MoveRules& rules) {
-  Wave displacement;
-  return compensation::BestMoves(c, limits, moves, rules, &displacement);
+  MoveMemory memory;
+  return compensation::BestMoves(c, limits, moves, rules, &memory);
 }
 
 TEST(Move, GoesFromRestToRestByOne) {

@@ -128,51 +128,31 @@ double Minimise(double a, double b, F f) {
 /// Where a displacement has its extremes: every sample of a short frame, the least and the largest
 /// one of every stretch of a long one.  A move hardly travels within a stretch, so that the
 /// extremes with moves are among these too; one sample a stretch, whichever, would miss the shock.
-std::vector<std::size_t> KnotsOf(const Wave& d) {
+void FindKnots(const Wave& d, std::vector<std::size_t>* knots) {
   constexpr std::size_t kStretches = 512;
   const std::size_t N = d.size();
   const std::size_t stretch = N < 4 * kStretches ? 1 : (N + kStretches - 1) / kStretches;
-  std::vector<std::size_t> knots;
-  knots.reserve(std::min(N, 2 * kStretches + 2));
+  knots->clear();
+  knots->reserve(std::min(N, 4 * kStretches));
   for (std::size_t first = 0; first < N; first += stretch) {
     const auto begin = d.begin() + static_cast<std::ptrdiff_t>(first);
     const auto end = d.begin() + static_cast<std::ptrdiff_t>(std::min(N, first + stretch));
     const auto [low, high] = std::minmax_element(begin, end);
-    knots.push_back(static_cast<std::size_t>(low - d.begin()));
-    if (low != high) knots.push_back(static_cast<std::size_t>(high - d.begin()));
+    knots->push_back(static_cast<std::size_t>(low - d.begin()));
+    if (low != high) knots->push_back(static_cast<std::size_t>(high - d.begin()));
   }
-  return knots;
 }
-
-/// What the pairs of one search share: values at the knots.
-struct Scratch {
-  std::vector<std::size_t> knots;
-  Wave d, base, w;
-};
 
 /// A candidate of one side, and how far it has gone at the knots.
 struct Candidate {
   Reach reach;
-  Wave travel;
+  std::span<const double> travel;
 };
-
-std::vector<Candidate> CandidatesOf(const std::vector<Reach>& reaches, bool post, std::size_t N,
-                                    const std::vector<std::size_t>& knots) {
-  std::vector<Candidate> candidates;
-  candidates.reserve(reaches.size());
-  for (const Reach& reach : reaches) {
-    Wave travel;
-    travel.reserve(knots.size());
-    for (const std::size_t i : knots) travel.push_back(TravelAt(reach.move, post, i, N));
-    candidates.push_back({reach, std::move(travel)});
-  }
-  return candidates;
-}
 
 /// The best factors for one pair of moves; `gap` is what they have to add at the end, `scale` the
 /// largest |displacement| without them.
 MovesFound Pair(const Candidate& pre, const Candidate& post, double gap, double scale,
-                const MoveRules& rules, Scratch* scratch) {
+                const MoveRules& rules, MoveMemory* memory) {
   MovesFound found{.pre = pre.reach.move, .post = post.reach.move};
   double low = std::max(pre.reach.down, post.reach.down + gap);
   double high = std::min(pre.reach.up, post.reach.up + gap);
@@ -180,10 +160,10 @@ MovesFound Pair(const Candidate& pre, const Candidate& post, double gap, double 
   if (low > high) low = high = 0.5 * (low + high);
 
   // With h2 = h1 - gap the displacement is base + h1 w.
-  Wave& base = scratch->base;
-  Wave& w = scratch->w;
+  Wave& base = memory->base;
+  Wave& w = memory->w;
   for (std::size_t k = 0; k < base.size(); ++k) {
-    base[k] = scratch->d[k] - gap * post.travel[k];
+    base[k] = memory->atKnots[k] - gap * post.travel[k];
     w[k] = pre.travel[k] + post.travel[k];
   }
   const auto strokeAt = [&](double h) { return ExtremesOf(base, w, h).Stroke(rules.lead); };
@@ -245,24 +225,40 @@ std::vector<Move> MakeMoves(std::span<const double> lengths, std::span<const dou
 }
 
 MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
-                     const MoveRules& rules, Wave* displacement) {
-  Displace(c, displacement);
-  const Wave& d = *displacement;
-  Scratch scratch{KnotsOf(d), {}, {}, {}};
-  for (const std::size_t i : scratch.knots) scratch.d.push_back(d[i]);
-  scratch.base.resize(scratch.knots.size());
-  scratch.w.resize(scratch.knots.size());
-  const double scale = ExtremesOf(scratch.d, scratch.d, 0.0).Stroke(1.0);
-  const auto side = [&](const std::vector<Move>& set, bool post) {
-    return CandidatesOf(BestReaches(set, post, c, limits, rules.top), post, c.size(),
-                        scratch.knots);
+                     const MoveRules& rules, MoveMemory* memory) {
+  const Wave& d = memory->d;
+  const auto& knots = memory->knots;
+  Displace(c, &memory->d);
+  FindKnots(d, &memory->knots);
+  memory->atKnots.clear();
+  for (const std::size_t i : knots) memory->atKnots.push_back(d[i]);
+  memory->base.resize(knots.size());
+  memory->w.resize(knots.size());
+  const double scale = ExtremesOf(memory->atKnots, memory->atKnots, 0.0).Stroke(1.0);
+
+  const auto preReaches = BestReaches(moves.pre, false, c, limits, rules.top);
+  const auto postReaches = BestReaches(moves.post, true, c, limits, rules.top);
+  memory->travel.resize((preReaches.size() + postReaches.size()) * knots.size());
+  std::span<double> rest(memory->travel);
+  const auto side = [&](const std::vector<Reach>& reaches, bool post) {
+    std::vector<Candidate> candidates;
+    candidates.reserve(reaches.size());
+    for (const Reach& reach : reaches) {
+      const auto travel = rest.first(knots.size());
+      rest = rest.subspan(knots.size());
+      for (std::size_t k = 0; k < knots.size(); ++k)
+        travel[k] = TravelAt(reach.move, post, knots[k], c.size());
+      candidates.push_back({reach, travel});
+    }
+    return candidates;
   };
-  const auto pres = side(moves.pre, false);
-  const auto posts = side(moves.post, true);
+  const auto pres = side(preReaches, false);
+  const auto posts = side(postReaches, true);
   std::vector<MovesFound> pairs;
+  pairs.reserve(pres.size() * posts.size());
   for (const Candidate& pre : pres) {
     for (const Candidate& post : posts) {
-      pairs.push_back(Pair(pre, post, -d.back(), scale, rules, &scratch));
+      pairs.push_back(Pair(pre, post, -d.back(), scale, rules, memory));
     }
   }
   const auto better = [](const MovesFound& a, const MovesFound& b) {
@@ -306,11 +302,11 @@ void CentreStroke(const Pulse& pulse, const Settings& settings, Wave* best) {
   const MoveSet moves = MovesAround(pulse, kParts);
   const Limits limits = LimitsInForce(pulse, settings.pre, settings.post, 1.0).Scaled(0.999);
   const MoveRules rules{.lead = settings.HasSideTest() ? 1.002 : 1.0, .top = 6, .gentle = 0.003};
-  Wave d;
+  MoveMemory memory;
   Wave moved;
   for (int round = 0; round < kRounds; ++round) {
-    const MovesFound found = BestMoves(*best, limits, moves, rules, &d);
-    const double before = ExtremesOf(d, d, 0.0).Stroke(rules.lead);
+    const MovesFound found = BestMoves(*best, limits, moves, rules, &memory);
+    const double before = ExtremesOf(memory.d, memory.d, 0.0).Stroke(rules.lead);
     if (!found.home || !(found.stroke < before)) return;
     moved.assign(best->begin(), best->end());
     AddMoves(found, &moved);

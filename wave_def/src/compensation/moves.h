@@ -77,12 +77,19 @@ struct MovesFound {
   double swing = 0.0;   // largest less least displacement
 };
 
+/// What searches share, so that they need not ask for memory again.
+struct MoveMemory {
+  Wave d;                          // displacement of the waveform, N samples
+  std::vector<std::size_t> knots;  // where it has its extremes
+  Wave atKnots, base, w;           // there: the displacement, and what the pairs make of it
+  Wave travel;                     // and that of every candidate
+};
+
 /// The pair of moves that brings the table home with the least stroke, within limits.
 /// @param[in] c       waveform, N samples
 /// @param[in] limits  of the waveform with its moves
-/// @param     d       memory for the displacement; N samples of it, then
 MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
-                     const MoveRules& rules, Wave* d);
+                     const MoveRules& rules, MoveMemory* memory);
 
 /// Adds the moves to the waveform.
 void AddMoves(const MovesFound& found, Wave* c);

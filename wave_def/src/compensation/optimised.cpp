@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "compensation/drawing.h"
 #include "compensation/half_cycle.h"
@@ -184,6 +185,7 @@ class Planner {
     for (const double v : lowered_) T_ += v;
     const auto profile = [&](int64 first, int64 step, int64 count) {
       Wave out;
+      out.reserve(At(std::max<int64>(count, 0)));
       for (int64 j = 0; j < count; ++j) {
         // A side without limits has those of its scale.
         const double widest =
@@ -201,7 +203,7 @@ class Planner {
       post.resize(n);
       for (std::size_t j = 0; j < n; ++j) pre[j] = post[j] = std::min(pre[j], post[j]);
     }
-    limits_ = limits_.Scaled(0.985);
+    limits_ = std::move(limits_).Scaled(0.985);
     pre_ = Side(std::move(pre), spending.f);
     post_ = Side(std::move(post), spending.f);
   }
@@ -240,13 +242,13 @@ class Planner {
     return best;
   }
 
-  /// The attempt of the lengths that Search has found.
+  /// The attempt of the lengths that Search has found, but for its pulse.
   Plan Finish(const Trial& trial) const {
     const Lengths& n = trial.lengths;
-    Plan plan{{pulse_, {}, {}, 0}, trial.stroke, false};
+    Plan plan{{}, trial.stroke, false};
     WithPulses(n, &plan.attempt.comp);
     const MoveSet moves = MovesFor(n);
-    const MovesFound found = BestMoves(plan.attempt.comp, limits_, moves, Rules(), &displacement_);
+    const MovesFound found = BestMoves(plan.attempt.comp, limits_, moves, Rules(), &memory_);
     AddMoves(found, &plan.attempt.comp);
     const double S = SampleSum(pulse_.wave.data(), static_cast<uint64>(pulse_.at.iS),
                                static_cast<uint64>(pulse_.at.iE));
@@ -297,7 +299,7 @@ class Planner {
     work_->samples += lowered_.size();
     WithPulses(n, &comp_);
     const MoveSet moves = MovesFor(n);
-    const MovesFound found = BestMoves(comp_, limits_, moves, Rules(), &displacement_);
+    const MovesFound found = BestMoves(comp_, limits_, moves, Rules(), &memory_);
     if (!found.home) return std::nullopt;
     return Trial{n, found.stroke};
   }
@@ -309,15 +311,23 @@ class Planner {
   Limits limits_;
   double T_ = 0.0;
   Side pre_, post_;
-  mutable Wave comp_, displacement_;  // memory that the trials share
+  mutable Wave comp_;  // what the trials share
+  mutable MoveMemory memory_;
 };
 
 /// The places that may be asked for: shifts first .. last.  [sample]
 struct Places {
   int64 first, last;
   bool Has(int64 shift) const { return first <= shift && shift <= last; }
-  bool AreAll(int64 shift) const { return first == shift && last == shift; }
+  /// Than the pulse's own.
+  bool HasOthers() const { return first <= last && !(first == 0 && last == 0); }
 };
+
+/// Those with a sample at least before and after the pulse and its rests.
+Places PlacesInFrame(const Pulse& pulse) {
+  const Place& at = pulse.at;
+  return {1 - std::min(at.iS, at.iPS), pulse.N() - 2 - std::max(at.iE, at.iPE)};
+}
 
 /// The samples of a side that a compensation can make use of: a pulse that takes all of the area at
 /// the least level there, and as much again for moves that centre it.
@@ -341,8 +351,7 @@ bool IsCentred(const Pulse& pulse, const Settings& settings) {
 Places PlacesFor(const Pulse& pulse, const Settings& settings, const Spending& spending) {
   const Place& at = pulse.at;
   const int64 N = pulse.N();
-  // A sample at least before and after the pulse and its rests.
-  const Places inFrame{1 - std::min(at.iS, at.iPS), N - 2 - std::max(at.iE, at.iPE)};
+  const Places inFrame = PlacesInFrame(pulse);
   if (settings.IsSymmetric() && IsCentred(pulse, settings))
     return {std::max<int64>(inFrame.first, 0), std::min<int64>(inFrame.last, 0)};
   const Limits limits =
@@ -358,11 +367,12 @@ Places PlacesFor(const Pulse& pulse, const Settings& settings, const Spending& s
 /// The plan in one place.
 std::optional<Plan> PlanAt(const Pulse& pulse, const Settings& settings, const Spending& spending,
                            int64 shift, Work* work) {
-  const Pulse placed = ShiftedBy(pulse, shift);
+  Pulse placed = ShiftedBy(pulse, shift);
   const Planner planner(placed, settings, spending, work);
   const auto trial = planner.Search(false);
   if (!trial) return std::nullopt;
   Plan plan = planner.Finish(*trial);
+  plan.attempt.pulse = std::move(placed);
   plan.attempt.shift = shift;
   return plan;
 }
@@ -412,7 +422,7 @@ std::optional<Plan> PlanAnywhere(const Pulse& pulse, const Settings& settings,
 }  // namespace
 
 void TryOptimised(const Pulse& pulse, const Settings& settings,
-                  const std::function<bool(const Attempt&)>& accept, Work* work) {
+                  const std::function<bool(Attempt)>& accept, Work* work) {
   const Spending asked = SpendingOf(settings);
   const double kappa = asked.kappa;
   const double mu = asked.mu;
@@ -435,9 +445,26 @@ void TryOptimised(const Pulse& pulse, const Settings& settings,
       {{4.0, 0.97, 0.96}, true},
       {most, true},
   }};
-  const Places places = PlacesFor(pulse, settings, asked);
-  if (places.first > places.last) return;
+  const Places inFrame = PlacesInFrame(pulse);
+  if (inFrame.first > inFrame.last) return;
+  std::optional<Places> wanted;
+  const auto places = [&]() -> const Places& {
+    if (!wanted) wanted = PlacesFor(pulse, settings, asked);
+    return *wanted;
+  };
+  // Where not even the plan that spends most comes home, none does.  Asked only once a plan has
+  // failed.
+  std::optional<bool> canComeHome[2];
+  const auto isVain = [&](bool anywhere) {
+    auto& can = canComeHome[anywhere];
+    if (!can) {
+      can = anywhere ? PlanAnywhere(pulse, settings, most, places(), work).has_value()
+                     : PlanAt(pulse, settings, most, 0, work).has_value();
+    }
+    return !*can;
+  };
   std::vector<Plan> aside;  // plans that are not centred
+  bool failed[2] = {false, false};
   for (std::size_t i = 0; i < ladder.size(); ++i) {
     const auto& [spending, anywhere] = ladder[i];
     const auto same = [&](const Rung& r) {
@@ -445,20 +472,22 @@ void TryOptimised(const Pulse& pulse, const Settings& settings,
     };
     if (std::any_of(ladder.begin(), ladder.begin() + static_cast<std::ptrdiff_t>(i), same))
       continue;
-    if (anywhere ? places.AreAll(0) : !places.Has(0)) continue;
-    auto plan = anywhere ? PlanAnywhere(pulse, settings, spending, places, work)
+    if (anywhere ? !places().HasOthers() : !inFrame.Has(0)) continue;
+    if (failed[anywhere] && isVain(anywhere)) continue;
+    auto plan = anywhere ? PlanAnywhere(pulse, settings, spending, places(), work)
                          : PlanAt(pulse, settings, spending, 0, work);
+    failed[anywhere] = !plan;
     if (!plan) continue;
     if (!plan->centred) {
       aside.push_back(std::move(*plan));
-    } else if (accept(plan->attempt)) {
+    } else if (accept(std::move(plan->attempt))) {
       return;
     }
   }
   std::stable_sort(aside.begin(), aside.end(),
                    [](const Plan& a, const Plan& b) { return a.stroke < b.stroke; });
-  for (const Plan& plan : aside) {
-    if (accept(plan.attempt)) return;
+  for (Plan& plan : aside) {
+    if (accept(std::move(plan.attempt))) return;
   }
 }
 

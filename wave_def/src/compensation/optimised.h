@@ -19,6 +19,6 @@ namespace qarv::wave_def::compensation {
 /// @param[in]     accept  whether to go no further
 /// @param[in,out] work    what it took is added
 void TryOptimised(const Pulse& pulse, const Settings& settings,
-                  const std::function<bool(const Attempt&)>& accept, Work* work);
+                  const std::function<bool(Attempt)>& accept, Work* work);
 
 }  // namespace qarv::wave_def::compensation

@@ -18,6 +18,17 @@ namespace qarv::wave_def::compensation {
 
 namespace {
 
+/// Whether the pulse's bands leave its waveform no freedom at a sample, so that no reshaped one
+/// keeps within them; only the peak is met exactly.
+bool IsPinned(const Pulse& pulse) {
+  for (auto i = static_cast<std::size_t>(pulse.at.iS); i <= static_cast<std::size_t>(pulse.at.iE);
+       ++i) {
+    if (pulse.upper[i] == kNoLimit || pulse.lower[i] == kNoLimit) continue;
+    if (pulse.upper[i] <= pulse.lower[i] && pulse.wave[i] != pulse.A) return true;
+  }
+  return false;
+}
+
 /// Chooses among attempts: the first that passes at gain 1, or where a side is wanted the first
 /// that passes and lies there, or failing that the first that passes; the first of all, if none
 /// does.
@@ -25,19 +36,18 @@ class Choice {
  public:
   Choice(Reshaper* reshaper, const Settings& settings) : reshaper_(reshaper), settings_(settings) {}
 
-  /// @return whether the attempt is all that can be wished for
-  bool Offer(const Attempt& attempt) {
+  /// @return whether to offer no more: the attempt is all that can be wished for, or none can pass
+  bool Offer(Attempt attempt) {
     Candidates candidates(reshaper_, attempt, settings_);
     Wave candidate;
     const bool passes = candidates.Make(1.0, &candidate);
-    if (!chosen_ || (passes && !passes_)) {
-      chosen_ = attempt;
+    const bool wanted = passes && (!settings_.HasSideTest() || candidates.IsOnSide(candidate));
+    const bool enough = wanted || (!passes && IsPinned(attempt.pulse));
+    if (wanted || !chosen_ || (passes && !passes_)) {
+      chosen_ = std::move(attempt);
       passes_ = passes;
     }
-    if (!passes) return false;
-    if (settings_.HasSideTest() && !candidates.IsOnSide(candidate)) return false;
-    chosen_ = attempt;
-    return true;
+    return enough;
   }
 
   std::optional<Attempt>& Chosen() { return chosen_; }
@@ -54,9 +64,9 @@ std::optional<Attempt> WithMoves(const Attempt& attempt, const Settings& setting
   constexpr std::array kParts{0.5};
   const MoveSet moves = MovesAround(attempt.pulse, kParts);
   const Limits limits = LimitsInForce(attempt.pulse, settings.pre, settings.post, 1.0).Scaled(0.95);
-  Wave displacement;
+  MoveMemory memory;
   const MovesFound found =
-      BestMoves(attempt.comp, limits, moves, {.lead = 1.0, .top = 2, .gentle = 0.0}, &displacement);
+      BestMoves(attempt.comp, limits, moves, {.lead = 1.0, .top = 2, .gentle = 0.0}, &memory);
   if (!found.home) return std::nullopt;
   Attempt moved(attempt);
   AddMoves(found, &moved.comp);
@@ -97,10 +107,10 @@ bool Compensate(Pulse* pulse, const Settings& settings, Results* results, Refusa
   Choice choice(&reshaper, settings);
   if (settings.type == CWaveDefClassical::CMP_OPTIMIZED) {
     TryOptimised(
-        *pulse, settings, [&](const Attempt& attempt) { return choice.Offer(attempt); }, work);
-  } else if (const auto drawn = PrepareDrawn(*pulse, settings, &refusal->shortage, work)) {
-    if (!choice.Offer(*drawn)) {
-      if (const auto moved = WithMoves(*drawn, settings)) choice.Offer(*moved);
+        *pulse, settings, [&](Attempt attempt) { return choice.Offer(std::move(attempt)); }, work);
+  } else if (auto drawn = PrepareDrawn(*pulse, settings, &refusal->shortage, work)) {
+    if (!choice.Offer(std::move(*drawn))) {
+      if (auto moved = WithMoves(*choice.Chosen(), settings)) choice.Offer(std::move(*moved));
     }
   }
   if (!choice.Chosen()) {

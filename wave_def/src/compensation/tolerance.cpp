@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "common/numeric/calc_wave.h"
 #include "common/numeric/mat_basic.h"
@@ -84,11 +85,10 @@ bool DisplacementSideTest(const double* candidate, uint64 N, double fsamp, doubl
   return std::fabs(high) > std::fabs(low);
 }
 
-Limits Limits::Scaled(double factor) const {
-  Limits scaled(*this);
-  for (double& v : scaled.lo) v *= factor;
-  for (double& v : scaled.hi) v *= factor;
-  return scaled;
+Limits Limits::Scaled(double factor) && {
+  for (double& v : lo) v *= factor;
+  for (double& v : hi) v *= factor;
+  return std::move(*this);
 }
 
 Limits LimitsInForce(const Pulse& pulse, double pre, double post, double untested) {

@@ -36,7 +36,7 @@ bool DisplacementSideTest(const double* candidate, uint64 N, double fsamp, doubl
 /// there is none.
 struct Limits {
   Wave lo, hi;
-  Limits Scaled(double factor) const;
+  Limits Scaled(double factor) &&;
 };
 
 /// @param[in] untested  limit of the samples that are not tested, a share of A
