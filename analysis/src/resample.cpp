@@ -10,6 +10,7 @@
 
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
+#include "numeric/elementary.h"
 
 namespace qarv::analysis {
 
@@ -21,7 +22,7 @@ std::size_t Index(double v) { return static_cast<std::size_t>(common::TruncToInd
 
 /// The four-term window of least side lobes, over -1 .. 1.
 double Window(double u) {
-  const double c = std::cos(common::kPi * u);
+  const double c = common::elementary::Cos(common::kPi * u);
   return 0.35875 + 0.48829 * c + 0.14128 * (2.0 * c * c - 1.0) +
          0.01168 * (4.0 * c * c * c - 3.0 * c);
 }
@@ -35,7 +36,7 @@ struct Weights {
   Weights(double t, double c, double R) : first(std::ceil(t - R)), sum(0.0) {
     for (double k = first; k <= t + R; k += 1.0) {
       const double x = common::kPi * c * (t - k);
-      const double sinc = std::fabs(x) < 1e-9 ? 1.0 : std::sin(x) / x;
+      const double sinc = std::fabs(x) < 1e-9 ? 1.0 : common::elementary::Sin(x) / x;
       h.push_back(sinc * Window((t - k) / R));
       sum += h.back();
     }

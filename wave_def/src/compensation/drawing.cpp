@@ -2,10 +2,10 @@
 #include "compensation/drawing.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
+#include "numeric/elementary.h"
 
 namespace qarv::wave_def::compensation {
 
@@ -26,7 +26,7 @@ void DrawCosinePulse(double* target, uint64 N, double A, double r, const CosineP
   for (uint64 k = 0; k < flat && i < N; ++k, step()) target[i] = level;
   for (uint64 k = 0; k < taper && i < N; ++k, step()) {
     const double phase = static_cast<double>(k) * common::kPi / static_cast<double>(taper);
-    target[i] = level * (0.5 + 0.5 * std::cos(phase));
+    target[i] = level * (0.5 + 0.5 * common::elementary::Cos(phase));
   }
 }
 

@@ -2,9 +2,8 @@
 // bands.
 #include "compensation/gain_search.h"
 
-#include <cmath>
-
 #include "compensation/tolerance.h"
+#include "numeric/elementary.h"
 
 namespace qarv::wave_def::compensation {
 
@@ -35,10 +34,10 @@ GainFound SearchGain(Candidates* candidates, const Settings& settings) {
   constexpr int kTries = 8;
   GainFound found{};
   Wave candidate;
-  double x = std::log(1.0);
-  double step = (std::log(1e8) - std::log(1.0)) * 0.5;
+  double x = common::elementary::Log(1.0);
+  double step = (common::elementary::Log(1e8) - common::elementary::Log(1.0)) * 0.5;
   for (int tries = 0; tries < kTries; ++tries, step *= 0.5) {
-    const double g = std::exp(x);
+    const double g = common::elementary::Exp(x);
     const bool passed = candidates->Make(g, &candidate, &found.worst);
     if (passed || tries == 0) {
       std::swap(found.best, candidate);

@@ -1,9 +1,8 @@
 // The samples of half a cycle, one after the other, by rotation.
 #pragma once
 
-#include <cmath>
-
 #include "common/numeric/constants.h"
+#include "numeric/elementary.h"
 
 namespace qarv::wave_def::compensation {
 
@@ -14,7 +13,8 @@ namespace qarv::wave_def::compensation {
 class HalfCycle {
  public:
   explicit HalfCycle(double n)
-      : cosStep_(std::cos(common::kPi / n)), sinStep_(std::sin(common::kPi / n)) {}
+      : cosStep_(common::elementary::Cos(common::kPi / n)),
+        sinStep_(common::elementary::Sin(common::kPi / n)) {}
 
   double Cos() const { return cos_; }
   double Sin() const { return sin_; }

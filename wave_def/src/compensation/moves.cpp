@@ -12,6 +12,7 @@
 
 #include "common/numeric/calc_wave.h"
 #include "common/numeric/constants.h"
+#include "numeric/elementary.h"
 
 namespace qarv::wave_def::compensation {
 
@@ -194,7 +195,7 @@ Move MakeMove(int64 n, double part) {
   const int64 n1 = std::clamp<int64>(LengthOf(length * part + 0.5), 3, n - 3);
   const int64 n2 = n - n1;
   const auto amplitude = [&](int64 count) {
-    return 2.0 * std::tan(common::kPi / (2.0 * static_cast<double>(count))) / length;
+    return 2.0 * common::elementary::Tan(common::kPi / (2.0 * static_cast<double>(count))) / length;
   };
   return {n, n1, n2, amplitude(n1), amplitude(n2)};
 }
@@ -205,7 +206,8 @@ double Move::TravelAt(int64 j) const {
   const auto count = static_cast<double>(rising ? n1 : n2);
   const double angle = static_cast<double>(rising ? j : j - n1) * common::kPi / count;
   const auto length = static_cast<double>(n);
-  const double bend = std::sin(angle) / (length * (rising ? a1 : a2));  // cot / 2 over the length
+  const double bend =
+      common::elementary::Sin(angle) / (length * (rising ? a1 : a2));  // cot / 2 over the length
   const double mean = static_cast<double>(j);
   return (rising ? mean - bend : mean + bend) / length;
 }

@@ -13,6 +13,7 @@
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
 #include "compensation/drawing.h"
+#include "numeric/elementary.h"
 
 namespace qarv::wave_def::compensation {
 
@@ -246,7 +247,7 @@ UnitPulse CosineOf(double f, int64 t) {
   double b = F * (F - 1.0) / 2.0;
   for (int64 k = 0; k < t; ++k) {
     const auto phase = static_cast<double>(k) * common::kPi / T;
-    b += (F + static_cast<double>(k)) * (0.5 + 0.5 * std::cos(phase));
+    b += (F + static_cast<double>(k)) * (0.5 + 0.5 * common::elementary::Cos(phase));
   }
   return {F + T / 2.0 + 0.5, b};
 }
