@@ -356,13 +356,13 @@ TEST(Compensation, ReportsTheLastGainThatPassedOfEightTries) {
     Def set = RandomCompensated(&random, 200);
     if (set.GetCmpType() == Def::CMP_OPTIMIZED) continue;
     const Settings settings = SettingsOf(set);
-    const Pulse pulse = PulseOf(set);
+    Pulse pulse = PulseOf(set);
     if (!(pulse.A > 0)) continue;
     Work work;
-    const auto attempt = PrepareDrawn(pulse, settings, nullptr, &work);
+    const auto attempt = PrepareDrawn(&pulse, settings, nullptr, &work);
     if (!attempt) continue;
     ++compared;
-    Reshaper reshaper(pulse.wave.size());
+    Reshaper reshaper(attempt->pulse.wave.size());
     Candidates candidates(&reshaper, *attempt, settings);
     const GainFound found = SearchGain(&candidates, settings);
     // The same search, rule by rule.
@@ -519,6 +519,26 @@ TEST(Compensation, OfTheOptimisedTypeStaysInPlaceAndCentredInALongFrame) {
       }
     }
   }
+}
+
+// Bands without width on the pulse let no reshaped waveform pass, whichever plan it comes from.
+TEST(Compensation, OfTheOptimisedTypeIsRefusedEarly) {
+  for (const unsigned int Nsamp : {8192U, 65536U}) {
+    Def pinned = HalfSine20(Def::CMP_OPTIMIZED, Nsamp);
+    pinned.SetTolKind(Def::TOL_FIXED_1);
+    pinned.SetCmpNonSym(true);
+    const StageResult result = RunStage(pinned);
+    ASSERT_FALSE(result.done);
+    EXPECT_EQ(result.refusal.reason, Refusal::OutOfTolerance);
+    EXPECT_LE(result.work.attempts, 60U) << "one plan";
+  }
+  Def crowded = HalfSine20(Def::CMP_OPTIMIZED, 8192);
+  crowded.SetMainWidth(4.0);
+  crowded.SetCmpNonSym(true);
+  const StageResult result = RunStage(crowded);
+  ASSERT_FALSE(result.done);
+  EXPECT_EQ(result.refusal.reason, Refusal::NoRoom);
+  EXPECT_LE(result.work.attempts, 20U * 30) << "the places of one plan, roughly";
 }
 
 // A pulse that has found its room does not move in a longer frame.

@@ -305,11 +305,11 @@ void CentreStroke(const Pulse& pulse, const Settings& settings, Wave* best) {
   const Limits limits = LimitsInForce(pulse, settings.pre, settings.post, 1.0).Scaled(0.999);
   const MoveRules rules{.lead = settings.HasSideTest() ? 1.002 : 1.0, .top = 6, .gentle = 0.003};
   MoveMemory memory;
-  Wave moved;
   for (int round = 0; round < kRounds; ++round) {
     const MovesFound found = BestMoves(*best, limits, moves, rules, &memory);
     const double before = ExtremesOf(memory.d, memory.d, 0.0).Stroke(rules.lead);
     if (!found.home || !(found.stroke < before)) return;
+    Wave& moved = memory.d;
     moved.assign(best->begin(), best->end());
     AddMoves(found, &moved);
     if (!InTolerance(moved.data(), pulse.upper.data(), pulse.lower.data(), pulse.N(), pulse.at.iS,

@@ -466,7 +466,8 @@ void TryOptimised(const Pulse& pulse, const Settings& settings,
   std::vector<Plan> aside;  // plans that are not centred
   bool failed[2] = {false, false};
   for (std::size_t i = 0; i < ladder.size(); ++i) {
-    const auto& [spending, anywhere] = ladder[i];
+    const Spending& spending = ladder[i].spending;
+    const bool anywhere = ladder[i].anywhere;
     const auto same = [&](const Rung& r) {
       return r.spending == spending && r.anywhere == anywhere;
     };

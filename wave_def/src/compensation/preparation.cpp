@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
@@ -217,18 +218,21 @@ std::optional<RampPlan> PlanRamps(const RampPlaces& places, const Settings& sett
 }
 
 /// The ramps are as long as the frame lets them; where their levels are too high, the pulse moves.
-std::optional<Attempt> PrepareRamps(const Pulse& pulse, const Settings& settings,
-                                    Shortage* shortage, Work* work) {
+std::optional<Attempt> PrepareRamps(Pulse* nominal, const Settings& settings, Shortage* shortage,
+                                    Work* work) {
+  const Pulse& pulse = *nominal;
   const RampPlaces places(pulse, settings);
   work->samples += 3 * pulse.wave.size();  // moments and limits
   if (shortage != nullptr) *shortage = places.ShortageHere();
   const auto plan = PlanRamps(places, settings, work);
   if (!plan) return std::nullopt;
   const auto& [shift, p] = *plan;
-  Attempt attempt{ShiftedBy(pulse, shift), {}, {p.pre, p.post, 0.0, 0.0}, shift};
-  const double r = MainSum(attempt.pulse) / pulse.A;
-  attempt.drawn.sharePre = p.pre * RampOf(places.PreLength(shift)).a / r;
-  attempt.drawn.sharePost = p.post * RampOf(places.PostLength(shift)).a / r;
+  const double areaPre = RampOf(places.PreLength(shift)).a;
+  const double areaPost = RampOf(places.PostLength(shift)).a;
+  Attempt attempt{ShiftedBy(std::move(*nominal), shift), {}, {p.pre, p.post, 0.0, 0.0}, shift};
+  const double r = MainSum(attempt.pulse) / attempt.pulse.A;
+  attempt.drawn.sharePre = p.pre * areaPre / r;
+  attempt.drawn.sharePost = p.post * areaPost / r;
   Combine(settings, &attempt);
   return attempt;
 }
@@ -302,8 +306,9 @@ std::optional<CosinePlan> PlanCosines(const Pulse& pulse, const Settings& settin
   return std::nullopt;
 }
 
-std::optional<Attempt> PrepareCosines(const Pulse& pulse, const Settings& settings, double f,
+std::optional<Attempt> PrepareCosines(Pulse* nominal, const Settings& settings, double f,
                                       Shortage* shortage, Work* work) {
+  const Pulse& pulse = *nominal;
   const int64 N = pulse.N();
   work->samples += 3 * pulse.wave.size();  // moments and limits
   const Moments wave = MomentsOf(pulse);
@@ -340,8 +345,8 @@ std::optional<Attempt> PrepareCosines(const Pulse& pulse, const Settings& settin
     const bool fits2 = need2 == 0 || need2 <= room2 - shift;
     if (!fits1 || !fits2 || at.iS < 1 || at.iE > N - 2) continue;
 
-    Attempt attempt{ShiftedBy(pulse, shift), {}, {}, shift};
-    const double r = MainSum(attempt.pulse) / pulse.A;
+    Attempt attempt{ShiftedBy(std::move(*nominal), shift), {}, {}, shift};
+    const double r = MainSum(attempt.pulse) / attempt.pulse.A;
     // With this share the drawing comes to exactly the taper that was planned.
     const auto share = [&](int64 t, double p) {
       return static_cast<double>(t) * (f + 0.5) * p / r;
@@ -356,16 +361,15 @@ std::optional<Attempt> PrepareCosines(const Pulse& pulse, const Settings& settin
 
 }  // namespace
 
-Pulse ShiftedBy(const Pulse& pulse, int64 shift) {
-  Pulse shifted(pulse);
-  shifted.at = pulse.at.Shifted(shift);
-  for (Wave* array : {&shifted.wave, &shifted.upper, &shifted.lower})
+Pulse ShiftedBy(Pulse pulse, int64 shift) {
+  pulse.at = pulse.at.Shifted(shift);
+  for (Wave* array : {&pulse.wave, &pulse.upper, &pulse.lower})
     ShiftWithHold(array->data(), array->size(), shift);
-  return shifted;
+  return pulse;
 }
 
-std::optional<Attempt> PrepareDrawn(const Pulse& pulse, const Settings& settings,
-                                    Shortage* shortage, Work* work) {
+std::optional<Attempt> PrepareDrawn(Pulse* pulse, const Settings& settings, Shortage* shortage,
+                                    Work* work) {
   switch (settings.type) {
     case CWaveDefClassical::CMP_RAMP:
       return PrepareRamps(pulse, settings, shortage, work);

@@ -27,13 +27,14 @@ struct Shortage {
 };
 
 /// Plans and draws a compensation of CMP_RAMP, CMP_COSINE or CMP_FLAT_COSINE.
+/// @param[in,out] pulse     goes into the attempt; stays where there is none
 /// @param[out]    shortage  why there is none, if it is not null
 /// @param[in,out] work      what it took is added
 /// @return nothing if the frame has no room for pulses of the allowed levels
-std::optional<Attempt> PrepareDrawn(const Pulse& pulse, const Settings& settings,
-                                    Shortage* shortage, Work* work);
+std::optional<Attempt> PrepareDrawn(Pulse* pulse, const Settings& settings, Shortage* shortage,
+                                    Work* work);
 
 /// The pulse with its bands `shift` samples later.
-Pulse ShiftedBy(const Pulse& pulse, int64 shift);
+Pulse ShiftedBy(Pulse pulse, int64 shift);
 
 }  // namespace qarv::wave_def::compensation

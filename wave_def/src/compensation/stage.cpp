@@ -108,7 +108,7 @@ bool Compensate(Pulse* pulse, const Settings& settings, Results* results, Refusa
   if (settings.type == CWaveDefClassical::CMP_OPTIMIZED) {
     TryOptimised(
         *pulse, settings, [&](Attempt attempt) { return choice.Offer(std::move(attempt)); }, work);
-  } else if (auto drawn = PrepareDrawn(*pulse, settings, &refusal->shortage, work)) {
+  } else if (auto drawn = PrepareDrawn(pulse, settings, &refusal->shortage, work)) {
     if (!choice.Offer(std::move(*drawn))) {
       if (auto moved = WithMoves(*choice.Chosen(), settings)) choice.Offer(std::move(*moved));
     }
