@@ -4,7 +4,7 @@
 #include <fmt/format.h>
 
 #include <array>
-#include <functional>
+#include <cstdint>
 #include <new>
 #include <set>
 
@@ -44,42 +44,63 @@ std::string ParserMessage(const Json::exception& e) {
   return std::string(said.substr(0, kLongest)).append(said.size() > kLongest ? "..." : "");
 }
 
-/// Watches a file being parsed.  A key that stands twice in one object is an error, not a silent
-/// choice.  Depth and number of keys are bounded far above every definition: what the parser
-/// keeps and looks through stays small, whatever the file holds.
-class Watch {
+/// Looks at a file before it becomes a tree.  A key that stands twice in one object is an error,
+/// not a silent choice.  Depth and number of keys are bounded far above every definition: what is
+/// kept and looked through stays small, whatever the file holds.
+///
+/// Not the parser's callback, for which it goes through all elements of a list at the end of each.
+class Watch : public nlohmann::json_sax<Json> {
  public:
   explicit Watch(const std::string& file) : at_(file) {}
 
-  bool operator()(int depth, Json::parse_event_t event, const Json& parsed) {
-    constexpr int kDeepest = 32;
+  bool start_object(std::size_t /*size*/) override { return Open(); }
+  bool start_array(std::size_t /*size*/) override { return Open(); }
+  bool end_object() override { return Close(); }
+  bool end_array() override { return Close(); }
+  bool key(std::string& name) override {
     constexpr std::size_t kMostKeys = 100;  // of an object
-    using enum Json::parse_event_t;
-    if ((event == object_start || event == array_start) && depth >= kDeepest) {
-      at_.Fail(fmt::format("is nested deeper than {} levels", kDeepest));
-    }
-    if (event == object_start) open_.emplace_back();
-    if (event == object_end) open_.pop_back();
-    if (event == key) {
-      const auto& name = parsed.get_ref<const std::string&>();
-      if (!open_.back().insert(name).second) at_.Key(name).Fail("stands twice");
-      if (open_.back().size() > kMostKeys) {
-        at_.Fail(fmt::format("has an object of more than {} keys", kMostKeys));
-      }
+    if (!open_.back().insert(name).second) at_.Key(name).Fail("stands twice");
+    if (open_.back().size() > kMostKeys) {
+      at_.Fail(fmt::format("has an object of more than {} keys", kMostKeys));
     }
     return true;
   }
+  bool null() override { return true; }
+  bool boolean(bool /*v*/) override { return true; }
+  bool number_integer(std::int64_t /*v*/) override { return true; }
+  bool number_unsigned(std::uint64_t /*v*/) override { return true; }
+  bool number_float(double /*v*/, const std::string& /*text*/) override { return true; }
+  bool string(std::string& /*v*/) override { return true; }
+  bool binary(Json::binary_t& /*v*/) override { return true; }
+  bool parse_error(std::size_t /*at*/, const std::string& /*last*/,
+                   const Json::exception& /*e*/) override {
+    return false;  // and the parser says it
+  }
 
  private:
+  bool Open() {
+    constexpr std::size_t kDeepest = 32;
+    if (open_.size() == kDeepest) {
+      at_.Fail(fmt::format("is nested deeper than {} levels", kDeepest));
+    }
+    open_.emplace_back();
+    return true;
+  }
+  bool Close() {
+    open_.pop_back();
+    return true;
+  }
+
   Place at_;
-  std::vector<std::set<std::string>> open_;  // the keys of the objects that are being parsed
+  std::vector<std::set<std::string>> open_;  // the keys of what is open, of a list none
 };
 
 Json Parse(InputFile file) {
   const std::vector<unsigned char> text = file.ReadAll(kLargestDefinition);
   Watch watch(file.GetName());
   try {
-    return Json::parse(text, std::ref(watch));
+    static_cast<void>(Json::sax_parse(text, &watch));
+    return Json::parse(text);
   } catch (const Json::exception& e) {
     Fail(file.GetName(), "not JSON: " + ParserMessage(e));
   }

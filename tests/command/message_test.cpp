@@ -252,7 +252,7 @@ TEST_F(Messages, WhatGnuplotSaysIsShown) {
 TEST_F(Messages, ThousandsOfPacketsThatDoNotFitAreElevenLines) {
   const auto result =
       Run("generate", R"({"Fsamp": 10000, "SineBeatBurst": {"WaveKind": "SINE_BURST",
-      "Ampl": 1, "Freq": 1, "Cycle": 1, "Frame": 4000, "RestTime": -1.0001}})");
+      "Ampl": 1, "Freq": 1, "Cycle": 1, "Frame": 4000, "RestTime": -1.0002}})");
   EXPECT_EQ(result.code, 0);
   std::size_t count = 0;
   std::istringstream lines(result.err);

@@ -245,7 +245,7 @@ TEST(SineBeatBurst, ThousandsOfPacketsThatDoNotFitPrintTenLinesAndTheirNumber) {
   // Packets of 10000 samples with rests of -10001: each one makes the whole a sample shorter.
   const auto printed = [](unsigned int frames) {
     ::testing::internal::CaptureStderr();
-    const Samples wave = Generate(Packets(Set::SINE_BURST, 1, 1, frames, -1.0001), 10000);
+    const Samples wave = Generate(Packets(Set::SINE_BURST, 1, 1, frames, -1.0002), 10000);
     const std::string lines = ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(wave, Samples(10000 - (frames - 1))) << "no packet fits, the wave is silent";
     return lines;
