@@ -93,7 +93,8 @@ Likeness LikenessOf(std::span<const double> reference, std::span<const double> r
   for (std::size_t i = 0; i < reference.size(); ++i) cross += reference[i] * record[i];
   const double own = Energy(reference);
   const double scale = std::sqrt(own) * std::sqrt(Energy(record));
-  return scale > 0.0 ? Likeness{cross / scale, cross / own} : Likeness{0.0, 0.0};
+  if (!(scale > 0.0)) return {0.0, 0.0};
+  return {std::clamp(cross / scale, -1.0, 1.0), cross / own};  // rounding leads beyond
 }
 
 Alignment Align(std::span<const double> reference, std::span<const double> record) {
@@ -123,7 +124,7 @@ Alignment Align(std::span<const double> reference, std::span<const double> recor
   }
   if (std::fabs(lag - std::round(lag)) < kWhole) lag = std::round(lag);
   const auto [correlation, gain] = likeness(lag);
-  return {lag, std::clamp(correlation, -1.0, 1.0), gain};  // rounding leads beyond
+  return {lag, correlation, gain};
 }
 
 Verdict JudgeBands(std::span<const double> wave, std::span<const double> upper,

@@ -25,7 +25,7 @@
 namespace qarv::command {
 
 PlotFormat PlotFormatOf(const std::string& file) {
-  const std::string extension = std::filesystem::path(file).extension().string();
+  const std::string extension = ExtensionOf(file);
   if (extension == ".png") return PlotFormat::Png;
   if (extension == ".svg") return PlotFormat::Svg;
   if (IsStream(file)) return PlotFormat::Png;

@@ -1,5 +1,5 @@
 // What the command says, and that what a file holds neither stops nor delays it: definitions of any
-// depth and size, numbers as people write them, gnuplot's own words.
+// depth and size, numbers as people write them.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -204,47 +204,6 @@ TEST_F(Messages, ACorrelationIsNotAboveOne) {
     EXPECT_LE(verdict["correlation"]["value"].get<double>(), 1.0) << def;
   }
   EXPECT_GE(count, 20);
-}
-
-// ---- gnuplot -----------------------------------------------------------------------------------
-
-TEST_F(Messages, TheSettingsOfTheUsersGnuplotChangeNoPicture) {
-  const std::string command = ShellQuoted(QARV_WAVE_COMMAND) + " generate " +
-                              ShellQuoted(kExamples + "half_sine_fixed.json") + " --plot ";
-  const auto picture = [&](const std::string& home, const char* name) {
-    fs::create_directories(folder / home);
-    const std::string line =
-        "HOME=" + ShellQuoted(folder / home) + " XDG_CONFIG_HOME=" + ShellQuoted(folder / home) +
-        " " + command + ShellQuoted(folder / name) + " >" + ShellQuoted(folder / "said") + " 2>&1";
-    EXPECT_EQ(std::system(line.c_str()), 0) << ReadText(folder / "said");
-    return ReadText(folder / name);
-  };
-  const std::string expected = picture("plain", "a.svg");
-  for (const char* const settings : {"set xlabel font \"Courier,40\"\nset border 0\n", "exit\n"}) {
-    fs::create_directories(folder / "odd/gnuplot");
-    WriteText(folder / "odd/.gnuplot", settings);
-    WriteText(folder / "odd/gnuplot/gnuplotrc", settings);
-    EXPECT_TRUE(picture("odd", "b.svg") == expected) << settings;
-  }
-}
-
-TEST_F(Messages, WhatGnuplotSaysIsShown) {
-  fs::create_directory(folder / "bin");
-  WriteText(
-      folder / "bin/gnuplot",
-      "#!/bin/sh\ncat >/dev/null\nprintf '\\nset x\\n    ^\\n     line 7: no such font\\n\\n' "
-      ">&2\nexit 1\n");
-  fs::permissions(folder / "bin/gnuplot", fs::perms{0755});
-  const auto said = [&](const std::string& path) {
-    const std::string line = "PATH=" + path + " " + ShellQuoted(QARV_WAVE_COMMAND) + " generate " +
-                             ShellQuoted(kExamples + "half_sine_fixed.json") + " --plot " +
-                             ShellQuoted(folder / "a.png") + " 2>" + ShellQuoted(folder / "err");
-    EXPECT_EQ(WEXITSTATUS(std::system(line.c_str())), 2);
-    return ReadText(folder / "err");
-  };
-  EXPECT_EQ(said(ShellQuoted(folder / "bin") + ":$PATH"),
-            "qarv-wave: gnuplot, which draws the plots, has failed: line 7: no such font\n");
-  EXPECT_EQ(said("/nonexistent"), "qarv-wave: gnuplot, which draws the plots, is missing\n");
 }
 
 // ---- Lines of the library ----------------------------------------------------------------------

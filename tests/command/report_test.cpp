@@ -202,7 +202,7 @@ TEST(ReportCommand, RefusesARecordWithABandShorterThanItsWave) {
   const auto result = RunCommand({"report", folder / "short.rec", "--json", folder / "r.json"});
   EXPECT_EQ(result.code, 2);
   EXPECT_NE(result.err.find("has no samples with bands"), std::string::npos) << result.err;
-  EXPECT_EQ(folder.List(), std::vector<std::string>{"short.rec"});
+  EXPECT_FALSE(std::filesystem::exists(folder / "r.json"));
 }
 
 TEST(ReportCommand, RefusesWithNothingWritten) {

@@ -88,7 +88,8 @@ TEST(SrsCommand, DrawsFourWayAxes) {
   const auto result = RunCommand({"srs", kHalfSine, "--tripartite", "--plot", folder / "s.svg"});
   ASSERT_EQ(result.code, 0) << result.err;
   const std::string svg = ReadText(folder / "s.svg");
-  for (const char* const text : {"Pseudo velocity [m/s]", "10 mm", "10 g", "maximax", "residual"}) {
+  for (const char* const text :
+       {"Pseudo velocity [m/s]", "10 mm", "100 g", "maximax", "residual"}) {
     EXPECT_NE(svg.find(text), std::string::npos) << text;
   }
 }

@@ -9,6 +9,8 @@
 #include <random>
 #include <utility>
 
+#include "numeric/elementary.h"
+
 namespace qarv::common {
 namespace {
 
@@ -36,7 +38,7 @@ Complex RootInWideIntegers(uint64 i, uint64 n) {
   const bool steep = 8 * num > den;
   if (steep) num = den - 4 * num, den = 4 * den;
   const double x = 6.283185307179586 * (static_cast<double>(num) / static_cast<double>(den));
-  Complex root{std::cos(x), std::sin(x)};
+  Complex root{elementary::Cos(x), elementary::Sin(x)};
   if (8 * num == den) root = {std::sqrt(0.5), std::sqrt(0.5)};
   if (steep) std::swap(root.re, root.im);
   return {leftHalf ? -root.re : root.re, lowerHalf ? -root.im : root.im};

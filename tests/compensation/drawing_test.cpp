@@ -7,6 +7,7 @@
 #include <numeric>
 
 #include "expect_wave.h"
+#include "numeric/elementary.h"
 #include "random_values.h"
 
 namespace qarv::wave_def::compensation {
@@ -45,8 +46,8 @@ Wave Cosines(const Wave& before, double A, double S, int64 iPre, int64 iPost,
     for (int64 k = 0; k < flat + taper; ++k) {
       const int64 i = first + k * step;
       if (i < 0 || i >= N) return;
-      const double c =
-          std::cos(static_cast<double>(k - flat) * 3.141592653589793 / static_cast<double>(taper));
+      const double c = common::elementary::Cos(static_cast<double>(k - flat) * 3.141592653589793 /
+                                               static_cast<double>(taper));
       target[static_cast<std::size_t>(i)] = k < flat ? L : L * (0.5 + 0.5 * c);
     }
   };

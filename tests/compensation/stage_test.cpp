@@ -14,6 +14,7 @@
 #include "compensation/tolerance.h"
 #include "compensation_cases.h"
 #include "expect_wave.h"
+#include "numeric/elementary.h"
 #include "random_classical.h"
 #include "reference_tolerance.h"
 #include "value_semantics.h"
@@ -367,15 +368,15 @@ TEST(Compensation, ReportsTheLastGainThatPassedOfEightTries) {
     const GainFound found = SearchGain(&candidates, settings);
     // The same search, rule by rule.
     double low = 0;
-    double step = std::log(1e8) / 2;
+    double step = common::elementary::Log(1e8) / 2;
     double gain = 1;
     bool passed = false;
     Wave candidate;
     for (int tries = 0; tries < 8; ++tries, step /= 2) {
-      const bool ok = candidates.Make(std::exp(low), &candidate);
+      const bool ok = candidates.Make(common::elementary::Exp(low), &candidate);
       if (tries == 0) passed = ok;
       if (!passed) break;
-      if (ok) gain = std::exp(low);
+      if (ok) gain = common::elementary::Exp(low);
       low += ok ? step : -step;
     }
     EXPECT_EQ(found.passed, passed);
