@@ -100,9 +100,16 @@ void CWaveDef::LelWaveTypeClear() {
 
 bool CWaveDef::Serialize(common::CSerialData* stream) {
   if (stream == nullptr) return false;
-  if (!stream->IsFinalize()) return SerializeItems(stream);
+  if (!stream->IsFinalize()) {
+    constexpr uint64 kHead = 4096;  // [bytes] about what all but the samples takes
+    stream->Reserve(kHead + sizeof(double) *
+                                (def_.Wave.GetSize() + def_.TolU.GetSize() + def_.TolL.GetSize()));
+    return SerializeItems(stream);
+  }
   Clear();
-  CWaveDef fresh;  // taken over when complete: neither a failure nor an exception leaves half of it
+  // Taken over when complete: neither a failure nor an exception leaves half of it.  The storage of
+  // the samples before goes along, so that loading again takes no memory.
+  CWaveDef fresh(std::move(*this));
   if (!fresh.SerializeItems(stream)) return false;
   *this = std::move(fresh);
   return true;
@@ -194,8 +201,8 @@ bool CWaveDef::LclCalcTolData() {
   const double up = peak * head_->TolUpperRat;
   const double low = peak * head_->TolLowerRat;
   const uint64 n = def_.Wave.GetSize();
-  def_.TolU.Resize(n);
-  def_.TolL.Resize(n);
+  def_.TolU.ResizeToWrite(n);
+  def_.TolL.ResizeToWrite(n);
   const double* const wave = def_.Wave.GetData();
   double* const upper = def_.TolU.GetData();
   double* const lower = def_.TolL.GetData();

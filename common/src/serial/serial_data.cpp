@@ -36,6 +36,12 @@ void CSerialData::Finalize() {
   runLeft_ = 0;
 }
 
+void CSerialData::Reserve(uint64 n) {
+  const uint64 size = bytes_.size();
+  if (finalized_ || n > sizeLimit_ || size > sizeLimit_ - n) return;  // what will not be taken
+  bytes_.reserve(static_cast<std::size_t>(size + n));
+}
+
 bool CSerialData::Write(bool v) {
   const unsigned char byte = v ? 1 : 0;
   return Append(Tag::Bool, &byte, sizeof byte, nullptr, 0);

@@ -285,7 +285,7 @@ bool DampingSynthesize(const CWaveDefDamping& def, double fsamp,
   if (!IsMethod(def.GetSyncWaveType())) return false;
 
   const DampingComponents c(def.GetDefDampingElmList());
-  wave->Resize(n);
+  wave->ResizeToWrite(n);
   double* const x = wave->GetData();
   const double* const freq = c.freq.data();
   const double* const ampl = c.ampl.data();

@@ -54,7 +54,7 @@ bool GradualGenerate(const CWaveDefGradual& def, double fsamp,
   const double r = Nr != 0 ? (E - B) / static_cast<double>(Nr) : 0.0;
   const double Ps = def.GetPeriod() / dt;
 
-  wave->Resize(N);
+  wave->ResizeToWrite(N);
   double* const x = wave->GetData();
   const auto offset = static_cast<double>(P0);
   const auto length = static_cast<double>(N);

@@ -62,7 +62,7 @@ void DrawPacket(const CWaveDefSineBeatBurst& def, double fsamp, uint64 Np, Sampl
   const double Freq = def.GetFreq();
   const double Cycle = def.GetCycle();
   const bool beat = def.GetWaveKind() == CWaveDefSineBeatBurst::SINE_BEAT;
-  packet->Resize(Np);
+  packet->ResizeToWrite(Np);
   double* const sample = packet->GetData();
   common::SampleBlock x;
   const InstructionSet set = common::BestInstructionSet();
@@ -134,8 +134,12 @@ bool SineBeatBurstGenerate(const CWaveDefSineBeatBurst& def, double fsamp, Sampl
     return true;
   }
   DrawPacket(def, fsamp, Np, wave);
-  wave->Resize(Nt);
-  for (uint64 j = 1; j < frames; ++j) Samples::RingCopy(*wave, *wave, 0, j * step, Np);
+  wave->ResizeToWrite(Nt);
+  double* const x = wave->GetData();
+  for (uint64 j = 1; j < frames; ++j) {
+    std::fill_n(x + j * step - layout.rest, layout.rest, 0.0);
+    std::copy_n(x, Np, x + j * step);
+  }
   return true;
 }
 

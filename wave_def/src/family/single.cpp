@@ -27,7 +27,7 @@ bool SingleGenerate(const CWaveDefSingle& def, double fsamp,
   const double s = E != 0 ? P / static_cast<double>(E) : 0.0;
   const double Ps = def.GetPeriod() / dt;
 
-  wave->Resize(N);
+  wave->ResizeToWrite(N);
   double* const x = wave->GetData();
   // Deliberate: the rising edge starts at 0, the falling one ends at s.  Where E is above N, N - E
   // wraps, every sample lies on the rising edge and the peak level is not reached.

@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <initializer_list>
+#include <memory>
+#include <new>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -12,6 +14,27 @@
 namespace qarv::common {
 
 class CSerialData;
+
+/// Gives elements that nothing is said about no value: the memory of a large array is not written
+/// twice.
+template <class T>
+struct UnsetAllocator : std::allocator<T> {
+  template <class U>
+  struct rebind {
+    using other = UnsetAllocator<U>;
+  };
+  UnsetAllocator() = default;
+  template <class U>
+  UnsetAllocator(const UnsetAllocator<U>& /*other*/) {}
+  template <class U>
+  void construct(U* p) {
+    ::new (static_cast<void*>(p)) U;
+  }
+  template <class U, class... Args>
+  void construct(U* p, Args&&... args) {
+    std::construct_at(p, std::forward<Args>(args)...);
+  }
+};
 
 /// An owning array of numbers in one contiguous piece of memory.
 ///
@@ -62,6 +85,9 @@ class DataArray {
   /// elements are more than 64 bits can address, std::bad_alloc where memory does not suffice.
   void Resize(uint64 n);
 
+  /// Sets the size; new elements have no value until they are written.  Throws as `Resize`.
+  void ResizeToWrite(uint64 n);
+
   /// Makes room for n elements, so that growing up to n does not fail.  Throws as `Resize`, with
   /// nothing changed.
   void Reserve(uint64 n);
@@ -98,7 +124,7 @@ class DataArray {
   void CheckLength(uint64 n) const;
   bool ReadRecord(CSerialData& stream);
 
-  std::vector<T> data_;
+  std::vector<T, UnsetAllocator<T>> data_;
 };
 
 }  // namespace qarv::common

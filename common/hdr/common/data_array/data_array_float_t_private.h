@@ -79,6 +79,12 @@ void DataArray<T>::CheckLength(uint64 n) const {
 template <class T>
 void DataArray<T>::Resize(uint64 n) {
   CheckLength(n);
+  data_.resize(static_cast<std::size_t>(n), T{});
+}
+
+template <class T>
+void DataArray<T>::ResizeToWrite(uint64 n) {
+  CheckLength(n);
   data_.resize(static_cast<std::size_t>(n));
 }
 
@@ -91,7 +97,11 @@ void DataArray<T>::Reserve(uint64 n) {
 template <class T>
 void DataArray<T>::SetData(uint64 count, const T* source, bool shrink) {
   data_.clear();
-  Resize(count);
+  if (source == nullptr) {
+    Resize(count);
+  } else {
+    ResizeToWrite(count);
+  }
   if (shrink) Shrink();
   if (source != nullptr) std::copy_n(source, count, data_.begin());
 }
@@ -162,7 +172,8 @@ bool DataArray<T>::ReadRecord(CSerialData& stream) {
   if (n > std::numeric_limits<uint64>::max() / sizeof(T)) return false;  // n sizeof(T) would wrap
   const unsigned char* const bytes = stream.ReadPtr(n * sizeof(T));
   if (bytes == nullptr) return false;
-  SetData(n, nullptr, true);
+  ResizeToWrite(n);
+  Shrink();
   std::memcpy(data_.data(), bytes, data_.size() * sizeof(T));  // the bytes have no alignment
   return true;
 }

@@ -63,6 +63,10 @@ class CSerialData {
   /// A pointer is not a value; without this it would be written as a bool.
   bool Write(const void*) = delete;
 
+  /// Makes room for n further bytes, so that the stream need not grow on the way.  Throws the standard
+  /// errors where there is no memory for them.
+  void Reserve(uint64 n);
+
   /// Appends n raw bytes as one run; 0 bytes append nothing.  The bytes may be the stream's own.
   /// @return false, with nothing appended, as for a value, or if `data` is null and n is not 0
   bool Write(const unsigned char* data, uint64 n);

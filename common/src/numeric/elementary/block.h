@@ -6,8 +6,8 @@
 //   double Evaluate(i)      the value at place i; anything for a rare one
 //   static double Rare(x)   the value of a rare x
 // Two loops instead of one keep both within the registers: the compilers turn each into lanes.  For
-// their sake a test is a number and not a bool (SSE2 has no comparison of 64-bit integers), and the
-// values go through an array of their own, which cannot be the table's.
+// their sake a test is a number and not a bool (SSE2 has no comparison of 64-bit integers), and
+// they are told that the values are not stored over the table.
 #pragma once
 
 #include <algorithm>
@@ -35,20 +35,16 @@ QARV_LANES_INLINE uint64 ZeroIf(bool holds) {
 /// One block; x and y may be the same.
 template <class Function>
 QARV_LANES_INLINE void OneBlock(Function& f, const double* x, double* y, std::size_t n) {
-  uint64 isRare[kBlock];
-  double value[kBlock];
   uint64 any = 0;
+  for (std::size_t i = 0; i < n; ++i) any |= f.Reduce(i, x[i]);
+  double argument[kBlock];
+  if (any != 0) std::copy_n(x, n, argument);
+  QARV_INDEPENDENT
+  for (std::size_t i = 0; i < n; ++i) y[i] = f.Evaluate(i);
+  if (any == 0) return;
   for (std::size_t i = 0; i < n; ++i) {
-    isRare[i] = f.Reduce(i, x[i]);
-    any |= isRare[i];
+    if (f.Reduce(i, argument[i]) != 0) y[i] = Function::Rare(argument[i]);
   }
-  for (std::size_t i = 0; i < n; ++i) value[i] = f.Evaluate(i);
-  if (any != 0) {
-    for (std::size_t i = 0; i < n; ++i) {
-      if (isRare[i] != 0) value[i] = Function::Rare(x[i]);
-    }
-  }
-  std::copy_n(value, n, y);
 }
 
 template <class Function>
