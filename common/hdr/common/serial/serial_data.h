@@ -63,8 +63,8 @@ class CSerialData {
   /// A pointer is not a value; without this it would be written as a bool.
   bool Write(const void*) = delete;
 
-  /// Makes room for n further bytes, so that the stream need not grow on the way.  Throws the standard
-  /// errors where there is no memory for them.
+  /// Makes room for n further bytes, so that the stream need not grow on the way.  Throws the
+  /// standard errors where there is no memory for them.
   void Reserve(uint64 n);
 
   /// Appends n raw bytes as one run; 0 bytes append nothing.  The bytes may be the stream's own.
