@@ -8,7 +8,6 @@
 // to the named one.  Each record is loaded, defined again from its own parameters, and hashed; that
 // the samples are the loaded ones is part of what is printed.
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -38,7 +37,7 @@ using test::RandomValues;
 class Hash {
  public:
   void Add(std::uint64_t word) { state_ = (state_ ^ word) * 0x100000001b3u; }
-  void Add(double x) { Add(x == x ? std::bit_cast<std::uint64_t>(x) : 0x7ff8000000000000u); }
+  void Add(double x) { Add(x == x ? __builtin_bit_cast(std::uint64_t, x) : 0x7ff8000000000000u); }
   void Add(std::span<const double> x) {
     Add(static_cast<std::uint64_t>(x.size()));
     for (const double v : x) Add(v);
@@ -76,8 +75,8 @@ std::vector<double> Arguments(double usual) {
         v = random.Between(-1.0, 1.0) * 0x1p-20;
         break;
       case 1:  // any bits at all
-        v = std::bit_cast<double>(static_cast<std::uint64_t>(random.Below(0xffffffffu)) << 32 |
-                                  random.Below(0xffffffffu));
+        v = __builtin_bit_cast(double, static_cast<std::uint64_t>(random.Below(0xffffffffu)) << 32 |
+                                           random.Below(0xffffffffu));
         break;
       case 2:
         v = random.Below(1u << 30) * 1.5707963267948966;
@@ -190,8 +189,9 @@ bool DefineSineBeatBurst(RandomValues& random, CWaveDef& def) {
   set.SetRestTime(static_cast<int>(random.Below(200)) / def.GetFsamp());
   const unsigned int rise = random.Below(4);
   const unsigned int fall = random.Below(4);
-  set.SetEdging(random.OneIn(2), rise, fall,
-                static_cast<CWaveDefSineBeatBurst::WINDOW_TYPE>(random.Below(3)));
+  const bool edging = random.OneIn(2);  // one call at a time: arguments have no order
+  const auto window = static_cast<CWaveDefSineBeatBurst::WINDOW_TYPE>(random.Below(3));
+  set.SetEdging(edging, rise, fall, window);
   return def.SetDefSineBeatBurst(set);
 }
 

@@ -18,7 +18,12 @@ inline wave_def::CWaveDefTolUserDef RandomUserLevels(RandomValues* random) {
   tol.SetTolRightU(level());
   tol.SetTolRightL(level());
   tol.SetTolRearA(level());
-  tol.SetTolPulsParam(random->OneIn(2), level(), level(), level(), level());
+  const bool set = random->OneIn(2);  // one call at a time: arguments have no order
+  const double begU = level();
+  const double begL = level();
+  const double endU = level();
+  const double endL = level();
+  tol.SetTolPulsParam(set, begU, begL, endU, endL);
   return tol;
 }
 

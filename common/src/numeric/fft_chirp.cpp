@@ -54,7 +54,7 @@ ChirpFft::ChirpFft(uint64 n, uint64 lines)
   filterRe_ = filterRe;
   filterIm_ = filterIm;
 
-  const auto scratch = std::make_unique_for_overwrite<double[]>(2 * M);
+  const auto scratch = std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(2 * M));
   const RootTable roots(2 * n, 1);
   const double scale = 1.0 / static_cast<double>(M);
   const Split wrapped =

@@ -198,14 +198,14 @@ void RunPassOf(InstructionSet set, const Pass& p, const Source& x, const Target&
 
 // ---- Passes of any odd radix -------------------------------------------------------------------
 
-constexpr uint64 kLanes = 8;
+constexpr std::size_t kLanes = 8;
 using Lanes = std::array<double, kLanes>;
 using OddValues = std::array<Lanes, kLargestRadix>;
 
 /// Replaces values r and radix - r by their sum and their difference.
-QARV_LANES_INLINE void SumAndDifference(uint64 radix, OddValues& a) {
-  for (uint64 r = 1; r <= radix / 2; ++r) {
-    for (uint64 l = 0; l < kLanes; ++l) {
+QARV_LANES_INLINE void SumAndDifference(std::size_t radix, OddValues& a) {
+  for (std::size_t r = 1; r <= radix / 2; ++r) {
+    for (std::size_t l = 0; l < kLanes; ++l) {
       const double sum = a[r][l] + a[radix - r][l];
       a[radix - r][l] = a[r][l] - a[radix - r][l];
       a[r][l] = sum;
@@ -215,17 +215,17 @@ QARV_LANES_INLINE void SumAndDifference(uint64 radix, OddValues& a) {
 
 /// The sums that make the values q and radix - q of a butterfly: sum of cos (a[r] + a[radix - r])
 /// and of sin (a[r] - a[radix - r]).
-QARV_LANES_INLINE void OddSums(uint64 radix, uint64 q, const double* roots, const OddValues& a,
-                               Lanes& even, Lanes& odd) {
+QARV_LANES_INLINE void OddSums(std::size_t radix, std::size_t q, const double* roots,
+                               const OddValues& a, Lanes& even, Lanes& odd) {
   even = a[0];
   odd = {};
-  uint64 at = 0;  // r q modulo radix
-  for (uint64 r = 1; r <= radix / 2; ++r) {
+  std::size_t at = 0;  // r q modulo radix
+  for (std::size_t r = 1; r <= radix / 2; ++r) {
     at += q;
     if (at >= radix) at -= radix;
     const double c = roots[at];
     const double s = roots[radix + at];
-    for (uint64 l = 0; l < kLanes; ++l) {
+    for (std::size_t l = 0; l < kLanes; ++l) {
       even[l] += c * a[r][l];
       odd[l] += s * a[radix - r][l];
     }
@@ -234,21 +234,21 @@ QARV_LANES_INLINE void OddSums(uint64 radix, uint64 q, const double* roots, cons
 
 /// kLanes butterflies at a time; their results go out one by one, since rows may be short.
 QARV_LANES_INLINE void OddPass(const Pass& p, const Source& x, const Target& y) {
-  const uint64 radix = p.radix;
-  const uint64 stride = p.stride;
-  const uint64 d = stride * p.m;
-  const uint64 outStep = y.im == nullptr ? 2 : 1;
+  const auto radix = static_cast<std::size_t>(p.radix);
+  const auto stride = static_cast<std::size_t>(p.stride);
+  const std::size_t d = stride * static_cast<std::size_t>(p.m);
+  const std::size_t outStep = y.im == nullptr ? 2 : 1;
   double* const outRe = y.im == nullptr ? y.re + 1 : y.re;
   double* const outIm = y.im == nullptr ? y.re : y.im;
   OddValues re{};
   OddValues im{};
-  std::array<uint64, kLanes> row{};  // k
-  std::array<uint64, kLanes> out{};  // place of the value q = 0
-  uint64 k = 0;
-  uint64 base = 0;
-  for (uint64 i = 0; i < d; i += kLanes) {
-    const uint64 lanes = std::min(kLanes, d - i);
-    for (uint64 l = 0; l < lanes; ++l) {
+  std::array<std::size_t, kLanes> row{};  // k
+  std::array<std::size_t, kLanes> out{};  // place of the value q = 0
+  std::size_t k = 0;
+  std::size_t base = 0;
+  for (std::size_t i = 0; i < d; i += kLanes) {
+    const std::size_t lanes = std::min(kLanes, d - i);
+    for (std::size_t l = 0; l < lanes; ++l) {
       row[l] = k;
       out[l] = base + k;
       if (++k == stride) {
@@ -256,9 +256,9 @@ QARV_LANES_INLINE void OddPass(const Pass& p, const Source& x, const Target& y) 
         base += stride * radix;
       }
     }
-    for (uint64 r = 0; r < radix; ++r) {
+    for (std::size_t r = 0; r < radix; ++r) {
       const double* const w = p.twiddle + (r == 0 ? 0 : 2 * (r - 1) * stride);
-      for (uint64 l = 0; l < lanes; ++l) {
+      for (std::size_t l = 0; l < lanes; ++l) {
         const uint64 at = (i + l + r * d) * x.step;
         Complex z{x.re[at], x.im[at]};
         if (r != 0 && stride != 1) z = z * Complex{w[row[l]], w[stride + row[l]]};
@@ -268,24 +268,24 @@ QARV_LANES_INLINE void OddPass(const Pass& p, const Source& x, const Target& y) 
     }
     SumAndDifference(radix, re);
     SumAndDifference(radix, im);
-    const auto put = [&](uint64 q, uint64 l, double zr, double zi) QARV_LANES {
+    const auto put = [&](std::size_t q, std::size_t l, double zr, double zi) QARV_LANES {
       outRe[(out[l] + q * stride) * outStep] = zr;
       outIm[(out[l] + q * stride) * outStep] = zi;
     };
     Lanes sumRe = re[0];
     Lanes sumIm = im[0];
-    for (uint64 r = 1; r <= radix / 2; ++r) {
-      for (uint64 l = 0; l < kLanes; ++l) {
+    for (std::size_t r = 1; r <= radix / 2; ++r) {
+      for (std::size_t l = 0; l < kLanes; ++l) {
         sumRe[l] += re[r][l];
         sumIm[l] += im[r][l];
       }
     }
-    for (uint64 l = 0; l < lanes; ++l) put(0, l, sumRe[l], sumIm[l]);
-    for (uint64 q = 1; q <= radix / 2; ++q) {
+    for (std::size_t l = 0; l < lanes; ++l) put(0, l, sumRe[l], sumIm[l]);
+    for (std::size_t q = 1; q <= radix / 2; ++q) {
       Lanes evenRe, oddRe, evenIm, oddIm;
       OddSums(radix, q, p.roots, re, evenRe, oddRe);
       OddSums(radix, q, p.roots, im, evenIm, oddIm);
-      for (uint64 l = 0; l < lanes; ++l) {
+      for (std::size_t l = 0; l < lanes; ++l) {
         put(q, l, evenRe[l] - oddIm[l], evenIm[l] + oddRe[l]);
         put(radix - q, l, evenRe[l] + oddIm[l], evenIm[l] - oddRe[l]);
       }

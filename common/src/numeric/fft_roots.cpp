@@ -41,10 +41,10 @@ namespace {
 
 /// The first `count` of the n-th roots, conjugated.
 std::vector<Complex> FirstRoots(uint64 count, uint64 n) {
-  std::vector<Complex> roots(count);
+  std::vector<Complex> roots(static_cast<std::size_t>(count));
   for (uint64 k = 0; k < count; ++k) {
     const Complex root = UnitRoot(k, n);
-    roots[k] = {root.re, -root.im};
+    roots.data()[k] = {root.re, -root.im};
   }
   return roots;
 }
@@ -52,15 +52,15 @@ std::vector<Complex> FirstRoots(uint64 count, uint64 n) {
 /// All n-th roots, conjugated; n a multiple of 8, so that those of one octant show the others.
 std::vector<Complex> MirroredRoots(uint64 n) {
   std::vector<Complex> roots = FirstRoots(n / 8 + 1, n);
-  roots.resize(n);
+  roots.resize(static_cast<std::size_t>(n));
   const uint64 quarter = n / 4;
   for (uint64 k = n / 8 + 1; k <= quarter; ++k) {
-    const Complex root = roots[quarter - k];
-    roots[k] = {-root.im, -root.re};
+    const Complex root = roots.data()[quarter - k];
+    roots.data()[k] = {-root.im, -root.re};
   }
   for (uint64 k = quarter + 1; k < n; ++k) {
-    const Complex root = roots[k - quarter];
-    roots[k] = {root.im, -root.re};
+    const Complex root = roots.data()[k - quarter];
+    roots.data()[k] = {root.im, -root.re};
   }
   return roots;
 }
@@ -76,27 +76,27 @@ RootTable::RootTable(uint64 n, uint64 widest) : block_(8) {
   if (n % (8 * block_) == 0) {
     coarse_ = MirroredRoots(count);
   } else {
-    coarse_.resize(count);
+    coarse_.resize(static_cast<std::size_t>(count));
     for (uint64 k = 0; k < count; ++k) {
       const Complex root = UnitRoot(k * block_, n);
-      coarse_[k] = {root.re, -root.im};
+      coarse_.data()[k] = {root.re, -root.im};
     }
   }
-  rowRe_.resize(block_);
-  rowIm_.resize(block_);
+  rowRe_.resize(static_cast<std::size_t>(block_));
+  rowIm_.resize(static_cast<std::size_t>(block_));
 }
 
 void RootTable::FillRow(InstructionSet set, uint64 step, uint64 count, double* re, double* im) {
   const uint64 block = std::min(block_, count);
   for (uint64 f = 0; f < block; ++f) {
-    rowRe_[f] = fine_[f * step].re;
-    rowIm_[f] = fine_[f * step].im;
+    rowRe_.data()[f] = fine_.data()[f * step].re;
+    rowIm_.data()[f] = fine_.data()[f * step].im;
   }
   RunWith(set, [&]() QARV_LANES {
     const double* const fineRe = rowRe_.data();
     const double* const fineIm = rowIm_.data();
     for (uint64 first = 0; first < count; first += block_) {
-      const Complex coarse = coarse_[first / block_ * step];
+      const Complex coarse = coarse_.data()[first / block_ * step];
       const uint64 size = std::min(block_, count - first);
       QARV_INDEPENDENT
       for (uint64 f = 0; f < size; ++f) {

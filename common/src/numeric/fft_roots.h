@@ -28,7 +28,9 @@ class RootTable {
   RootTable(uint64 n, uint64 widest);
 
   /// The root of index k, 0 <= k < n.
-  Complex operator()(uint64 k) const { return coarse_[k / block_] * fine_[k % block_]; }
+  Complex operator()(uint64 k) const {
+    return coarse_.data()[k / block_] * fine_.data()[k % block_];
+  }
 
   /// The roots of the indices 0, step, 2 step, ... below n.
   /// @param[out] re,im  `count` values each

@@ -13,7 +13,8 @@ namespace qarv::common {
 class FftTable {
  public:
   FftTable() = default;
-  explicit FftTable(uint64 size) : memory_(std::make_unique_for_overwrite<double[]>(size + kLine)) {
+  explicit FftTable(uint64 size)
+      : memory_(std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(size + kLine))) {
     const auto address = reinterpret_cast<std::uintptr_t>(memory_.get()) / sizeof(double);
     begin_ = memory_.get() + (kLine - address % kLine) % kLine;
   }

@@ -35,7 +35,7 @@ template <class Transform>
 bool WithWork(uint64 n, double* work, Transform transform) {
   const FftPlan plan(n);
   if (plan.GetWorkSize() <= n) return transform(plan, work);
-  std::vector<double> larger(plan.GetWorkSize());
+  std::vector<double> larger(static_cast<std::size_t>(plan.GetWorkSize()));
   return transform(plan, larger.data());
 }
 
