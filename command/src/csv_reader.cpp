@@ -92,16 +92,20 @@ MeasuredCsv ReadCsv(InputFile in) {
       FailAtLine(file, line, "has more than a time and a value");
     if (numbers.size() != width) FailAtLine(file, line, "has another number of columns");
     values.push_back(width == 1 ? numbers.front() : numbers[1]);
-    if (width > 1) {
-      times.push_back(numbers.front());
-      lines.push_back(line);
-    }
+    lines.push_back(line);
+    if (width > 1) times.push_back(numbers.front());
   }
   if (line == 0) Fail(file, "is empty");
   if (values.empty()) Fail(file, "has no samples");
   MeasuredCsv out{file, {}, std::move(times), std::move(lines)};
   out.values.SetData(values.size(), values.data(), false);
   return out;
+}
+
+void RequireNumbers(const MeasuredCsv& csv) {
+  for (uint64 i = 0; i < csv.values.GetSize(); ++i) {
+    if (!std::isfinite(csv.values[i])) FailAtLine(csv.file, csv.lines[i], "the value is no number");
+  }
 }
 
 double SampleRateOf(const MeasuredCsv& csv) {

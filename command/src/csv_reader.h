@@ -15,7 +15,7 @@ struct MeasuredCsv {
   std::string file;
   common::CDataArrayFloatT<double> values;  // [amplitude unit]
   std::vector<double> times;                // [s] as many, or none in a file of values only
-  std::vector<common::uint64> lines;        // where each time stands
+  std::vector<common::uint64> lines;        // where each value stands
 };
 
 /// Reads a file of one column (value) or two (time, value), or one that WriteWaveCsv has written,
@@ -23,6 +23,9 @@ struct MeasuredCsv {
 /// latter two a comma may be the decimal sign.  The first line may be a header; empty lines are
 /// passed over. Ends the command where the file cannot be read or a line is not of that form.
 MeasuredCsv ReadCsv(InputFile in);
+
+/// Ends the command, with its line, where a value is NaN or infinite.
+void RequireNumbers(const MeasuredCsv& csv);
 
 /// The sampling frequency of the time column [Hz], from its mean step.
 /// Ends the command where there are no times or a step differs from the mean by more than 0.1 %.

@@ -1,6 +1,9 @@
 // The waveform of a file, whatever kind of file it is.
 #include "input_wave.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <cmath>
 #include <string_view>
 #include <utility>
@@ -58,6 +61,7 @@ InputWave LoadSamples(Kind kind, InputFile in, std::optional<double> fsamp) {
   if (fsamp && !(*fsamp > 0.0 && std::isfinite(*fsamp))) {
     Fail("--fsamp", "is not above 0");
   }
+  RequireNumbers(csv);
   const double rate = fsamp ? *fsamp : SampleRateOf(csv);
   return {std::move(csv.values), rate, "", csv.times.empty() ? 0.0 : csv.times.front(), ""};
 }
@@ -66,6 +70,13 @@ InputWave LoadSamples(Kind kind, InputFile in, std::optional<double> fsamp) {
 
 InputWave InputWaveOf(const wave_def::CWaveDef& def) {
   return {def.GetWave(), SampleRateOf(def), def.GetUnitAmpl().GetText(), 0.0, TitleOf(def)};
+}
+
+void RequireNumbers(const InputWave& wave, const std::string& file) {
+  const auto isNumber = [](double v) { return std::isfinite(v); };
+  const auto* const odd = std::find_if_not(wave.samples.begin(), wave.samples.end(), isNumber);
+  if (odd == wave.samples.end()) return;
+  Fail(file, fmt::format("sample {} is no number", odd - wave.samples.begin()));
 }
 
 wave_def::CWaveDef LoadDefinitionOrRecord(InputFile file) {

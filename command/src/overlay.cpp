@@ -108,9 +108,7 @@ Match MatchOf(const CWaveDef& def, const GridRecord& record, std::span<const dou
 GridRecord OnGridOf(const CWaveDef& def, const InputWave& measured, const std::string& file) {
   constexpr double kLongest = 1e9;  // [sample] that are worth an attempt
   const auto record = SpanOf(measured.samples);
-  if (!std::all_of(record.begin(), record.end(), [](double v) { return std::isfinite(v); })) {
-    Fail(file, "has samples that are no numbers");
-  }
+  RequireNumbers(measured, file);
   const double fsamp = SampleRateOf(def);
   const double ratio = measured.fsamp / fsamp;
   const double end = static_cast<double>(record.size() - 1) / ratio;

@@ -201,6 +201,7 @@ std::optional<Spectrum> SpectrumOf(const wave_def::CWaveDef& def, const std::str
 
 void Srs(const SrsOptions& options) {
   const InputWave wave = LoadInputWave(options.input, options.fsamp);
+  RequireNumbers(wave, options.input);
   OutputFiles files;
   const Spectrum spectrum = SpectrumOf(options, wave);
   if (!options.csv.empty()) WriteSpectrumCsv(spectrum, files.Reserve(options.csv));

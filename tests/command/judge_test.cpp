@@ -180,7 +180,7 @@ TEST_F(JudgeCommand, RefusesWhatCannotBeJudged) {
   ExpectRefused({shock, Record(12800, 0.012, [](double t) { return HalfSine(t - 0.003, 50); })},
                 "does not hold the whole pulse");
   ExpectRefused({shock, Record(12800, 0.1, [](double t) { return t > 0.05 ? NAN : 1.0; })},
-                "no numbers");
+                ":642: the value is no number");
   ExpectRefused({shock, folder / "none.csv"}, "none.csv");
   ExpectRefused({folder / "none.json", OwnWave(shock)}, "none.json");
 }

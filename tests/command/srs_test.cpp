@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 #include <sstream>
 
 #include "run_command.h"
@@ -81,6 +82,27 @@ TEST(SrsCommand, ConvertsDisplacementsAndVelocities) {
   const double g = largest("acceleration");  // undamped: w^2 times the displacement
   EXPECT_NEAR(largest("displacement"), g * 9.80665 / (w * w) * 1000, 0.01);
   EXPECT_NEAR(largest("pseudo-velocity"), g * 9.80665 / w, 1e-3);
+}
+
+TEST(SrsCommand, RefusesWhatIsNoNumberWithItsPlace) {
+  const TempFolder folder;
+  const auto refusal = [&](const std::string& samples) {
+    WriteText(folder / "in.csv", samples);
+    const auto result = RunCommand({"srs", folder / "in.csv", "--csv", folder / "out.csv"});
+    EXPECT_EQ(result.code, 2);
+    EXPECT_FALSE(std::filesystem::exists(folder / "out.csv"));
+    return result.err;
+  };
+  EXPECT_NE(refusal("time,v\n0,1\n\n0.001,nan\n0.002,1\n").find("in.csv:4: the value is no number"),
+            std::string::npos);
+  EXPECT_NE(refusal("0,1\n0.001,2\n0.002,-inf\n").find("in.csv:3: the value is no number"),
+            std::string::npos);
+  // A definition may have such samples, and its spectrum is none.
+  WriteText(folder / "def.json",
+            R"({"Fsamp": 1000, "Single": {"Period": 0.1, "PeakLevel": "nan", "Nsamp": 100}})");
+  const auto result = RunCommand({"srs", folder / "def.json"});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_NE(result.err.find("sample 0 is no number"), std::string::npos) << result.err;
 }
 
 TEST(SrsCommand, DrawsFourWayAxes) {
