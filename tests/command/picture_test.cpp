@@ -4,13 +4,13 @@
 
 #include <cstdlib>
 #include <optional>
-#include <regex>
 #include <sstream>
 
 #include "definition.h"
 #include "plot.h"
 #include "run_command.h"
 #include "text.h"
+#include "text_search.h"
 #include "title.h"
 
 namespace qarv::test {
@@ -186,13 +186,17 @@ TEST(TitleOf, SaysWhatAWaveformOfEveryFamilyIs) {
     EXPECT_EQ(command::TitleOf(command::LoadDefinition(kDefinitions + name + ".json")), title);
   }
   // With the peak of what comes out.
-  const auto matches = [](const char* name, const char* pattern) {
+  const auto matches = [](const char* name, const std::string& before, const std::string& after) {
     const auto title = command::TitleOf(command::LoadDefinition(kDefinitions + name + ".json"));
-    EXPECT_TRUE(std::regex_match(title, std::regex(pattern))) << title;
+    EXPECT_TRUE(title.starts_with(before) && title.ends_with(after)) << title;
+    const std::string peak =
+        title.substr(before.size(), title.size() - before.size() - after.size());
+    EXPECT_EQ(peak.find_first_not_of("0123456789."), std::string::npos) << title;
+    EXPECT_GT(std::stod(peak), 0.0) << title;
   };
-  matches("damped_sine", R"(3 damped sines, peak [0-9.]+ g, 60 to 400 Hz)");
-  matches("wavelet", R"(3 wavelets, peak [0-9.]+ g, 40 to 250 Hz)");
-  matches("measured", R"(measured waveform, peak [0-9.]+ g, 102.4 ms)");
+  matches("damped_sine", "3 damped sines, peak ", " g, 60 to 400 Hz");
+  matches("wavelet", "3 wavelets, peak ", " g, 40 to 250 Hz");
+  matches("measured", "measured waveform, peak ", " g, 102.4 ms");
   EXPECT_EQ(command::TitleOf({}), "no waveform");
 }
 
@@ -308,10 +312,9 @@ TEST_F(Pictures, SpectraShowThePrimaryResponseOnTheMaximax) {
     return svg.substr(at, svg.find("gnuplot_plot_" + std::to_string(i + 1), at) - at);
   };
   const auto width = [](const std::string& group) {
-    const std::regex pattern(R"(stroke-width="([0-9.]+)\")");
     double widest = 0.0;
-    for (std::sregex_iterator it(group.begin(), group.end(), pattern), end; it != end; ++it) {
-      widest = std::max(widest, std::stod((*it)[1]));
+    for (const std::string& text : TextsAfter(group, "stroke-width=\"", "\"")) {
+      widest = std::max(widest, std::stod(text));
     }
     return widest;
   };
