@@ -598,18 +598,10 @@ TEST(Compensation, LooksAtTheSideOfTheDisplacementWhateverTheSamplingFrequencyIs
 
 // ---- Failures ----------------------------------------------------------------------------------
 
+/// The same in a longer pulse and a frame that has room for it.
 Def Everyday(int type) {
-  Def set;
-  set.SetWaveKind(wave_def_sub::HALF_SINE);
-  set.SetMainAmpl(50);
+  Def set = HalfSine20(type, 1024);
   set.SetMainWidth(0.032);
-  set.SetFmax(1000 / 2.56);
-  set.SetNsamp(1024);
-  set.SetTolKind(Def::TOL_FIXED_4);
-  set.SetAddCmp(true);
-  set.SetCmpType(static_cast<Def::COMP_TYPE>(type));
-  set.SetCmpPre(1);
-  set.SetCmpPost(1);
   return set;
 }
 

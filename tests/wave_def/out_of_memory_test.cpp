@@ -7,6 +7,7 @@
 #include <typeinfo>
 #include <vector>
 
+#include "expect_undefined.h"
 #include "throwing_new.h"
 #include "value_semantics.h"
 #include "wave_def/wave_def.h"
@@ -16,6 +17,7 @@ namespace {
 using namespace qarv;
 using namespace qarv::wave_def;
 using common::uint64;
+using test::ExpectUndefined;
 using test::Starved;
 
 const std::string kLongText(100, 'x');  // more than a string holds without memory of its own
@@ -134,17 +136,8 @@ CWaveDef Before() {
 
 /// No definition is left: neither a type, nor any family's set, nor samples.
 void ExpectDropped(const CWaveDef& def) {
-  EXPECT_EQ(def.GetWaveType(), CWaveDef::WAVE_TYPE_NONE);
-  EXPECT_TRUE(def.GetDefClassical() == CWaveDefClassical{});
-  EXPECT_TRUE(def.GetDefSymmetry() == CWaveDefSymmetry{});
-  EXPECT_TRUE(def.GetDefSineBeatBurst() == CWaveDefSineBeatBurst{});
-  EXPECT_TRUE(def.GetDefMeasure() == CWaveDefMeasure{});
-  EXPECT_TRUE(def.GetDefGradual() == CWaveDefGradual{});
-  EXPECT_TRUE(def.GetDefSingle() == CWaveDefSingle{});
-  EXPECT_TRUE(def.GetDefDamping() == CWaveDefDamping{});
+  ExpectUndefined(def);
   EXPECT_EQ(def.GetWave().GetSize(), 0U);
-  EXPECT_EQ(def.GetTolU().GetSize(), 0U);
-  EXPECT_EQ(def.GetTolL().GetSize(), 0U);
 }
 
 /// Runs `call` on a fresh `make()` with each of its allocations failing, once and from then on, and

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "expect_undefined.h"
 #include "value_semantics.h"
 
 namespace {
@@ -19,6 +20,7 @@ namespace {
 using namespace qarv;
 using namespace qarv::wave_def;
 using common::uint64;
+using test::ExpectUndefined;
 using Samples = common::CDataArrayFloatT<double>;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -40,19 +42,6 @@ CWaveDef Defined() {
   def.SetTolLowerRat(-0.25);
   EXPECT_TRUE(def.SetDefSingle(Single(100)));
   return def;
-}
-
-void ExpectUndefined(const CWaveDef& def) {
-  EXPECT_EQ(def.GetWaveType(), CWaveDef::WAVE_TYPE_NONE);
-  EXPECT_TRUE(def.GetDefClassical() == CWaveDefClassical{});
-  EXPECT_TRUE(def.GetDefSymmetry() == CWaveDefSymmetry{});
-  EXPECT_TRUE(def.GetDefSineBeatBurst() == CWaveDefSineBeatBurst{});
-  EXPECT_TRUE(def.GetDefMeasure() == CWaveDefMeasure{});
-  EXPECT_TRUE(def.GetDefGradual() == CWaveDefGradual{});
-  EXPECT_TRUE(def.GetDefSingle() == CWaveDefSingle{});
-  EXPECT_TRUE(def.GetDefDamping() == CWaveDefDamping{});
-  EXPECT_EQ(def.GetTolU().GetSize(), 0U);
-  EXPECT_EQ(def.GetTolL().GetSize(), 0U);
 }
 
 std::vector<double> Values(const Samples& samples) { return {samples.begin(), samples.end()}; }

@@ -10,9 +10,17 @@
 namespace qarv::common::elementary {
 namespace {
 
-/// y 2^n, rounded once, where that is subnormal or close to it.
+/// e^x, |x| < 1000, as two doubles, of which the first is their sum rounded; scaled by 2^-n.
+TwoDouble PowerOf(double x, int* n) {
+  const ReducedPower power = ReducePower(x);
+  const auto k = static_cast<int>(static_cast<int64>(power.biased) - 256 * 1023);
+  *n = (k - (k & 255)) / 256;
+  const TwoDouble y = PowerOfReduced(power.biased & 255, power.r);
+  return FastTwoSum(y.high, y.low);
+}
+
+/// y 2^n, rounded once, where that is subnormal or close to it; y as PowerOf gives it.
 double ScaleDown(TwoDouble y, int n) {
-  y = FastTwoSum(y.high, y.low);
   const double quantum = std::ldexp(1.0, -1074 - n);  // of the result, before it is scaled
   const double shift = quantum * 0x1.8p52;
   if (quantum < 0x1p-52) return std::ldexp(y.high, n);  // every bit stays
@@ -44,22 +52,11 @@ struct Power {
     if (std::isnan(x)) return std::numeric_limits<double>::quiet_NaN();
     if (x > 710.0) return std::numeric_limits<double>::infinity();
     if (x < -746.0) return 0.0;
-    const ReducedPower power = ReducePower(x);
-    const TwoDouble y = PowerOfReduced(power.biased & 255, power.r);
-    const auto k = static_cast<int>(static_cast<int64>(power.biased) - 256 * 1023);
-    const int n = (k - (k & 255)) / 256;
-    return x > 0.0 ? std::ldexp(y.high + y.low, n) : ScaleDown(y, n);
+    int n = 0;
+    const TwoDouble y = PowerOf(x, &n);
+    return x > 0.0 ? std::ldexp(y.high, n) : ScaleDown(y, n);
   }
 };
-
-/// e^x as two doubles, for |x| below the bounds of the loops; scaled by 2^-n.
-TwoDouble PowerOf(double x, int* n) {
-  const ReducedPower power = ReducePower(x);
-  const auto k = static_cast<int>(static_cast<int64>(power.biased) - 256 * 1023);
-  *n = (k - (k & 255)) / 256;
-  const TwoDouble y = PowerOfReduced(power.biased & 255, power.r);
-  return FastTwoSum(y.high, y.low);
-}
 
 /// log(1 + f) for |f| < 2^-6: its series, the first two terms with their remainders.
 double LogNearOne(double f) {
