@@ -25,9 +25,12 @@
 #include "report.h"
 #include "rules/rules.h"
 #include "srs.h"
+#include "text/text.h"
 #include "title.h"
 
 namespace qarv::command {
+
+using text::OneLine;
 
 namespace fs = std::filesystem;
 using wave_def::CWaveDef;

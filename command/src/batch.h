@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "text.h"
+#include "command_error.h"
 
 namespace qarv::command {
 

@@ -8,8 +8,11 @@
 #include "definition.h"
 #include "output_files.h"
 #include "rules/rules.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::OneLine;
 
 ExitCode Check(const CheckOptions& options) {
   const Definition definition = ReadDefinition(options.definition);

@@ -6,12 +6,12 @@
 
 #include "batch.h"
 #include "check.h"
+#include "command_error.h"
 #include "generate.h"
 #include "judge.h"
 #include "report.h"
 #include "show.h"
 #include "srs.h"
-#include "text.h"
 
 namespace qarv::command {
 

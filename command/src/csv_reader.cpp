@@ -7,10 +7,15 @@
 #include <cmath>
 #include <utility>
 
+#include "command_error.h"
 #include "csv_writer.h"
-#include "text.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::kByteOrderMark;
+using text::ParseNumber;
+using text::Trimmed;
 
 using common::uint64;
 

@@ -7,8 +7,12 @@
 
 #include "definition.h"
 #include "output_files.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::NumberText;
+using text::Plain;
 
 using common::uint64;
 

@@ -10,8 +10,11 @@
 
 #include "com_def/com_def_system_const.h"
 #include "rules/rules.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::OneLine;
 
 using wave_def::CWaveDef;
 

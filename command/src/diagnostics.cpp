@@ -8,9 +8,12 @@
 #include <array>
 #include <cstdio>
 
-#include "text.h"
+#include "command_error.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::OneLine;
 
 void FillStandardStreams() {
   // Deliberate: opened the wrong way round, so that whoever reads or writes them is told.

@@ -3,7 +3,11 @@
 
 #include <fmt/format.h>
 
+#include "text/text.h"
+
 namespace qarv::command {
+
+using text::Plain;
 
 Json ShownValue(const Entry& entry) {
   if (entry.value.is_number_float()) return Plain(entry.value.get<double>());

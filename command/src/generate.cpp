@@ -19,8 +19,11 @@
 #include "plot.h"
 #include "record_file.h"
 #include "rules/rules.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::Plain;
 
 using common::uint64;
 using wave_def::CWaveDef;

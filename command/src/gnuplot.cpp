@@ -17,12 +17,17 @@
 #include <string_view>
 #include <vector>
 
+#include "command_error.h"
 #include "file_name.h"
 #include "interruption.h"
 #include "output_files.h"
-#include "text.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::OneLine;
+using text::ShownText;
+using text::Trimmed;
 
 PlotFormat PlotFormatOf(const std::string& file) {
   const std::string extension = ExtensionOf(file);

@@ -3,9 +3,12 @@
 
 #include <fmt/format.h>
 
-#include "text.h"
+#include "command_error.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::ShownText;
 
 std::string HtmlText(const std::string& text) {
   std::string out;

@@ -10,7 +10,7 @@
 #include <cstring>
 #include <set>
 
-#include "text.h"
+#include "command_error.h"
 
 namespace qarv::command {
 

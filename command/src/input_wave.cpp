@@ -12,9 +12,13 @@
 #include "definition.h"
 #include "export/uff.h"
 #include "record_file.h"
+#include "text/text.h"
 #include "title.h"
 
 namespace qarv::command {
+
+using text::kByteOrderMark;
+using text::Trimmed;
 
 namespace {
 

@@ -9,8 +9,12 @@
 #include <limits>
 
 #include "common/numeric/index_conv.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::NumberText;
+using text::ParseNumber;
 
 using common::CUnitCtrl;
 using common::uint64;

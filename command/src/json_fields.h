@@ -11,9 +11,9 @@
 #include <utility>
 #include <vector>
 
+#include "command_error.h"
 #include "common/int_types.h"
 #include "common/unit/unit_ctrl.h"
-#include "text.h"
 
 namespace qarv::command {
 

@@ -22,9 +22,12 @@
 #include "overlay.h"
 #include "plot.h"
 #include "rules/rule_table.h"
+#include "text/text.h"
 #include "title.h"
 
 namespace qarv::command {
+
+using text::OneLine;
 
 using analysis::Verdict;
 using wave_def::CWaveDef;

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "text.h"
+#include "command_error.h"
 
 namespace qarv::command {
 

@@ -4,11 +4,12 @@
 #include <csignal>
 #include <new>
 
+#include "command_error.h"
 #include "command_line.h"
 #include "diagnostics.h"
 #include "interruption.h"
 #include "output_files.h"
-#include "text.h"
+#include "text/text.h"
 
 namespace {
 
@@ -24,7 +25,7 @@ int Run(int argc, char** argv) {
     Print("");
     return code;
   } catch (const CLI::ParseError& e) {
-    throw CommandError(kBadInput, OneLine(e.what()));
+    throw CommandError(kBadInput, qarv::text::OneLine(e.what()));
   }
   return line.job();
 }
@@ -45,7 +46,7 @@ int main(int argc, char** argv) {
   } catch (const std::bad_alloc&) {
     Diagnose("qarv-wave: out of memory\n");
   } catch (const std::exception& e) {
-    Diagnose(fmt::format("qarv-wave: {}\n", OneLine(e.what())));
+    Diagnose(fmt::format("qarv-wave: {}\n", qarv::text::OneLine(e.what())));
   }
   return kBadInput;
 }

@@ -11,9 +11,9 @@
 #include <filesystem>
 #include <system_error>
 
+#include "command_error.h"
 #include "diagnostics.h"
 #include "input_file.h"
-#include "text.h"
 
 namespace qarv::command {
 

@@ -4,10 +4,13 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include "command_error.h"
 #include "diagnostics.h"
-#include "text.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::OneLine;
 
 namespace {
 

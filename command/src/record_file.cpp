@@ -3,11 +3,14 @@
 
 #include <fmt/format.h>
 
+#include "command_error.h"
 #include "common/serial/serial_data.h"
 #include "output_files.h"
-#include "text.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::OneLine;
 
 void WriteRecord(wave_def::CWaveDef& def, const std::string& file) {
   common::CSerialData stream;

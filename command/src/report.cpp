@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "analysis/shock.h"
+#include "command_error.h"
 #include "definition.h"
 #include "entries.h"
 #include "html.h"
@@ -22,10 +23,12 @@
 #include "main_pulse.h"
 #include "plot.h"
 #include "srs.h"
-#include "text.h"
+#include "text/text.h"
 #include "title.h"
 
 namespace qarv::command {
+
+using text::Trimmed;
 
 using analysis::SampleAt;
 using wave_def::CWaveDef;

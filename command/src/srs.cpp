@@ -13,14 +13,17 @@
 #include <vector>
 
 #include "analysis/srs.h"
+#include "command_error.h"
 #include "diagnostics.h"
 #include "gnuplot.h"
 #include "kinematics.h"
 #include "output_files.h"
 #include "progress.h"
-#include "text.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::Plain;
 
 using analysis::SrsPoint;
 using analysis::SrsResponse;

@@ -6,10 +6,11 @@
 #include <optional>
 #include <sstream>
 
+#include "command_error.h"
 #include "definition.h"
 #include "plot.h"
 #include "run_command.h"
-#include "text.h"
+#include "text/text.h"
 #include "text_search.h"
 #include "title.h"
 
@@ -134,7 +135,7 @@ TEST_F(Pictures, AFailureOfGnuplotIsOneLineWithWhatItSays) {
 // ---------------------------------------------------------------------------------------
 
 TEST(ShownText, EscapesWhatIsNoTextAndKeepsTheRest) {
-  using command::ShownText;
+  using text::ShownText;
   EXPECT_EQ(ShownText("half-sine 50 g"), "half-sine 50 g");
   EXPECT_EQ(ShownText("\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"),
             "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
@@ -277,7 +278,7 @@ std::vector<double> NumbersIn(const std::vector<std::string>& texts) {
   std::vector<double> numbers;
   for (const std::string& text : texts) {
     double v = 0.0;
-    if (command::ParseNumber(text, &v)) numbers.push_back(v);
+    if (text::ParseNumber(text, &v)) numbers.push_back(v);
   }
   return numbers;
 }

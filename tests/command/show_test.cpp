@@ -6,10 +6,10 @@
 #include <bit>
 #include <random>
 
+#include "command_error.h"
 #include "definition.h"
 #include "record_file.h"
 #include "run_command.h"
-#include "text.h"
 
 namespace qarv::test {
 namespace {

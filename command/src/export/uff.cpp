@@ -11,12 +11,18 @@
 #include <iterator>
 #include <string_view>
 
+#include "command_error.h"
 #include "definition.h"
 #include "kinematics.h"
 #include "output_files.h"
-#include "text.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::OneLine;
+using text::ParseNumber;
+using text::Plain;
+using text::Trimmed;
 
 using common::uint64;
 using Samples = common::CDataArrayFloatT<double>;

@@ -8,9 +8,9 @@
 #include <limits>
 #include <memory>
 
+#include "command_error.h"
 #include "common/numeric/index_conv.h"
 #include "definition.h"
-#include "text.h"
 
 namespace qarv::command {
 

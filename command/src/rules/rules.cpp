@@ -12,8 +12,13 @@
 #include "family/sine_beat_burst.h"
 #include "family/symmetry.h"
 #include "rules/rule_table.h"
+#include "text/text.h"
 
 namespace qarv::command {
+
+using text::NumberText;
+using text::ParseNumber;
+using text::Plain;
 
 using common::FloorToIndex;
 using common::int64;

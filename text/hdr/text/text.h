@@ -1,27 +1,10 @@
-// Messages and numbers as text, and the one error type of the command.
+// Messages and numbers as text.
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
-namespace qarv::command {
-
-/// The exit codes of the command.
-enum ExitCode { kDone = 0, kRefused = 1, kBadInput = 2, kWarned = 3 };
-
-/// Ends the command with one line on standard error.
-class CommandError : public std::runtime_error {
- public:
-  CommandError(ExitCode code, const std::string& line) : std::runtime_error(line), code_(code) {}
-  ExitCode GetCode() const { return code_; }
-
- private:
-  ExitCode code_;
-};
-
-/// Ends the command because of an input or an output: "WHERE: what", as one line.
-[[noreturn]] void Fail(const std::string& where, const std::string& what);
+namespace qarv::text {
 
 /// What some programs begin a text of UTF-8 with.
 inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -47,4 +30,4 @@ std::string NumberText(double v);
 /// @return false, with `v` unchanged, if the text is not wholly one
 bool ParseNumber(const std::string& text, double* v);
 
-}  // namespace qarv::command
+}  // namespace qarv::text

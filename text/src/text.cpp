@@ -1,5 +1,5 @@
 // Messages and numbers as text.
-#include "text.h"
+#include "text/text.h"
 
 #include <fmt/format.h>
 
@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <limits>
 
-namespace qarv::command {
+namespace qarv::text {
 namespace {
 
 const std::uint64_t kUsualNaN =
@@ -48,10 +48,6 @@ std::size_t CharacterLength(std::string_view text) {
 std::string Escape(char c) { return fmt::format("\\x{:02x}", static_cast<unsigned char>(c)); }
 
 }  // namespace
-
-void Fail(const std::string& where, const std::string& what) {
-  throw CommandError(kBadInput, OneLine(fmt::format("{}: {}", where, what)));
-}
 
 std::string_view Trimmed(std::string_view text) {
   constexpr const char* kBlanks = " \t\r";
@@ -104,4 +100,4 @@ bool ParseNumber(const std::string& text, double* v) {
   return ParseWhole(rest, v);
 }
 
-}  // namespace qarv::command
+}  // namespace qarv::text
