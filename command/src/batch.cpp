@@ -13,23 +13,35 @@
 #include <optional>
 #include <vector>
 
+#include "assess/entries.h"
+#include "assess/report.h"
+#include "command_error.h"
 #include "csv_writer.h"
-#include "definition.h"
-#include "entries.h"
+#include "definition/check.h"
+#include "definition/title.h"
+#include "definition_file.h"
 #include "index_page.h"
 #include "input_wave.h"
 #include "output_files.h"
 #include "plot.h"
 #include "progress.h"
-#include "record_file.h"
 #include "report.h"
-#include "rules/rules.h"
 #include "srs.h"
 #include "text/text.h"
-#include "title.h"
 
 namespace qarv::command {
 
+using assess::AsText;
+using assess::Entries;
+using assess::Entry;
+using assess::ReportOf;
+using assess::Spectrum;
+using assess::ValueText;
+using definition::Definition;
+using definition::Findings;
+using definition::FindingText;
+using definition::HasFailure;
+using definition::TitleOf;
 using text::OneLine;
 
 namespace fs = std::filesystem;
@@ -111,7 +123,8 @@ bool WriteFilesOf(CWaveDef& def, const std::string& name, const std::string& fol
   WriteWaveCsv(def, files->Reserve(target(kSuffix.csv)));
   WriteRecord(def, files->Reserve(target(kSuffix.record)));
   // A measured waveform has its samples beside it.
-  WriteFile(files->Reserve(target(kSuffix.definition)), DefinitionText(def, name + kSuffix.csv));
+  WriteFile(files->Reserve(target(kSuffix.definition)),
+            ToJson(definition::DefinitionOf(def), name + kSuffix.csv));
   PlotDefinition(def, name, PlotFormat::Png, files->Reserve(target(kSuffix.plot)));
   const std::optional<Spectrum> spectrum = SpectrumOf(def, name);
   if (spectrum) {
@@ -144,7 +157,7 @@ Row RowOf(const fs::path& file, CWaveDef* def) {
       Fail(file.string(), "is not a regular file");
     }
     const Definition definition = ReadDefinition(file.string());
-    const Findings findings = Examine(definition, def);
+    const Findings findings = definition::Check(definition, def);
     if (HasFailure(findings)) {
       row.state = kRefused;
       row.remark = RefusalLine(definition, file.string(), FindingText(findings.front()));
@@ -213,9 +226,7 @@ std::string AsCsv(const std::vector<Row>& rows) {
     text += CsvCell(row.name);
     for (const Column& column : kColumns) {
       const Entry* const entry = Find(row, column.key);
-      const Json value = entry == nullptr ? Json("") : ShownValue(*entry);
-      const std::string cell = value.is_string() ? value.get<std::string>() : value.dump();
-      text += fmt::format(",{}", CsvCell(cell));
+      text += fmt::format(",{}", CsvCell(entry == nullptr ? "" : BareText(*entry)));
       if (column.hasUnit) text += fmt::format(",{}", CsvCell(entry == nullptr ? "" : entry->unit));
     }
     text += fmt::format(",{},{}\n", StateText(row.state), CsvCell(OneLine(row.remark)));

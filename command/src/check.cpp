@@ -5,22 +5,27 @@
 
 #include <cstdio>
 
-#include "definition.h"
+#include "definition/check.h"
+#include "definition_file.h"
 #include "output_files.h"
-#include "rules/rules.h"
 #include "text/text.h"
 
 namespace qarv::command {
 
+using definition::Definition;
+using definition::Finding;
+using definition::Findings;
+using definition::FindingText;
+using definition::HasFailure;
 using text::OneLine;
 
 ExitCode Check(const CheckOptions& options) {
   const Definition definition = ReadDefinition(options.definition);
-  wave_def::CWaveDef def;
-  const Findings findings = Examine(definition, &def);
+  const Findings findings = definition::Check(definition);
   std::string text;
   for (const Finding& finding : findings) {
-    text += fmt::format("{}: {}\n", finding.severity == Severity::Fails ? "fails" : "warning",
+    text += fmt::format("{}: {}\n",
+                        finding.severity == definition::Severity::Fails ? "fails" : "warning",
                         OneLine(FindingText(finding)));
   }
   if (findings.empty()) text = "clean\n";

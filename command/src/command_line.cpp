@@ -10,6 +10,7 @@
 
 namespace qarv::command {
 
+using assess::ResponseNames;
 namespace {
 
 // What a value is, for help, manual page and completion.
@@ -165,15 +166,17 @@ void CommandLine::AddSrs() {
           "definition (.json), measured samples (.csv, .uff) or record, - for standard input")
       ->required();
   AddFsamp(command, &srs.fsamp);
-  Add(command, "--response", &srs.response, ResponseNames("|"),
+  Add(command, "--response", &srs.settings.response, ResponseNames("|"),
       "absolute acceleration, relative displacement or pseudo velocity");
-  auto* const q = Add(command, "--q", &srs.q, kNumber, "quality factor (10)");
-  Add(command, "--damping", &srs.damping, kNumber, "damping ratio, instead of --q")->excludes(q);
-  Add(command, "--from", &srs.from, kHertz, "lowest natural frequency (5)");
-  Add(command, "--to", &srs.to, kHertz, "highest (a tenth of the sampling frequency)");
+  auto* const q = Add(command, "--q", &srs.settings.q, kNumber, "quality factor (10)");
+  Add(command, "--damping", &srs.settings.damping, kNumber, "damping ratio, instead of --q")
+      ->excludes(q);
+  Add(command, "--from", &srs.settings.from, kHertz, "lowest natural frequency (5)");
+  Add(command, "--to", &srs.settings.to, kHertz, "highest (a tenth of the sampling frequency)");
   auto* const perOctave =
-      Add(command, "--per-octave", &srs.perOctave, kNumber, "lines per octave (12)");
-  Add(command, "--points", &srs.points, kNumber, "number of lines, instead of --per-octave")
+      Add(command, "--per-octave", &srs.settings.perOctave, kNumber, "lines per octave (12)");
+  Add(command, "--points", &srs.settings.points, kNumber,
+      "number of lines, instead of --per-octave")
       ->excludes(perOctave);
   command->add_flag("--tripartite", srs.tripartite,
                     "pseudo velocity, with lines of displacement and acceleration in the plot");

@@ -5,12 +5,13 @@
 
 #include <iterator>
 
-#include "definition.h"
+#include "definition_file.h"
 #include "output_files.h"
 #include "text/text.h"
 
 namespace qarv::command {
 
+using definition::SampleRateOf;
 using text::NumberText;
 using text::Plain;
 

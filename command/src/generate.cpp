@@ -8,21 +8,28 @@
 #include <filesystem>
 
 #include "analysis/shock.h"
+#include "assess/motion.h"
 #include "csv_writer.h"
-#include "definition.h"
+#include "definition/check.h"
+#include "definition/main_pulse.h"
+#include "definition_file.h"
 #include "diagnostics.h"
 #include "export/npy.h"
 #include "export/uff.h"
 #include "export/wav.h"
-#include "kinematics.h"
 #include "output_files.h"
 #include "plot.h"
-#include "record_file.h"
-#include "rules/rules.h"
 #include "text/text.h"
 
 namespace qarv::command {
 
+using assess::Kinematics;
+using assess::KinematicsOf;
+using definition::FamilyOf;
+using definition::Finding;
+using definition::IsCompensated;
+using definition::SampleRateOf;
+using definition::SpanOf;
 using text::Plain;
 
 using common::uint64;
@@ -86,7 +93,7 @@ void Generate(const GenerateOptions& options) {
     PlotDefinition(def, name, format, files.Reserve(options.plot));
   }
   // Of a waveform that nobody wants.
-  for (const Finding& finding : FindingsOf(def)) Warn(options.definition, finding.text);
+  for (const Finding& finding : definition::CheckWave(def)) Warn(options.definition, finding.text);
   files.Commit(Summary(def));
 }
 

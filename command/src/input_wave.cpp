@@ -8,15 +8,18 @@
 #include <string_view>
 #include <utility>
 
+#include "command_error.h"
 #include "csv_reader.h"
-#include "definition.h"
+#include "definition/title.h"
+#include "definition_file.h"
 #include "export/uff.h"
-#include "record_file.h"
 #include "text/text.h"
-#include "title.h"
 
 namespace qarv::command {
 
+using definition::Definition;
+using definition::SampleRateOf;
+using definition::TitleOf;
 using text::kByteOrderMark;
 using text::Trimmed;
 
@@ -74,13 +77,6 @@ InputWave LoadSamples(Kind kind, InputFile in, std::optional<double> fsamp) {
 
 InputWave InputWaveOf(const wave_def::CWaveDef& def) {
   return {def.GetWave(), SampleRateOf(def), def.GetUnitAmpl().GetText(), 0.0, TitleOf(def)};
-}
-
-void RequireNumbers(const InputWave& wave, const std::string& file) {
-  const auto isNumber = [](double v) { return std::isfinite(v); };
-  const auto* const odd = std::find_if_not(wave.samples.begin(), wave.samples.end(), isNumber);
-  if (odd == wave.samples.end()) return;
-  Fail(file, fmt::format("sample {} is no number", odd - wave.samples.begin()));
 }
 
 wave_def::CWaveDef LoadDefinitionOrRecord(InputFile file) {

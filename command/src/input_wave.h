@@ -21,9 +21,6 @@ struct InputWave {
 /// The waveform of a definition, with what it is.
 InputWave InputWaveOf(const wave_def::CWaveDef& def);
 
-/// Ends the command, with the number of the sample, where one is NaN or infinite.
-void RequireNumbers(const InputWave& wave, const std::string& file);
-
 // Where the name of a file says nothing of its kind, as that of a stream, its first bytes do.
 
 /// Reads a definition (.json, {) or a record (anything else).

@@ -7,15 +7,23 @@
 #include <cmath>
 #include <iterator>
 
+#include "assess/motion.h"
 #include "common/numeric/index_conv.h"
-#include "definition.h"
-#include "kinematics.h"
-#include "main_pulse.h"
-#include "title.h"
+#include "definition/main_pulse.h"
+#include "definition/title.h"
+#include "definition_file.h"
 
 namespace qarv::command {
 
+using assess::Kinematics;
+using assess::KinematicsOf;
+using assess::MotionUnitsOf;
 using common::uint64;
+using definition::IsCompensated;
+using definition::MainPulse;
+using definition::MainPulseOf;
+using definition::SampleRateOf;
+using definition::TitleOf;
 using wave_def::CWaveDef;
 using Samples = common::CDataArrayFloatT<double>;
 

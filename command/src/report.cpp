@@ -13,21 +13,30 @@
 #include <vector>
 
 #include "analysis/shock.h"
+#include "assess/entries.h"
+#include "assess/motion.h"
+#include "assess/report.h"
 #include "command_error.h"
-#include "definition.h"
-#include "entries.h"
+#include "definition/main_pulse.h"
+#include "definition/title.h"
+#include "definition_file.h"
 #include "html.h"
 #include "input_file.h"
 #include "input_wave.h"
-#include "kinematics.h"
-#include "main_pulse.h"
 #include "plot.h"
 #include "srs.h"
 #include "text/text.h"
-#include "title.h"
 
 namespace qarv::command {
 
+using assess::AsJson;
+using assess::AsText;
+using assess::Entries;
+using assess::Entry;
+using assess::ReportOf;
+using assess::Spectrum;
+using assess::ValueText;
+using definition::TitleOf;
 using text::Trimmed;
 
 using analysis::SampleAt;
@@ -35,92 +44,6 @@ using wave_def::CWaveDef;
 using wave_def::CWaveDefClassical;
 
 namespace {
-
-/// Rate and units of a waveform.
-struct Scale {
-  double fsamp;
-  std::string unit;  // of the amplitude
-  MotionUnits motion;
-};
-
-Scale ScaleOf(const CWaveDef& def) {
-  const std::string unit = def.GetUnitAmpl().GetText();
-  return {SampleRateOf(def), unit, MotionUnitsOf(unit)};
-}
-
-void AddWave(const CWaveDef& def, const Scale& scale, Entries* out) {
-  const auto wave = SpanOf(def.GetWave());
-  const SampleAt peak = analysis::PeakOf(wave);
-  out->push_back({"family", "family", FamilyOf(def).title, ""});
-  out->push_back({"samples", "samples", def.GetNsamp(), ""});
-  const auto odd =
-      std::count_if(wave.begin(), wave.end(), [](double v) { return !std::isfinite(v); });
-  if (odd != 0) out->push_back({"no_numbers", "samples that are no numbers", odd, ""});
-  out->push_back({"sampling_frequency", "sampling frequency", WriteValue(scale.fsamp), "Hz"});
-  out->push_back(
-      {"duration", "duration", WriteValue(static_cast<double>(def.GetNsamp()) / scale.fsamp), "s"});
-  out->push_back({"peak", "peak", WriteValue(peak.value), scale.unit});
-  out->push_back({"peak_time", "time of the peak",
-                  WriteValue(static_cast<double>(peak.index) / scale.fsamp), "s"});
-  const auto margin = [&](const char* side, const SampleAt& least) {
-    const double percent = 100.0 * least.value / std::fabs(peak.value);
-    out->push_back({fmt::format("{}_margin", side),
-                    fmt::format("least margin to the {} band", side), WriteValue(percent),
-                    "% of the peak"});
-    out->push_back({fmt::format("{}_margin_time", side), "  at",
-                    WriteValue(static_cast<double>(least.index) / scale.fsamp), "s"});
-  };
-  margin("upper", analysis::MarginToUpper(wave, SpanOf(def.GetTolU())));
-  margin("lower", analysis::MarginToLower(wave, SpanOf(def.GetTolL())));
-}
-
-void AddMotion(const CWaveDef& def, const Scale& scale, Entries* out) {
-  const analysis::Motion motion = analysis::MotionOf(SpanOf(def.GetWave()), scale.fsamp);
-  const auto velocity = [&](const char* key, const char* label, double v) {
-    out->push_back({key, label, WriteValue(scale.motion.velocity * v), scale.motion.velocityUnit});
-  };
-  const auto displacement = [&](const char* key, const char* label, double v) {
-    out->push_back(
-        {key, label, WriteValue(scale.motion.displacement * v), scale.motion.displacementUnit});
-  };
-  velocity("peak_velocity", "peak velocity", motion.peakVelocity);
-  displacement("peak_displacement", "peak displacement", motion.peakDisplacement);
-  displacement("peak_to_peak_displacement", "peak-to-peak displacement",
-               motion.peakToPeakDisplacement);
-  velocity("residual_velocity", "velocity at the end", motion.residualVelocity);
-  displacement("residual_displacement", "displacement at the end", motion.residualDisplacement);
-}
-
-void AddClassical(const CWaveDef& def, const Scale& scale, Entries* out) {
-  const CWaveDefClassical& set = def.GetDefClassical();
-  const auto wave = SpanOf(def.GetWave());
-  const MainPulse pulse = MainPulseOf(def);
-  const double change =
-      scale.motion.velocity * analysis::VelocityChange(wave, scale.fsamp, pulse.first, pulse.last);
-  const double nominal = scale.motion.velocity * pulse.velocityChange;
-  out->push_back({"pulse_width", "pulse width at 10 % of the peak",
-                  WriteValue(analysis::WidthAtLevel(wave, 0.1) / scale.fsamp), "s"});
-  out->push_back({"velocity_change", "velocity change of the pulse", WriteValue(change),
-                  scale.motion.velocityUnit});
-  out->push_back(
-      {"velocity_change_nominal", "  nominal", WriteValue(nominal), scale.motion.velocityUnit});
-  out->push_back({"velocity_change_deviation", "  deviation",
-                  WriteValue(100.0 * (change / nominal - 1.0)), "%"});
-  out->push_back({"level_outside", "largest level outside the pulse",
-                  WriteValue(analysis::LargestOutside(wave, pulse.first, pulse.last).value),
-                  scale.unit});
-  if (!set.GetAddCmp()) return;
-  const auto add = [&](const char* key, const char* label, double v, const char* unit) {
-    out->push_back({key, label, WriteValue(v), unit});
-  };
-  add("compensation_level_pre", "compensation level before", set.GetCmpU1(), "of the peak");
-  add("compensation_level_post", "compensation level after", set.GetCmpU2(), "of the peak");
-  add("compensation_share_pre", "share of the area before", set.GetCmpRgm1(), "");
-  add("compensation_share_post", "share of the area after", set.GetCmpRgm2(), "");
-  add("compensation_gain", "gain", set.GetCmpCparam(), "");
-  add("compensation_shift", "shift of the pulse", std::round(set.GetWaveShift() * set.GetNsamp()),
-      "samples");
-}
 
 /// A picture as an element of a page.
 /// @param[in] draw  draws it as .svg into a file
@@ -158,15 +81,6 @@ std::string Table(const Entries& entries) {
 }
 
 }  // namespace
-
-Entries ReportOf(const CWaveDef& def) {
-  const Scale scale = ScaleOf(def);
-  Entries entries;
-  AddWave(def, scale, &entries);
-  if (def.GetWaveType() == CWaveDef::WAVE_TYPE_CLASSICAL) AddClassical(def, scale, &entries);
-  AddMotion(def, scale, &entries);
-  return entries;
-}
 
 void WriteReportPage(const CWaveDef& def, const std::optional<Spectrum>& spectrum,
                      const std::string& name, const std::string& target, OutputFiles* files) {

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "entries.h"
 #include "output_files.h"
 #include "spectrum_plot.h"
 #include "wave_def/wave_def.h"
@@ -16,13 +15,10 @@ struct ReportOptions {
   std::string json, html;  // files to write; empty for none
 };
 
-/// The numbers of a waveform that has samples.
-Entries ReportOf(const wave_def::CWaveDef& def);
-
 /// Writes the numbers, the plots of acceleration, velocity and displacement and the spectrum, if
 /// there is one, as one page.
 /// @param[in] name  of the definition, for the title
-void WriteReportPage(const wave_def::CWaveDef& def, const std::optional<Spectrum>& spectrum,
+void WriteReportPage(const wave_def::CWaveDef& def, const std::optional<assess::Spectrum>& spectrum,
                      const std::string& name, const std::string& target, OutputFiles* files);
 
 /// Prints the report and writes the files that are asked for.

@@ -3,10 +3,10 @@
 
 #include <filesystem>
 
+#include "command_error.h"
 #include "csv_writer.h"
-#include "definition.h"
+#include "definition_file.h"
 #include "output_files.h"
-#include "record_file.h"
 
 namespace qarv::command {
 
@@ -40,7 +40,7 @@ void Show(const ShowOptions& options) {
     WriteSamplesCsv(def, files.Reserve(samples));
     samplesName = NameInDefinition(samples, options.output);
   }
-  WriteFile(files.Reserve(options.output), DefinitionText(def, samplesName));
+  WriteFile(files.Reserve(options.output), ToJson(definition::DefinitionOf(def), samplesName));
   files.Commit();
 }
 

@@ -13,6 +13,7 @@
 namespace qarv::command {
 
 using analysis::SrsPoint;
+using assess::Spectrum;
 
 namespace {
 

@@ -115,22 +115,5 @@ TEST_F(CsvReader, NeedsTwoTimesForARate) {
   ExpectError("0,2\n", ": one sample has no time step: Fsamp is needed");
 }
 
-TEST(NumberText, ReadsBackAsTheSameBits) {
-  for (const double v : {0.0, -0.0, 0.1, 1e300, 5e-324, 1.0 / 3, HUGE_VAL, -HUGE_VAL}) {
-    double back = 7;
-    ASSERT_TRUE(text::ParseNumber(text::NumberText(v), &back));
-    EXPECT_EQ(back, v);
-    EXPECT_EQ(std::signbit(back), std::signbit(v));
-  }
-  double kept = 7;
-  for (const char* const text :
-       {"", "x", "1x", "1 ", "--1", "nan(0x3ff0000000000000)", "nan(0xzz)", "0x10"}) {
-    EXPECT_FALSE(text::ParseNumber(text, &kept)) << text;
-  }
-  EXPECT_EQ(kept, 7);
-}
-
-TEST(OneLine, EscapesControlBytes) { EXPECT_EQ(text::OneLine("a\nb\x1b"), "a\\x0ab\\x1b"); }
-
 }  // namespace
 }  // namespace qarv::test

@@ -5,8 +5,9 @@
 #include <cmath>
 #include <limits>
 
+#include "command_error.h"
 #include "csv_reader.h"
-#include "definition.h"
+#include "definition_file.h"
 #include "export/uff.h"
 #include "random_values.h"
 #include "run_command.h"

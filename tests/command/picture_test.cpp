@@ -7,12 +7,12 @@
 #include <sstream>
 
 #include "command_error.h"
-#include "definition.h"
+#include "definition/title.h"
+#include "definition_file.h"
 #include "plot.h"
 #include "run_command.h"
 #include "text/text.h"
 #include "text_search.h"
-#include "title.h"
 
 namespace qarv::test {
 namespace {
@@ -134,24 +134,6 @@ TEST_F(Pictures, AFailureOfGnuplotIsOneLineWithWhatItSays) {
 // ---- Texts
 // ---------------------------------------------------------------------------------------
 
-TEST(ShownText, EscapesWhatIsNoTextAndKeepsTheRest) {
-  using text::ShownText;
-  EXPECT_EQ(ShownText("half-sine 50 g"), "half-sine 50 g");
-  EXPECT_EQ(ShownText("\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"),
-            "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
-  EXPECT_EQ(ShownText("a\x01\n\x7F"), "a\\x01\\x0a\\x7f");
-  // A lone continuation, a cut character at the end and before another, overlong ones, a surrogate,
-  // beyond the code space, no characters of XML.
-  EXPECT_EQ(ShownText("\x80|\xE2\x82"), "\\x80|\\xe2\\x82");
-  EXPECT_EQ(ShownText("\xC3z"), "\\xc3z");
-  EXPECT_EQ(ShownText("\xC0\xAF\xE0\x80\xAF\xF0\x80\x80\xAF"),
-            "\\xc0\\xaf\\xe0\\x80\\xaf\\xf0\\x80\\x80\\xaf");
-  EXPECT_EQ(ShownText("\xED\xA0\x80"), "\\xed\\xa0\\x80");
-  EXPECT_EQ(ShownText("\xF4\x90\x80\x80\xFF"), "\\xf4\\x90\\x80\\x80\\xff");
-  EXPECT_EQ(ShownText("\xEF\xBF\xBE\xEF\xBF\xBF\xEF\xBF\xBD"),
-            "\\xef\\xbf\\xbe\\xef\\xbf\\xbf\xEF\xBF\xBD");
-}
-
 TEST_F(Pictures, AreWellFormedWhateverAFileIsCalled) {
   const std::string name = "a\x01z\xFF\xC3(\xEF\xBF\xBF<b>&\"'\xC3\xA9";
   const std::string shown = "a\\x01z\\xff\\xc3(\\xef\\xbf\\xbf<b>&\"'\xC3\xA9";
@@ -184,11 +166,11 @@ TEST(TitleOf, SaysWhatAWaveformOfEveryFamilyIs) {
       {"single", "sine 2 m/s^2, 10 Hz"},
   };
   for (const auto& [name, title] : titles) {
-    EXPECT_EQ(command::TitleOf(command::LoadDefinition(kDefinitions + name + ".json")), title);
+    EXPECT_EQ(definition::TitleOf(command::LoadDefinition(kDefinitions + name + ".json")), title);
   }
   // With the peak of what comes out.
   const auto matches = [](const char* name, const std::string& before, const std::string& after) {
-    const auto title = command::TitleOf(command::LoadDefinition(kDefinitions + name + ".json"));
+    const auto title = definition::TitleOf(command::LoadDefinition(kDefinitions + name + ".json"));
     EXPECT_TRUE(title.starts_with(before) && title.ends_with(after)) << title;
     const std::string peak =
         title.substr(before.size(), title.size() - before.size() - after.size());
@@ -198,7 +180,7 @@ TEST(TitleOf, SaysWhatAWaveformOfEveryFamilyIs) {
   matches("damped_sine", "3 damped sines, peak ", " g, 60 to 400 Hz");
   matches("wavelet", "3 wavelets, peak ", " g, 40 to 250 Hz");
   matches("measured", "measured waveform, peak ", " g, 102.4 ms");
-  EXPECT_EQ(command::TitleOf({}), "no waveform");
+  EXPECT_EQ(definition::TitleOf({}), "no waveform");
 }
 
 TEST_F(Pictures, HaveATitleWithoutAUnitWhereThereIsNone) {

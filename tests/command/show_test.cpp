@@ -7,8 +7,7 @@
 #include <random>
 
 #include "command_error.h"
-#include "definition.h"
-#include "record_file.h"
+#include "definition_file.h"
 #include "run_command.h"
 
 namespace qarv::test {
@@ -143,10 +142,10 @@ TEST(DefinitionText, EveryDoubleSurvivesReadingAndWriting) {
     def.SetTolUpperRat(number());
     def.SetTolLowerRat(number());
     ASSERT_TRUE(def.SetDefSingle(set));
-    const std::string text = command::DefinitionText(def, "");
+    const std::string text = ToJson(definition::DefinitionOf(def));
     WriteText(folder / "def.json", text);
     CWaveDef again = command::LoadDefinition(folder / "def.json");
-    EXPECT_EQ(command::DefinitionText(again, ""), text);
+    EXPECT_EQ(ToJson(definition::DefinitionOf(again)), text);
     command::WriteRecord(def, folder / "a");
     command::WriteRecord(again, folder / "b");
     EXPECT_EQ(ReadText(folder / "a"), ReadText(folder / "b")) << text;

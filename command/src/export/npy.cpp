@@ -8,12 +8,13 @@
 #include <bit>
 #include <vector>
 
-#include "definition.h"
+#include "definition_file.h"
 #include "output_files.h"
 
 namespace qarv::command {
 
 using common::uint64;
+using definition::SampleRateOf;
 
 namespace {
 

@@ -11,14 +11,16 @@
 #include <iterator>
 #include <string_view>
 
+#include "assess/motion.h"
 #include "command_error.h"
-#include "definition.h"
-#include "kinematics.h"
+#include "definition_file.h"
 #include "output_files.h"
 #include "text/text.h"
 
 namespace qarv::command {
 
+using assess::MotionUnitsOf;
+using definition::SampleRateOf;
 using text::OneLine;
 using text::ParseNumber;
 using text::Plain;

@@ -10,11 +10,12 @@
 
 #include "command_error.h"
 #include "common/numeric/index_conv.h"
-#include "definition.h"
+#include "definition_file.h"
 
 namespace qarv::command {
 
 using common::uint64;
+using definition::SampleRateOf;
 
 void WriteWav(const wave_def::CWaveDef& def, const std::string& name, const std::string& file) {
   const double fsamp = SampleRateOf(def);

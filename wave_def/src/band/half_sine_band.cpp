@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "band/band_front.h"
 #include "band/user_band.h"
 #include "common/numeric/index_conv.h"
 #include "pulse/pulse_span.h"

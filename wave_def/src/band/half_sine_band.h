@@ -9,9 +9,6 @@ namespace qarv::wave_def {
 /// The length of the front region of a built-in kind [width]; 0 for a kind that has none.
 double FrontFraction(int kind);
 
-/// The length of the front region of a half-sine's band.  [sample]
-common::uint64 HalfSineFront(const CWaveDefClassical& def, const PulseSpan& p);
-
 /// Fills a band of a half-sine pulse, whatever the tolerance kind.
 /// @return false, with what was drawn so far left in the band, if dt is 0, an array is missing, the
 ///         kind is none, the pulse or its front region does not fit the frame, or the levels are a

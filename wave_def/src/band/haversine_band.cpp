@@ -3,6 +3,7 @@
 //   L, M, R   signed levels before, on and after the pulse [ratio]
 #include "band/haversine_band.h"
 
+#include "band/band_front.h"
 #include "band/half_sine_band.h"
 #include "band/user_band.h"
 #include "pulse/pulse_span.h"

@@ -6,9 +6,6 @@
 
 namespace qarv::wave_def {
 
-/// The length of the front region of a haversine's band; 0 if it has none.  [sample]
-common::uint64 HaversineFront(const CWaveDefClassical& def, const PulseSpan& p);
-
 /// Fills a band of a haversine pulse from the definition's CWaveDefTolUserDef; the tolerance kind
 /// only chooses the length of the front region and the form of the lower band.
 /// @return false, with what was drawn so far left in the band, if dt is 0, an array is missing, the

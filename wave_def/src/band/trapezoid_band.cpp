@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "band/band_front.h"
 #include "band/user_band.h"
 #include "pulse/pulse_shape.h"
 #include "pulse/pulse_span.h"

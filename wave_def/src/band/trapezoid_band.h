@@ -6,9 +6,6 @@
 
 namespace qarv::wave_def {
 
-/// The length of the front region of a trapezoid's band.  [sample]
-common::uint64 TrapezoidFront(const CWaveDefClassical& def, const PulseSpan& p);
-
 /// Fills a band of a trapezoid pulse, whatever the tolerance kind: a left level, a front line,
 /// limits parallel to the slopes, a plateau over the flat top, a right level to the last sample.
 ///

@@ -176,4 +176,14 @@ bool GenerateClassical(Def& params, double fsamp, Samples* wave, Samples* tolU, 
   return Compensate(params, fsamp, *at, wave, tolU, tolL, refusal != nullptr ? refusal : &ignored);
 }
 
+compensation::Refusal compensation::WhyNotCompensated(const CWaveDefClassical& def, double fsamp) {
+  CWaveDefClassical tried = def;
+  common::CDataArrayFloatT<double> wave;
+  common::CDataArrayFloatT<double> tolU;
+  common::CDataArrayFloatT<double> tolL;
+  Refusal refusal;
+  const bool done = GenerateClassical(tried, fsamp, &wave, &tolU, &tolL, false, &refusal);
+  return done ? Refusal{} : refusal;
+}
+
 }  // namespace qarv::wave_def

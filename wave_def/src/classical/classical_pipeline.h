@@ -2,13 +2,11 @@
 #pragma once
 
 #include "common/data_array/data_array_float_t.h"
+#include "compensation/refusal.h"
 #include "compensation/stage.h"
 #include "wave_def/wave_def_classical.h"
 
 namespace qarv::wave_def {
-
-/// Whether CmpType names one of the four compensations.
-bool HasCompensationType(const CWaveDefClassical& params);
 
 /// Generates a classical pulse with its bands, and compensates it where AddCmp is set.
 ///

@@ -11,20 +11,9 @@
 #include <optional>
 
 #include "compensation/problem.h"
+#include "compensation/refusal.h"
 
 namespace qarv::wave_def::compensation {
-
-/// What a side has and what it needs.  [sample]
-struct Room {
-  int64 needed;  // of the last arrangement that was tried; 0 if none was
-  int64 available;
-};
-
-/// What keeps a drawn compensation from being planned.
-struct Shortage {
-  double levelPre, levelPost;  // that the limits allow [ratio to A]
-  Room pre, post;
-};
 
 /// Plans and draws a compensation of CMP_RAMP, CMP_COSINE or CMP_FLAT_COSINE.
 /// @param[in,out] pulse     goes into the attempt; stays where there is none

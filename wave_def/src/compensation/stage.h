@@ -4,6 +4,7 @@
 
 #include "compensation/preparation.h"
 #include "compensation/problem.h"
+#include "compensation/refusal.h"
 
 namespace qarv::wave_def::compensation {
 
@@ -12,14 +13,6 @@ struct Results {
   Drawn drawn{};
   double gain = 0.0;       // of the reshaping
   double waveShift = 0.0;  // [frame]
-};
-
-/// Why there is no compensation.
-struct Refusal {
-  enum Reason { None, NotAPulse, NoRoom, OutOfTolerance } reason = None;
-  Shortage shortage{};  // NoRoom, of the types that are drawn
-  int64 worst = 0;  // [sample] OutOfTolerance: the first sample that violates its limit at gain 1
-  double excess = 0.0;  // [ratio to A] by how much
 };
 
 /// Compensates a pulse in place.

@@ -1,23 +1,13 @@
 // The damped-sine synthesis: the sum of components by one of three methods.
 #pragma once
 
-#include <list>
-#include <vector>
-
 #include "common/data_array/data_array_float_t.h"
 #include "common/int_types.h"
+#include "family/damping_layout.h"
 #include "numeric/instruction_set.h"
 #include "wave_def/wave_def_damping.h"
 
 namespace qarv::wave_def {
-
-/// The components of a damped-sine definition as arrays, in list order.
-struct DampingComponents {
-  std::vector<double> freq, ampl, zeta, delay;
-  std::vector<common::uint64> halves;
-
-  explicit DampingComponents(const std::list<CWaveDefDampingElm>& elms);
-};
 
 /// Synthesises the waveform of a damped-sine definition.
 ///
@@ -66,20 +56,6 @@ bool AddModifiedDampedSine(double* buffer, common::uint64 nsamp, double fsamp, d
 bool CalcDampedSineResidual(common::uint64 count, const double* freq, const double* ampl,
                             const double* zeta, const double* delay, double* velocity,
                             double* displacement);
-
-/// The damped sine that brings a sum of damped sines to rest: its amplitude makes the final
-/// velocity 0, its delay the final displacement.
-struct CompensatingSine {
-  double ampl;   // [amplitude unit]
-  double delay;  // [s]
-  double shift;  // [s] by which everything is delayed, so that it does not start before the origin
-};
-
-/// @param[in] freq,ampl,zeta,delay  count values each   @param[in] timeOrigin  [s]
-/// @param[in] compFreq,compZeta  the compensating component [Hz], [1]
-CompensatingSine CalcCompensatingSine(double timeOrigin, common::uint64 count, const double* freq,
-                                      const double* ampl, const double* zeta, const double* delay,
-                                      double compFreq, double compZeta);
 
 /// Clears the buffer and adds the damped sines and one compensating damped sine, whose amplitude
 /// makes the final velocity 0 and whose delay makes the final displacement 0.  Where it would start

@@ -2,19 +2,10 @@
 #pragma once
 
 #include "common/data_array/data_array_float_t.h"
-#include "common/int_types.h"
-#include "family/total_length.h"
+#include "family/packet_layout.h"
 #include "wave_def/wave_def_sine_beat_burst.h"
 
 namespace qarv::wave_def {
-
-/// How the packets are laid out.  [sample]
-struct PacketLayout {
-  common::uint64 packet;  // length of one
-  common::uint64 rest;    // between two; wrapped below 0 for a negative time
-  TotalLength total;
-};
-PacketLayout LayOut(const CWaveDefSineBeatBurst& def, double fsamp);
 
 /// Generates `Frame` packets of `Cycle` cycles each, with silence in between and none at the end.
 ///

@@ -6,6 +6,7 @@
 #include "pulse/pulse_shape.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "band/half_sine_band.h"
 #include "band/haversine_band.h"
@@ -15,6 +16,7 @@
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
 #include "numeric/sample_blocks.h"
+#include "pulse/pulse_corners.h"
 #include "pulse/pulse_span.h"
 
 namespace qarv::wave_def {
@@ -174,6 +176,19 @@ bool DrawSawtooth(const SawtoothCorners& c, double peak, SampleSpan wave) {
   const BandPen pen(wave, true);
   return pen.Line({c.start, 0.0}, {c.peak, peak}) &&  // rise
          pen.Fall({c.peak, peak}, {c.end, 0.0});      // fall
+}
+
+bool HasPositiveSample(const Def& def, const PulseSpan& p) {
+  std::vector<double> wave(p.N);
+  bool drawn = false;
+  if (def.GetWaveKind() == wave_def_sub::TERMINAL_PEAK_SAWTOOTH) {
+    const auto corners = SawtoothCornersOf(def, p.centre, p.dt);
+    drawn = corners && DrawSawtooth(*corners, p.A, wave);
+  } else if (const auto part = FractionsOf(def)) {
+    drawn = DrawTrapezoid(def, true, p.centre, p.dt, part->rise, part->fall, 0.0, p.A, 0.0, wave);
+  }
+  const double* const x = wave.data();
+  return drawn && std::any_of(x + p.start, x + p.end + 1, [](double v) { return v > 0.0; });
 }
 
 bool BuildHalfSinePulse(const Def& def, uint64 centre, double dt, const PulseArrays& out) {

@@ -1,10 +1,9 @@
 // The classical shock pulses: each is drawn, and then its two tolerance bands are built.
 #pragma once
 
-#include <optional>
-
 #include "band/band_pen.h"
 #include "common/int_types.h"
+#include "pulse/pulse_corners.h"
 #include "wave_def/wave_def_classical.h"
 
 namespace qarv::wave_def {
@@ -25,18 +24,6 @@ struct PulseArrays {
 [[nodiscard]] bool DrawHaversine(common::uint64 centre, double width, double dt, double peak,
                                  SampleSpan wave);
 
-/// The corners of a trapezoid.  [sample]
-struct TrapezoidCorners {
-  common::uint64 start, riseEnd, fallStart, end;
-  bool flat;  // whether a flat top is drawn between rise and fall
-};
-
-/// The corners of a definition's trapezoid, from the fractions of the width that rise and fall
-/// take.
-/// @return nothing if dt is 0 or there is no width
-std::optional<TrapezoidCorners> CornersOf(const CWaveDefClassical& def, common::uint64 centre,
-                                          double dt, double rise, double fall);
-
 /// Draws the polyline from level a up to p and down to e, raised (an upper band or a pulse) or
 /// lowered.
 /// @return false, with what was drawn so far left, if dt is 0, there is no width, or a corner lies
@@ -44,26 +31,6 @@ std::optional<TrapezoidCorners> CornersOf(const CWaveDefClassical& def, common::
 [[nodiscard]] bool DrawTrapezoid(const CWaveDefClassical& def, bool upper, common::uint64 centre,
                                  double dt, double rise, double fall, double a, double p, double e,
                                  SampleSpan out);
-
-/// The fractions of the width that rise and fall take.  [width]
-struct TrapezoidFractions {
-  double rise, fall;
-};
-
-/// Those of a triangle, 0.5 each; of a user trapezoid, its own; of a trapezoid, 0.1 each, or the
-/// standard's with TOL_SPECIFY.
-/// @return nothing for another shape, or if a trapezoid's standard is of no known family
-std::optional<TrapezoidFractions> FractionsOf(const CWaveDefClassical& def);
-
-/// The corners of a terminal-peak sawtooth.  [sample]
-struct SawtoothCorners {
-  common::uint64 start, peak, end;
-};
-
-/// @return nothing if dt is 0, there is no width, or the tolerance kind, which shapes the fall, is
-///         none that a sawtooth offers
-std::optional<SawtoothCorners> SawtoothCornersOf(const CWaveDefClassical& def,
-                                                 common::uint64 centre, double dt);
 
 /// Draws a sawtooth, 0 to peak to 0.
 /// @return false, with what was drawn so far left, if a corner lies outside the frame

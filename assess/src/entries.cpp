@@ -1,0 +1,57 @@
+// A list of results, as text and as JSON.
+#include "assess/entries.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "text/text.h"
+
+namespace qarv::assess {
+
+using Json = nlohmann::ordered_json;
+
+namespace {
+
+/// As JSON; what is no number is a text there.
+Json Shown(const Value& value) {
+  const double* const number = std::get_if<double>(&value);
+  if (number == nullptr) return std::visit([](const auto& v) { return Json(v); }, value);
+  const double v = text::Plain(*number);
+  return std::isfinite(v) ? Json(v) : Json(text::NumberText(v));
+}
+
+}  // namespace
+
+std::string BareText(const Entry& entry) {
+  const Json shown = Shown(entry.value);
+  return shown.is_string() ? shown.get<std::string>() : shown.dump();
+}
+
+std::string ValueText(const Entry& entry) {
+  const Json shown = Shown(entry.value);
+  const std::string value =
+      shown.is_number_float() ? fmt::format("{:.6g}", shown.get<double>()) : BareText(entry);
+  return entry.unit.empty() ? value : value + " " + entry.unit;
+}
+
+std::string AsText(const Entries& entries) {
+  std::string out;
+  for (const Entry& entry : entries)
+    out += fmt::format("{:<34} {}\n", entry.label, ValueText(entry));
+  return out;
+}
+
+std::string AsJson(const Entries& entries) {
+  Json json = Json::object();
+  for (const Entry& entry : entries) {
+    Json item = Json::object();
+    item["value"] = Shown(entry.value);
+    if (!entry.unit.empty()) item["unit"] = entry.unit;
+    json[entry.key] = item;
+  }
+  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace qarv::assess

@@ -1,0 +1,53 @@
+// The key "Gradual".
+#include "family.h"
+
+namespace qarv::definition {
+
+using wave_def::CWaveDef;
+using Set = wave_def::CWaveDefGradual;
+
+namespace {
+
+const FieldTable<Set> kFields{
+    Value("Period", &Set::GetPeriod, &Set::SetPeriod, {"s", "period of the sine", kPositive},
+          Need::Required),
+    Value("LevelBeg", &Set::GetLevelBeg, &Set::SetLevelBeg,
+          {"amplitude unit", "amplitude at the beginning of the ramp"}, Need::Required),
+    Value("LevelEnd", &Set::GetLevelEnd, &Set::SetLevelEnd,
+          {"amplitude unit", "amplitude at its end"}, Need::Required),
+    Enumeration("LengthType",
+                {{Set::LENGTH_TYPE_NONE, "LENGTH_TYPE_NONE"},
+                 {Set::LENGTH_BY_TIME, "LENGTH_BY_TIME"},
+                 {Set::LENGTH_BY_SLOPE, "LENGTH_BY_SLOPE"}},
+                &Set::GetLengthType, &Set::SetLengthType, {"", "what gives the length of the ramp"},
+                Need::Required),
+    Value("WaveTime", &Set::GetWaveTime, &Set::SetWaveTime,
+          {"s", "length of the ramp, for LENGTH_BY_TIME", kFromZero}),
+    Value("WaveSlope", &Set::GetWaveSlope, &Set::SetWaveSlope,
+          {"amplitude unit/s", "change of the amplitude, for LENGTH_BY_SLOPE"}),
+    Value("PreTime", &Set::GetPreTime, &Set::SetPreTime,
+          {"s", "length of the rise from 0 to LevelBeg", kFromZero}),
+    Value("EdgeTime", &Set::GetEdgeTime, &Set::SetEdgeTime, {"s", "kept for the controller"}),
+    Value("Nsamp", &Set::GetNsamp, &Set::SetNsamp,
+          {"samples", "length of the waveform", kAtLeastOne}, Need::Required),
+};
+
+constexpr const char* kKey = "Gradual";
+constexpr const char* kTitle = "gradual sine wave";
+
+}  // namespace
+
+const FamilyTable kGradualFamily{
+    .family = {kKey, kTitle, CWaveDef::WAVE_TYPE_GRADUAL},
+    .read = [](const Json& json, const Place& at,
+               const ReadContext& /*context*/) { return ParameterSet(ReadSet(kFields, json, at)); },
+    .ownFsamp = nullptr,
+    .write =
+        [](const ParameterSet& set, const std::string& /*samplesFile*/) {
+          return WriteFields(kFields, std::get<Set>(set));
+        },
+    .parametersOf = [](const CWaveDef& def) { return ParameterSet(def.GetDefGradual()); },
+    .describe = [] { return std::vector{Describe(kKey, kTitle, true, kFields)}; },
+};
+
+}  // namespace qarv::definition

@@ -1,0 +1,44 @@
+// The key "Single".
+#include "family.h"
+
+namespace qarv::definition {
+
+using wave_def::CWaveDef;
+using Set = wave_def::CWaveDefSingle;
+
+namespace {
+
+const FieldTable<Set> kFields{
+    Value("Period", &Set::GetPeriod, &Set::SetPeriod, {"s", "period of the sine", kPositive},
+          Need::Required),
+    Value("PeakLevel", &Set::GetPeakLevel, &Set::SetPeakLevel,
+          {"amplitude unit", "amplitude of the sine"}, Need::Required),
+    Enumeration("LengthType", {}, &Set::GetLengthType, &Set::SetLengthType,
+                {"", "kept for the controller"}),
+    Value("WaveTime", &Set::GetWaveTime, &Set::SetWaveTime, {"s", "kept for the controller"}),
+    Value("WavePeriod", &Set::GetWavePeriod, &Set::SetWavePeriod, {"", "kept for the controller"}),
+    Value("EdgeTime", &Set::GetEdgeTime, &Set::SetEdgeTime,
+          {"s", "length of each linear edge", kFromZero}),
+    Value("Nsamp", &Set::GetNsamp, &Set::SetNsamp,
+          {"samples", "length of the waveform", kAtLeastOne}, Need::Required),
+};
+
+constexpr const char* kKey = "Single";
+constexpr const char* kTitle = "single sine wave";
+
+}  // namespace
+
+const FamilyTable kSingleFamily{
+    .family = {kKey, kTitle, CWaveDef::WAVE_TYPE_SINGLE},
+    .read = [](const Json& json, const Place& at,
+               const ReadContext& /*context*/) { return ParameterSet(ReadSet(kFields, json, at)); },
+    .ownFsamp = nullptr,
+    .write =
+        [](const ParameterSet& set, const std::string& /*samplesFile*/) {
+          return WriteFields(kFields, std::get<Set>(set));
+        },
+    .parametersOf = [](const CWaveDef& def) { return ParameterSet(def.GetDefSingle()); },
+    .describe = [] { return std::vector{Describe(kKey, kTitle, true, kFields)}; },
+};
+
+}  // namespace qarv::definition

@@ -1,0 +1,55 @@
+// The key "Symmetry".
+#include "families/pulse_shapes.h"
+#include "family.h"
+
+namespace qarv::definition {
+
+using wave_def::CWaveDef;
+using Set = wave_def::CWaveDefSymmetry;
+
+namespace {
+
+const FieldTable<Set> kFields{
+    Enumeration("WaveKind", kPulseShapes, &Set::GetWaveKind, &Set::SetWaveKind,
+                {"", "shape of the pulses: HALF_SINE, TRIANGLE or HAVERSINE"}, Need::Required),
+    Value("Peak", &Set::GetPeak, &Set::SetPeak, {"amplitude unit", "peak of the main pulse"},
+          Need::Required),
+    Value("Width", &Set::GetWidth, &Set::SetWidth, {"s", "width of every pulse", kPositive},
+          Need::Required),
+    Value("PeakPos", &Set::GetPeakPos, &Set::SetPeakPos,
+          {"widths", "place of the peak of a triangle", kShare}),
+    Value("PreZero", &Set::GetPreZero, &Set::SetPreZero,
+          {"s", "silence before everything", kFromZero}),
+    Value("MidZero", &Set::GetMidZero, &Set::SetMidZero,
+          {"s", "silence between pulse and compensation, or before the divided pulse", kFromZero}),
+    Value("PostZero", &Set::GetPostZero, &Set::SetPostZero,
+          {"s", "silence behind everything", kFromZero}),
+    Value("DevideComp", &Set::GetDevideComp, &Set::SetDevideComp,
+          {"", "whether the compensation is divided into halves before and after the pulse"}),
+    Value("CompForward", &Set::GetCompForward, &Set::SetCompForward,
+          {"", "whether the compensation comes first, where it is not divided"}),
+    Value("MidBackward", &Set::GetMidBackward, &Set::SetMidBackward,
+          {"", "kept for the controller"}),
+    Value("MidZeroBackward", &Set::GetMidZeroBackward, &Set::SetMidZeroBackward,
+          {"s", "silence between the pulse and the second half, where it is divided", kFromZero}),
+};
+
+constexpr const char* kKey = "Symmetry";
+constexpr const char* kTitle = "symmetry wave";
+
+}  // namespace
+
+const FamilyTable kSymmetryFamily{
+    .family = {kKey, kTitle, CWaveDef::WAVE_TYPE_SYMMETRY},
+    .read = [](const Json& json, const Place& at,
+               const ReadContext& /*context*/) { return ParameterSet(ReadSet(kFields, json, at)); },
+    .ownFsamp = nullptr,
+    .write =
+        [](const ParameterSet& set, const std::string& /*samplesFile*/) {
+          return WriteFields(kFields, std::get<Set>(set));
+        },
+    .parametersOf = [](const CWaveDef& def) { return ParameterSet(def.GetDefSymmetry()); },
+    .describe = [] { return std::vector{Describe(kKey, kTitle, true, kFields)}; },
+};
+
+}  // namespace qarv::definition
