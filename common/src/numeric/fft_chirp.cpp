@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <memory>
 
 #include "numeric/fft_roots.h"
 
@@ -54,11 +53,11 @@ ChirpFft::ChirpFft(uint64 n, uint64 lines)
   filterRe_ = filterRe;
   filterIm_ = filterIm;
 
-  const auto scratch = std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(2 * M));
+  const FftTable scratch(2 * M);
   const RootTable roots(2 * n, 1);
   const double scale = 1.0 / static_cast<double>(M);
   const Split wrapped =
-      convolution_.ReadsMid() ? FirstHalf(scratch.get(), M) : Split{filterRe, filterIm};
+      convolution_.ReadsMid() ? FirstHalf(scratch.Get(), M) : Split{filterRe, filterIm};
   std::fill_n(wrapped.re, M, 0.0);
   std::fill_n(wrapped.im, M, 0.0);
   uint64 square = 0;  // j^2 modulo 2 n
@@ -76,7 +75,7 @@ ChirpFft::ChirpFft(uint64 n, uint64 lines)
     square = (square + 2 * j + 1) % (2 * n);
   }
   convolution_.Transform(BestInstructionSet(), {wrapped.re, wrapped.im, 1},
-                         FirstHalf(scratch.get(), M), {filterRe, filterIm});
+                         FirstHalf(scratch.Get(), M), {filterRe, filterIm});
 }
 
 void ChirpFft::Transform(InstructionSet set, const Source& in, double* scratch,

@@ -1,6 +1,7 @@
-// Memory for the tables of a transform.
+// Memory for the tables of a transform, and for what one needs while it is made.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -13,8 +14,7 @@ namespace qarv::common {
 class FftTable {
  public:
   FftTable() = default;
-  explicit FftTable(uint64 size)
-      : memory_(std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(size + kLine))) {
+  explicit FftTable(uint64 size) : memory_(new double[static_cast<std::size_t>(size + kLine)]) {
     const auto address = reinterpret_cast<std::uintptr_t>(memory_.get()) / sizeof(double);
     begin_ = memory_.get() + (kLine - address % kLine) % kLine;
   }

@@ -67,14 +67,21 @@ constexpr std::array<SuffixName, 3> kSuffixNames{{
 }};
 // clang-format on
 
+/// The row whose key is @p value, or the table's end.
+template <class Table, class Row, class T>
+auto RowOf(const Table& table, T Row::*key, const T& value) {
+  return std::find_if(table.begin(), table.end(),
+                      [&](const Row& row) { return row.*key == value; });
+}
+
 std::string_view NameOf(Unit::UNIT_CODE code) {
-  const auto row = std::ranges::find(kCodeNames, code, &CodeName::code);
+  const auto row = RowOf(kCodeNames, &CodeName::code, code);
   return row == kCodeNames.end() ? "?" : row->name;
 }
 
 std::string_view NameOf(Unit::UNIT_SUFFIX suffix) {
   if (suffix == Unit::UNIT_SUFFIX_NONE) return "";
-  const auto row = std::ranges::find(kSuffixNames, suffix, &SuffixName::suffix);
+  const auto row = RowOf(kSuffixNames, &SuffixName::suffix, suffix);
   return row == kSuffixNames.end() ? " ?" : row->name;
 }
 
@@ -95,7 +102,7 @@ std::string Product(const std::vector<std::string_view>& names) {
 bool ParsePower(std::string_view text, Unit::UNIT_CALC calc,
                 std::vector<std::pair<Unit::UNIT_CODE, Unit::UNIT_CALC>>* factors) {
   const auto hat = text.find('^');
-  const auto row = std::ranges::find(kCodeNames, text.substr(0, hat), &CodeName::name);
+  const auto row = RowOf(kCodeNames, &CodeName::name, text.substr(0, hat));
   if (row == kCodeNames.end()) return false;
   int power = 1;
   if (hat != std::string_view::npos) {
