@@ -1,5 +1,8 @@
 # How every target of the project is compiled, and where a library keeps its headers.
 
+# Where the system has no shared libraries, all of them are static.
+get_property(QARV_SHARED GLOBAL PROPERTY TARGET_SUPPORTS_SHARED_LIBS)
+
 # Compile settings of a target: the standard, the warnings, one result for every floating-point formula.
 function(qarv_compile_settings target)
   target_compile_features(${target} PUBLIC cxx_std_20)
@@ -30,5 +33,5 @@ function(qarv_library target type)
     PRIVATE ${ARG_SOURCES}
     PUBLIC FILE_SET HEADERS BASE_DIRS ${CMAKE_CURRENT_SOURCE_DIR}/hdr FILES ${ARG_HEADERS})
   set_target_properties(${target} PROPERTIES
-    POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+    POSITION_INDEPENDENT_CODE ${QARV_SHARED} CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
