@@ -4,6 +4,7 @@
 #include <string>
 
 #include "bash_completion.h"
+#include "definition/fields.h"
 #include "file_name.h"
 #include "man_page.h"
 #include "output_files.h"
@@ -226,6 +227,10 @@ void CommandLine::AddTexts() {
     });
     SetExample(command, example);
   };
+  add(
+      "schema", "Print the JSON Schema of a definition, by which editors complete and check it",
+      [](const CLI::App&) { return definition::SchemaText(); },
+      "  qarv-wave schema >definition.schema.json");
   add("man-page", "Print the manual page", ManPage, "  qarv-wave man-page >qarv-wave.1");
   add("bash-completion", "Print the completion of this command for bash", BashCompletion,
       "  source <(qarv-wave bash-completion)");

@@ -10,6 +10,7 @@ mkdir -p "$work"
 cmake --install "$build" --prefix "$work/prefix" >"$work/install.log"
 
 if [ -x "$work/prefix/bin/qarv-wave" ]; then
+  "$work/prefix/bin/qarv-wave" schema | cmp - "$work/prefix/share/qarv-wave/definition.schema.json"
   "$work/prefix/bin/qarv-wave" man-page | cmp - "$work/prefix/share/man/man1/qarv-wave.1"
   "$work/prefix/bin/qarv-wave" bash-completion |
     cmp - "$work/prefix/share/bash-completion/completions/qarv-wave"
