@@ -18,9 +18,9 @@ namespace {
 constexpr double kStepTolerance = 0.001;  // of the mean step
 
 /// Throws with the place of a sample: its line, where the file has one for each.
-[[noreturn]] void FailAtSample(const Signal& signal, uint64 i, const std::string& what,
+[[noreturn]] void FailAtSample(std::span<const uint64> lines, uint64 i, const std::string& what,
                                const std::string& whatOfSample) {
-  if (i < signal.lines.size()) throw Error(what, signal.lines[i]);
+  if (i < lines.size()) throw Error(what, lines[i]);
   throw Error(fmt::format("sample {}{}", i, whatOfSample));
 }
 
@@ -34,9 +34,7 @@ std::string_view TextOf(Bytes bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-double SampleRateOf(const Signal& signal) {
-  if (signal.fsamp != 0.0) return signal.fsamp;
-  const std::vector<double>& times = signal.times;
+double SampleRateOf(std::span<const double> times, std::span<const uint64> lines) {
   const uint64 n = times.size();
   if (n < 2) {
     const char* const why = n == 0 ? "has no time column" : "one sample has no time step";
@@ -49,7 +47,7 @@ double SampleRateOf(const Signal& signal) {
     if (!(step > 0.0 && std::fabs(step - mean) <= kStepTolerance * mean)) {
       const std::string what =
           fmt::format("the time step of {} s is not the mean step of {} s", step, mean);
-      FailAtSample(signal, i, what, ": " + what);
+      FailAtSample(lines, i, what, ": " + what);
     }
   }
   // The text of a time column holds no more than 12 digits: 1000 Hz, not 1000.0000000000001 Hz.
@@ -58,12 +56,18 @@ double SampleRateOf(const Signal& signal) {
   return rate;
 }
 
-void RequireNumbers(const Signal& signal) {
+double SampleRateOf(const Signal& signal) {
+  return signal.fsamp != 0.0 ? signal.fsamp : SampleRateOf(signal.times, signal.lines);
+}
+
+void RequireNumbers(std::span<const double> values, std::span<const uint64> lines) {
   const auto isNumber = [](double v) { return std::isfinite(v); };
-  const auto odd = std::find_if_not(signal.values.begin(), signal.values.end(), isNumber);
-  if (odd == signal.values.end()) return;
-  FailAtSample(signal, static_cast<uint64>(odd - signal.values.begin()), "the value is no number",
+  const auto odd = std::find_if_not(values.begin(), values.end(), isNumber);
+  if (odd == values.end()) return;
+  FailAtSample(lines, static_cast<uint64>(odd - values.begin()), "the value is no number",
                " is no number");
 }
+
+void RequireNumbers(const Signal& signal) { RequireNumbers(signal.values, signal.lines); }
 
 }  // namespace qarv::exchange

@@ -188,6 +188,15 @@ TEST(Npy, TakesEveryByteOrderWidthAndSpelling) {
   }
 }
 
+TEST(Npy, TakesNoColumnOfATableForTheTime) {
+  const auto columns = Read(FileOf("{'descr': '<f8', 'fortran_order': False, 'shape': (3, 2)}",
+                                   BytesOfNumbers<double>({0, 5, 0.5, 6, 1, 7}, false)));
+  ASSERT_EQ(columns.size(), 2U);
+  EXPECT_EQ(columns[0].values, (std::vector<double>{0, 0.5, 1}));
+  EXPECT_EQ(columns[1].values, (std::vector<double>{5, 6, 7}));
+  EXPECT_TRUE(columns[1].times.empty());
+}
+
 TEST(Npy, RefusesWhatIsNoArrayOfNumbers) {
   const std::string three = BytesOfNumbers<double>({1, 2, 3}, false);
   const auto refused = [&](const std::string& dictionary, const std::string& what) {

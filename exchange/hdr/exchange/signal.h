@@ -29,14 +29,20 @@ struct Signal {
   std::string unit;                   // of the values; empty if the file does not say
 };
 
-/// The sampling frequency that a signal has been taken with [Hz]: what its file says, otherwise
-/// from the mean step of its times, to 12 digits.
-/// Throws Error where there are neither, or only one time, or a step differs from the mean by more
-/// than 0.1 %, is not above 0 or no number (with the line, or in the text the sample).
+/// The sampling frequency of times [Hz], from their mean step, to 12 digits.
+/// @param[in] times  [s]
+/// @param[in] lines  where each of them stands, or none
+/// Throws Error where there is no time or only one, or a step differs from the mean by more than
+/// 0.1 %, is not above 0 or no number; with its line, or in the text the sample (from 0).
+double SampleRateOf(std::span<const double> times, std::span<const common::uint64> lines = {});
+
+/// The sampling frequency of a signal [Hz]: what its file says, otherwise that of its times.
 double SampleRateOf(const Signal& signal);
 
-/// Throws Error, with its line (or in the text its sample, from 0), where a value is NaN or
-/// infinite.
+/// Throws Error where a value is NaN or infinite; with its line, or in the text the sample (from
+/// 0).
+/// @param[in] lines  where each of them stands, or none
+void RequireNumbers(std::span<const double> values, std::span<const common::uint64> lines = {});
 void RequireNumbers(const Signal& signal);
 
 }  // namespace qarv::exchange
