@@ -29,7 +29,7 @@ LIBRARIES = {
     "assess": ["fmt/", "nlohmann/"],
     "capi": ["fmt/", "nlohmann/"],
     "python": ["fmt/", "nlohmann/", "pybind11/", "Python.h"],
-    "command": ["fmt/", "nlohmann/", "CLI/", "sndfile.h", "sys/", "fcntl.h", "signal.h", "spawn.h", "unistd.h"],
+    "command": ["fmt/", "nlohmann/", "CLI/", "sys/", "fcntl.h", "signal.h", "spawn.h", "unistd.h"],
 }
 # What is internal to a floor and meant for those above it.
 SHARED = {"common": ["common/src/numeric"], "wave_def": ["wave_def/internal"]}

@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "exchange/error.h"
+
 namespace qarv::command {
 
 /// The exit codes of the command.
@@ -21,5 +23,8 @@ class CommandError : public std::runtime_error {
 
 /// Ends the command because of an input or an output: "WHERE: what", as one line.
 [[noreturn]] void Fail(const std::string& where, const std::string& what);
+
+/// The same for what is wrong with a sample file: "FILE: what", or with its line "FILE:LINE: what".
+[[noreturn]] void Fail(const std::string& file, const exchange::Error& error);
 
 }  // namespace qarv::command

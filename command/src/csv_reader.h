@@ -18,10 +18,8 @@ struct MeasuredCsv {
   std::vector<common::uint64> lines;        // where each value stands
 };
 
-/// Reads a file of one column (value) or two (time, value), or one that WriteWaveCsv has written,
-/// of which the bands are passed over.  The separator is a comma, a semicolon or a tab; beside the
-/// latter two a comma may be the decimal sign.  The first line may be a header; empty lines are
-/// passed over. Ends the command where the file cannot be read or a line is not of that form.
+/// Reads a file of the forms that exchange::ReadCsv takes.
+/// Ends the command where the file cannot be read or a line is not of such a form.
 MeasuredCsv ReadCsv(InputFile in);
 
 /// Ends the command, with its line, where a value is NaN or infinite.

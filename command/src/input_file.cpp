@@ -18,8 +18,7 @@ using common::uint64;
 
 namespace {
 
-constexpr std::size_t kPiece = std::size_t{1} << 16;        // [byte] read at a time
-constexpr std::size_t kLongestLine = std::size_t{1} << 16;  // [byte]
+constexpr std::size_t kPiece = std::size_t{1} << 16;  // [byte] read at a time
 
 /// What this run of the command has read.
 std::set<FileId>& Inputs() {
@@ -62,10 +61,10 @@ bool InputFile::Append() {
   return n != 0;
 }
 
-bool InputFile::Fill() {
+void InputFile::Fill() {
   buffer_.clear();
   at_ = 0;
-  return Append();
+  Append();
 }
 
 std::string_view InputFile::Head() {
@@ -75,30 +74,20 @@ std::string_view InputFile::Head() {
   return buffer_;
 }
 
+std::span<char> InputFile::ReadPiece() {
+  if (at_ == buffer_.size()) Fill();
+  const std::span<char> piece = std::span(buffer_).subspan(at_);
+  at_ = buffer_.size();
+  return piece;
+}
+
 std::vector<unsigned char> InputFile::ReadAll(uint64 most) {
   std::vector<unsigned char> bytes;
-  while (at_ != buffer_.size() || Fill()) {
-    bytes.insert(bytes.end(), buffer_.begin() + static_cast<std::ptrdiff_t>(at_), buffer_.end());
-    at_ = buffer_.size();
+  for (auto piece = ReadPiece(); !piece.empty(); piece = ReadPiece()) {
+    bytes.insert(bytes.end(), piece.begin(), piece.end());
     if (bytes.size() > most) Fail(name_, fmt::format("is larger than {} bytes", most));
   }
   return bytes;
-}
-
-bool InputFile::ReadLine(std::string* line) {
-  line->clear();
-  bool any = false;
-  while (at_ != buffer_.size() || Fill()) {
-    any = true;
-    const std::size_t end = buffer_.find('\n', at_);
-    line->append(buffer_, at_, end == std::string::npos ? end : end - at_);
-    if (line->size() > kLongestLine) {
-      Fail(name_, fmt::format("has a line of more than {} bytes", kLongestLine));
-    }
-    at_ = end == std::string::npos ? buffer_.size() : end + 1;
-    if (end != std::string::npos) break;
-  }
-  return any;
 }
 
 std::vector<unsigned char> ReadFile(const std::string& file) { return InputFile(file).ReadAll(); }

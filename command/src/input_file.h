@@ -1,6 +1,7 @@
 // Input files: read once from their beginning, whatever they are, and remembered.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,12 +31,13 @@ class InputFile {
   /// @param[in] most  [byte] that it may have
   std::vector<unsigned char> ReadAll(common::uint64 most = kLargestFile);
 
-  /// The next line, without its end; false at the end of the file.
-  bool ReadLine(std::string* line);
+  /// The bytes that come next, as many as are at hand; none at the end of the file.  They stay
+  /// until more are asked for.
+  std::span<char> ReadPiece();
 
  private:
   bool Append();
-  bool Fill();
+  void Fill();
 
   std::string name_;
   Descriptor file_;

@@ -3,7 +3,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cmath>
 #include <string_view>
 #include <utility>
@@ -12,7 +11,8 @@
 #include "csv_reader.h"
 #include "definition/title.h"
 #include "definition_file.h"
-#include "export/uff.h"
+#include "exchange/kind.h"
+#include "exchange/uff.h"
 #include "text/text.h"
 
 namespace qarv::command {
@@ -21,7 +21,6 @@ using definition::Definition;
 using definition::SampleRateOf;
 using definition::TitleOf;
 using text::kByteOrderMark;
-using text::Trimmed;
 
 namespace {
 
@@ -35,10 +34,9 @@ Kind KindOf(InputFile* file) {
   if (extension == ".csv") return Kind::Csv;
   if (extension == ".uff" || extension == ".unv") return Kind::UniversalFile;
   std::string_view head = file->Head();
-  if (head.starts_with(kByteOrderMark)) head.remove_prefix(kByteOrderMark.size());
-  const std::string_view line = head.substr(0, head.find('\n'));
-  if (line.starts_with(kUffDelimiter) && Trimmed(line) == Trimmed(kUffDelimiter))
+  if (exchange::DetectKind(exchange::BytesOf(head)) == exchange::Kind::Uff)
     return Kind::UniversalFile;
+  if (head.starts_with(kByteOrderMark)) head.remove_prefix(kByteOrderMark.size());
   const std::size_t first = head.find_first_not_of(" \t\r\n");
   if (first != std::string_view::npos && head[first] == '{') return Kind::Definition;
   // The version of a record is a small number of four bytes, of which no text has the like.
@@ -53,12 +51,25 @@ wave_def::CWaveDef Load(Kind kind, InputFile file) {
   return kind == Kind::Definition ? LoadDefinition(std::move(file)) : ReadRecord(std::move(file));
 }
 
+/// The first function of a universal file.
+InputWave LoadUniversalFile(InputFile in) {
+  const std::string file = in.GetName();
+  try {
+    const exchange::Signal signal = std::move(exchange::ReadUff(in.ReadAll()).front());
+    InputWave out{{}, signal.fsamp, signal.unit, signal.begin, ""};
+    out.samples.SetData(signal.values.size(), signal.values.data(), false);
+    return out;
+  } catch (const exchange::Error& error) {
+    if (error.GetLine() == 0) Fail(file, error);
+    Fail(file, fmt::format("line {}: {}", error.GetLine(), error.what()));
+  }
+}
+
 InputWave LoadSamples(Kind kind, InputFile in, std::optional<double> fsamp) {
   const std::string file = in.GetName();
   if (kind == Kind::UniversalFile) {
     if (fsamp) FailWithOwnRate(file);
-    UffFunction function = std::move(ReadUff(std::move(in)).front());
-    return {std::move(function.samples), function.fsamp, function.unit, function.begin, ""};
+    return LoadUniversalFile(std::move(in));
   }
   MeasuredCsv csv = ReadCsv(std::move(in));
   if (csv.times.empty() && !fsamp) {

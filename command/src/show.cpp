@@ -4,8 +4,8 @@
 #include <filesystem>
 
 #include "command_error.h"
-#include "csv_writer.h"
 #include "definition_file.h"
+#include "export_files.h"
 #include "output_files.h"
 
 namespace qarv::command {
