@@ -1,7 +1,9 @@
 // The shock response spectrum of a long record.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cmath>
+#include <random>
 #include <vector>
 
 #include "analysis/srs.h"
@@ -34,10 +36,31 @@ void BM_CalcSrs(benchmark::State& state) {
 }
 BENCHMARK(BM_CalcSrs)->Unit(benchmark::kMillisecond);
 
-/// Every top is as high as the others, and may be the highest.
+/// Every top is as high as the others, or higher than those before: any may be the highest.
 void BM_CalcSrsOfASine(benchmark::State& state) {
   Spectrum(state, [](double t) { return std::sin(3142 * t); });
 }
 BENCHMARK(BM_CalcSrsOfASine)->Unit(benchmark::kMillisecond);
+
+void BM_CalcSrsOfAGrowingSine(benchmark::State& state) {
+  Spectrum(state, [](double t) { return t * std::sin(31416 * t); });
+}
+BENCHMARK(BM_CalcSrsOfAGrowingSine)->Unit(benchmark::kMillisecond);
+
+void BM_CalcSrsOfABurst(benchmark::State& state) {
+  Spectrum(state, [](double t) { return std::min(1.0, 20 * t) * std::sin(12566 * t); });
+}
+BENCHMARK(BM_CalcSrsOfABurst)->Unit(benchmark::kMillisecond);
+
+void BM_CalcSrsOfASweep(benchmark::State& state) {
+  Spectrum(state, [](double t) { return std::sin((125 + 12000 * t) * t); });
+}
+BENCHMARK(BM_CalcSrsOfASweep)->Unit(benchmark::kMillisecond);
+
+void BM_CalcSrsOfGrowingNoise(benchmark::State& state) {
+  std::mt19937 random(1);
+  Spectrum(state, [&](double t) { return t * (static_cast<double>(random()) / 0x1p31 - 1.0); });
+}
+BENCHMARK(BM_CalcSrsOfGrowingNoise)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "analysis/exact_response.h"
@@ -155,6 +156,65 @@ TEST(SrsExact, OfAnInputThatKeepsTheResponseAtItsHighest) {
   std::vector<double> shock(3000);
   for (std::size_t k = 0; k < shock.size(); ++k) shock[k] = std::sin(0.61 * static_cast<double>(k));
   ExpectExact(shock, {0.08, 1, 0.02, AbsoluteAcceleration});
+}
+
+/// A sine of @p cycles per sample, whose amplitude is a function of the sample.
+template <class F>
+std::vector<double> SineUnder(std::size_t n, double cycles, F amplitude) {
+  std::vector<double> x(n);
+  for (std::size_t k = 0; k < n; ++k) {
+    x[k] = amplitude(static_cast<double>(k)) * std::sin(2 * kPi * cycles * static_cast<double>(k));
+  }
+  return x;
+}
+
+TEST(SrsExact, OfInputsWhoseEveryTopMayBeTheHighest) {
+  const std::vector<double> shocks[] = {
+      SineUnder(1500, 0.1, [](double k) { return k; }),
+      SineUnder(1500, 0.04, [](double k) { return std::min(1.0, k / 500); }),
+      SineUnder(1500, 0.237, [](double k) { return 1 + k / 1e5; })};
+  for (const auto& shock : shocks) {
+    for (const double f : {20.0, 700.0, 4950.0}) {
+      for (const SrsResponse response : {AbsoluteAcceleration, RelativeDisplacement}) {
+        ExpectExact(shock, {f, 50000, 0.05, response});
+      }
+    }
+  }
+}
+
+TEST(SrsExact, ManyNearlyEqualTopsAreSearchedWithLittleWork) {
+  constexpr std::size_t n = 40000;
+  constexpr double kFsamp = 50000;
+  std::vector<double> frequencies(80);
+  for (std::size_t i = 0; i < 80; ++i) {
+    frequencies[i] = 10 * std::pow(300.0, static_cast<double>(i) / 79);
+  }
+  test::RandomValues random(76);
+  std::vector<double> noise = Noise(&random, n);
+  for (std::size_t k = 0; k < n; ++k) noise[k] *= 1 + static_cast<double>(k) / n;
+  std::vector<double> sweep(n);
+  for (std::size_t k = 0; k < n; ++k) {
+    const double t = static_cast<double>(k) / n;
+    sweep[k] = (1 + t) * std::sin(2 * kPi * 0.05 * t * static_cast<double>(k));
+  }
+  const std::pair<const char*, std::vector<double>> shocks[] = {
+      {"growing sine", SineUnder(n, 0.1, [](double k) { return k; })},
+      {"slowly growing sine", SineUnder(n, 0.1, [](double k) { return 1 + k / 1e6; })},
+      {"constant sine", SineUnder(n, 0.1, [](double) { return 1.0; })},
+      {"burst", SineUnder(n, 0.04, [](double k) { return std::min(1.0, k / 2500); })},
+      {"growing noise", noise},
+      {"sweep", sweep}};
+  for (const auto& [name, shock] : shocks) {
+    SCOPED_TRACE(name);
+    SearchWork work;
+    CalcSrsWith(common::BestInstructionSet(), shock, kFsamp, frequencies, 0.05,
+                AbsoluteAcceleration, &work);
+    const double all = static_cast<double>(n) * static_cast<double>(frequencies.size());
+    EXPECT_GT(work.crests, 0U);
+    EXPECT_LT(static_cast<double>(work.looked) * 16 / all, 1.1);
+    EXPECT_LT(static_cast<double>(work.examined) / all, 0.06);
+    EXPECT_LT(static_cast<double>(work.crests) / all, 0.002);
+  }
 }
 
 TEST(SrsExact, SilenceBeforeAShockAndBehindItChangesNothing) {

@@ -20,7 +20,7 @@
 namespace qarv::analysis {
 
 inline constexpr std::size_t kLanes = 16;  // as many recursions hide the latency of one
-using Lanes = std::array<double, kLanes>;
+struct alignas(64) Lanes : std::array<double, kLanes> {};  // none of its vectors in two lines
 
 /// What takes a response from one sampling interval to the next; d is its difference.
 ///
@@ -64,6 +64,11 @@ class StiffBank {
     kept_[lane] = rule.kept;
     held_[lane] = rule.held / rule.newest;
     before_[lane] = rule.before / rule.newest;
+    slopeByStep_[lane] = 1.0 / o.impulse;
+    slopeByY_[lane] = o.h2 * o.constant / o.impulse;
+    slopeByX_[lane] = drive.level * o.constant / o.impulse / rule.newest;
+    slopeByChange_[lane] =
+        (drive.change * o.constant + drive.level * o.ramp) / o.impulse / rule.newest;
   }
 
   /// The output is this times the response; it makes the coefficient of the newest change 1.
@@ -76,6 +81,12 @@ class StiffBank {
     y += d;
   }
   QARV_LANES_INLINE double Response(std::size_t, std::size_t, double y, double) const { return y; }
+  /// At point i, from the state there and the one behind it.
+  QARV_LANES_INLINE double Slope(std::size_t lane, std::size_t i, double y, double, double,
+                                 double d) const {
+    return (slopeByStep_[lane] * d + slopeByY_[lane] * y) -
+           (slopeByX_[lane] * acceleration_[i] + slopeByChange_[lane] * change_[i + 1]);
+  }
 
   /// The response over interval i, which leads from one state to the other.
   Arc ArcOf(const Oscillator& o, const Drive& drive, std::size_t lane, std::size_t i,
@@ -91,6 +102,7 @@ class StiffBank {
   const double* acceleration_;
   const double* change_;
   Lanes stiffness_{}, kept_{}, held_{}, before_{};
+  Lanes slopeByStep_{}, slopeByY_{}, slopeByX_{}, slopeByChange_{};
   Lanes scale_{};
 };
 
@@ -115,6 +127,8 @@ class SoftBank {
     gainByV_[lane] = o.s2 * o.impulse + o.h2 * o.constant;
     level_[lane] = drive.level;
     slope_[lane] = drive.change;
+    s2_[lane] = o.s2;
+    h2_[lane] = o.h2;
   }
 
   double Scale(std::size_t) const { return 1.0; }
@@ -130,6 +144,12 @@ class SoftBank {
   }
   QARV_LANES_INLINE double Response(std::size_t lane, std::size_t i, double r, double q) const {
     return level_[lane] * (displacement_[i] - r) + slope_[lane] * (velocity_[i] - q);
+  }
+  QARV_LANES_INLINE double Slope(std::size_t lane, std::size_t i, double r, double q, double,
+                                 double) const {
+    const double u = displacement_[i] - r;
+    const double v = velocity_[i] - q;
+    return level_[lane] * v + slope_[lane] * (acceleration_[i] - s2_[lane] * v - h2_[lane] * u);
   }
 
   Arc ArcOf(const Oscillator& o, const Drive& drive, std::size_t, std::size_t i,
@@ -154,7 +174,7 @@ class SoftBank {
   const double* velocity_;
   const double* displacement_;
   Lanes moveByU_{}, moveByV_{}, moveByX_{}, moveByChange_{}, gainByU_{}, gainByV_{};
-  Lanes level_{}, slope_{};
+  Lanes level_{}, slope_{}, s2_{}, h2_{};
 };
 
 }  // namespace qarv::analysis

@@ -1,6 +1,7 @@
 // Power series of an oscillator's response within a sampling interval, and its free decay.
 #include "srs/oscillator.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -80,6 +81,35 @@ double Oscillator::Zero(const Series& y, double low, double high, F f) const {
     if (arrived) break;
   }
   return t;
+}
+
+Oscillator::Bounds Oscillator::CrestBounds(const Arc& arc) const {
+  constexpr double kInfinite = std::numeric_limits<double>::infinity();
+  constexpr double kRounding = 1e-13;
+  const double y1 = ValueAfter(arc);
+  const double p = arc.slope;
+  const double q = SlopeAfter(arc);
+  if (p <= 0.0 && q >= 0.0) return {-kInfinite, -kInfinite};
+  // From the second one on, each derivative is a free response with the next one as its slope, and
+  // stays below the sum of both.
+  const double second = Bend(arc);
+  const double third = arc.rise - s2 * second - h2 * p;
+  const double fourth = -s2 * third - h2 * second;
+  const double fifth = -s2 * fourth - h2 * third;
+  const double rounding = kRounding * (std::fabs(arc.y) + std::fabs(arc.force) + std::fabs(p));
+  if (!(p > 0.0 && q < 0.0)) {
+    // Slopes differ from a straight line by less than t (1 - t) / 2 of the third derivative.
+    const double hidden = 0.5 * (std::fabs(third) + std::fabs(fourth)) + rounding;
+    const bool none = std::max(std::fabs(p), std::fabs(q)) > hidden;
+    return {-kInfinite, none ? -kInfinite : kInfinite};
+  }
+  const double rise = y1 - arc.y;
+  const double b = 3.0 * rise - 2.0 * p - q;
+  const double c = p + q - 2.0 * rise;
+  const double t = p / (std::sqrt(std::fabs(b * b - 3.0 * c * p)) - b);
+  const double top = arc.y + t * (p + t * (b + t * c));
+  const double error = (std::fabs(fourth) + std::fabs(fifth)) / 384.0 + rounding;
+  return {top - error, top + error};
 }
 
 double Oscillator::Crest(const Arc& arc) const {

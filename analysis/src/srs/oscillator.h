@@ -51,6 +51,13 @@ class Oscillator {
     return 0.125 * (bend + rise + s2 * bend + h2 * slope);
   }
 
+  /// Where a top lies at least and at most; minus infinity if the response has no top.
+  struct Bounds {
+    double least, most;
+  };
+  /// Of the top inside an interval, by a cubic through its ends.
+  Bounds CrestBounds(const Arc& arc) const;
+
   /// The highest point inside an interval; minus infinity if the response has no top there.
   double Crest(const Arc& arc) const;
 

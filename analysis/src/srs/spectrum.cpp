@@ -2,13 +2,18 @@
 //
 // All samples are visited in lanes, in blocks.  A response rises above its samples by less than a
 // margin that follows from the block's extremes; blocks that can hold an extreme of the spectrum
-// are kept with the state before them, and walked again at the end, when the highest sample is
-// known.  Few are left then, and few intervals in them, whose tops are found in closed form.
+// are kept with the state before them until more of the shock is known.  Where many are left, as
+// of a shock that grows, they are looked at closely, in lanes again: cubics through samples and
+// slopes tell every top to within its fourth derivative over 384.  What is left then is few, and
+// few intervals in it, whose tops are found in closed form.
 #include "srs/spectrum.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "common/numeric/constants.h"
@@ -23,20 +28,11 @@ namespace {
 constexpr std::size_t kBlock = 64;       // [interval]
 constexpr double kRounded = 1.0 + 1e-6;  // margins are no tighter than their rounding
 
-/// A block that may hold an extreme of one oscillator.
-struct Candidate {
-  std::size_t first, last;  // its intervals are those from first to before last
-  LaneState before;
-  double high, low;  // of the samples
-  double margin;     // how far the response can go beyond them
-};
-
 /// One oscillator.
 struct Line {
   std::size_t index;  // among the frequencies
   Oscillator oscillator;
   Drive drive;
-  std::vector<Candidate> candidates{};
 };
 
 /// By how much responses can leave the range of their samples in a block, from that range, the
@@ -77,9 +73,18 @@ std::vector<BlockPeaks> PeaksOf(const BaseMotion& base) {
   return peaks;
 }
 
-/// What the samples of a block have shown.
+/// The extremes of a block, as far as they have been seen, and how far the responses can go beyond.
 struct BlockTrack {
   Lanes high{}, low{}, margin{};
+};
+
+/// A block that may hold an extreme of some of a bank's lines.
+struct Candidate {
+  std::size_t first, last;  // its intervals are those from first to before last
+  BankState before;
+  BlockTrack track;
+  Lanes within;  // how far the responses can go beyond the ends of an interval
+  bool seenClosely = false;
 };
 
 /// Takes a bank through a block.
@@ -105,20 +110,35 @@ QARV_LANES_INLINE void Walk(const Bank& bank, std::size_t first, std::size_t las
   track->low = low;
 }
 
-/// The margins of a block; whether any of its responses can go beyond `best`.
-QARV_LANES_INLINE bool Compare(const MarginRules& rules, const BlockPeaks& peaks,
-                               const BlockTrack& best, BlockTrack* block) {
-  double beyond = 0.0;
+/// The margins of a block.
+QARV_LANES_INLINE void SetMargins(const MarginRules& rules, const BlockPeaks& peaks,
+                                  BlockTrack* block) {
   for (std::size_t k = 0; k < kLanes; ++k) {
     const double high = block->high[k];
     const double low = block->low[k];
     const double level = high > -low ? high : -low;
-    const double margin = rules.byRange[k] * (high - low) + rules.byLevel[k] * level +
-                          rules.byX[k] * peaks.x + rules.byChange[k] * peaks.change;
-    block->margin[k] = margin;
-    beyond += (high + margin > best.high[k] ? 1.0 : 0.0) + (low - margin < best.low[k] ? 1.0 : 0.0);
+    block->margin[k] = rules.byRange[k] * (high - low) + rules.byLevel[k] * level +
+                       rules.byX[k] * peaks.x + rules.byChange[k] * peaks.change;
   }
-  return beyond > 0.0;
+}
+
+/// Whether any response of a block can go beyond `best`.
+QARV_LANES_INLINE bool AnyBeyond(const BlockTrack& best, const BlockTrack& block) {
+  std::uint64_t beyond = 0;
+  for (std::size_t k = 0; k < kLanes; ++k) {
+    const double high = block.high[k] + block.margin[k];
+    const double low = block.low[k] - block.margin[k];
+    beyond |= (high > best.high[k] ? 1U : 0U) | (low < best.low[k] ? 1U : 0U);
+  }
+  return beyond != 0;
+}
+
+/// Raises `best` to what the responses of a block reach at least.
+QARV_LANES_INLINE void RaiseTo(const Lanes& high, const Lanes& low, BlockTrack* best) {
+  for (std::size_t k = 0; k < kLanes; ++k) {
+    best->high[k] = high[k] > best->high[k] ? high[k] : best->high[k];
+    best->low[k] = low[k] < best->low[k] ? low[k] : best->low[k];
+  }
 }
 
 /// A response that has died away would be carried on in numbers with which processors are slow.
@@ -133,40 +153,201 @@ QARV_LANES_INLINE void Silence(BankState* state) {
   }
 }
 
+/// How far a cubic through two points and their slopes can be from the response, and from which
+/// slope on there is no turn that the ends do not show.
+struct CubicRules {
+  Lanes h2{}, s2{}, forceByX{}, forceByChange{}, riseByChange{}, rounding{};
+
+  void Set(std::size_t lane, const Oscillator& o, const Drive& drive, double scale) {
+    h2[lane] = o.h2;
+    s2[lane] = o.s2;
+    forceByX[lane] = drive.level / scale;
+    forceByChange[lane] = drive.change / scale;
+    riseByChange[lane] = drive.level / scale;
+    rounding[lane] = 1e-13 / o.impulse;
+  }
+};
+
+/// Of each lane: one interval with a turn, by its ends; an old one where the first slope is 0.
+struct Turns {
+  Lanes y0{}, y1{}, s0{}, s1{};
+};
+
+QARV_LANES_INLINE bool AnyTurn(const Turns& turns) {
+  std::uint64_t any = 0;  // sums of doubles would be added one by one
+  for (std::size_t k = 0; k < kLanes; ++k) any |= std::bit_cast<std::uint64_t>(turns.s0[k]);
+  return any != 0;
+}
+
+/// What a closer look at a block has shown.
+struct CloseTrack {
+  Lanes high{}, low{};
+  Lanes steepest{};  // of the slopes
+  Lanes flattest{};  // the larger slope of an interval without a turn
+  Lanes missed{};    // turns
+};
+
+/// Both are read before one is chosen, which leaves no branch in a loop over lanes.
+QARV_LANES_INLINE double Choose(bool first, double a, double b) { return first ? a : b; }
+QARV_LANES_INLINE double Higher(double a, double b) { return a > b ? a : b; }
+QARV_LANES_INLINE double Lower(double a, double b) { return a < b ? a : b; }
+
+/// The tops and bottoms of the cubics.
+QARV_LANES_INLINE void Turn(const Turns& turns, CloseTrack* track) {
+  constexpr double kTiny = 1e-300;  // above 0 without a turn
+  for (std::size_t k = 0; k < kLanes; ++k) {
+    // A bottom is the top of what is mirrored.
+    const double sign = std::copysign(1.0, turns.s0[k]);
+    const double p = sign * turns.s0[k];
+    const double q = sign * turns.s1[k];
+    const double y = sign * turns.y0[k];
+    const double rise = sign * turns.y1[k] - y;
+    // y + p t + b t^2 + c t^3
+    const double b = 3.0 * rise - 2.0 * p - q;
+    const double c = p + q - 2.0 * rise;
+    const double square = b * b - 3.0 * c * p;
+    const double t = p / (std::sqrt(std::fabs(square)) - b + kTiny);
+    const double turn = sign * (y + t * (p + t * (b + t * c)));
+    // Without a turn this is an old sample, which changes nothing.
+    track->high[k] = Higher(turn, track->high[k]);
+    track->low[k] = Lower(turn, track->low[k]);
+  }
+}
+
+/// Walks through a block again, this time with the slopes at its samples.  Of each window one turn
+/// is looked into, and further ones are missed: it should be as long as the fastest lane's half
+/// cycle.
+template <std::size_t kWindow, class Bank>
+QARV_LANES_INLINE void WalkClosely(const Bank& bank, const BlockTrack& best, const Candidate& c,
+                                   CloseTrack* track) {
+  constexpr double kSteep = 1e300;
+  BankState s = c.before;
+  Lanes y0, s0, above, under;
+  CloseTrack t;
+  Turns turns;
+  const auto step = [&](std::size_t k, std::size_t i, double* y, double* slope) QARV_LANES {
+    const double a = s.a[k];
+    const double b = s.b[k];
+    bank.Step(k, i, s.a[k], s.b[k]);
+    *y = bank.Response(k, i, a, b);
+    *slope = bank.Slope(k, i, a, b, s.a[k], s.b[k]);
+  };
+  for (std::size_t k = 0; k < kLanes; ++k) {
+    above[k] = best.high[k] - c.track.margin[k];
+    under[k] = best.low[k] + c.track.margin[k];
+    t.high[k] = c.track.high[k];
+    t.low[k] = c.track.low[k];
+    t.flattest[k] = kSteep;
+    t.missed[k] = 0.0;
+    step(k, c.first, &y0[k], &s0[k]);
+    turns.y0[k] = turns.y1[k] = y0[k];
+    t.steepest[k] = std::fabs(s0[k]);
+  }
+  for (std::size_t first = c.first; first < c.last; first += kWindow) {
+    const std::size_t last = first + kWindow < c.last ? first + kWindow : c.last;
+    for (std::size_t k = 0; k < kLanes; ++k) turns.s0[k] = 0.0;
+    for (std::size_t i = first; i < last; ++i) {
+      for (std::size_t k = 0; k < kLanes; ++k) {
+        double y1;
+        double s1;
+        step(k, i + 1, &y1, &s1);
+        const double before = y0[k];
+        const double slope = s0[k];
+        const double reach =
+            Higher(Higher(before, y1) - above[k], under[k] - Lower(before, y1));  // if above 0
+        const double size = Higher(std::fabs(slope), std::fabs(s1));
+        const double turning = Lower(reach, -(slope * s1));
+        const double flat = Choose(slope * s1 < 0.0, kSteep, size);
+        t.flattest[k] = Lower(Choose(reach > 0.0, flat, kSteep), t.flattest[k]);
+        t.steepest[k] = Higher(size, t.steepest[k]);
+        const double kept0 = turns.y0[k];
+        const double kept1 = turns.y1[k];
+        const double keptSlope0 = turns.s0[k];
+        const double keptSlope1 = turns.s1[k];
+        t.missed[k] += Choose(turning > 0.0, std::fabs(keptSlope0), 0.0);
+        turns.y0[k] = Choose(turning > 0.0, before, kept0);
+        turns.y1[k] = Choose(turning > 0.0, y1, kept1);
+        turns.s0[k] = Choose(turning > 0.0, slope, keptSlope0);
+        turns.s1[k] = Choose(turning > 0.0, s1, keptSlope1);
+        y0[k] = y1;
+        s0[k] = s1;
+      }
+    }
+    if (AnyTurn(turns)) Turn(turns, &t);
+  }
+  *track = t;
+}
+
+/// Puts the cubics' extremes and error bound in the place of a block's, where no turn was missed;
+/// raises `sure` to what they reach at least.
+QARV_LANES_INLINE void Tighten(const CubicRules& rules, const BlockPeaks& peaks,
+                               const CloseTrack& seen, BlockTrack* block, BlockTrack* sure) {
+  Lanes high;
+  Lanes low;
+  for (std::size_t k = 0; k < kLanes; ++k) {
+    const double h2 = rules.h2[k];
+    const double s2 = rules.s2[k];
+    const double level = seen.high[k] > -seen.low[k] ? seen.high[k] : -seen.low[k];
+    // At the samples; each derivative, from the second one on, is a free response with the next
+    // one as its slope, and stays below the sum of both.
+    const double second = rules.forceByX[k] * peaks.x + rules.forceByChange[k] * peaks.change +
+                          h2 * level + s2 * seen.steepest[k];
+    const double third = rules.riseByChange[k] * peaks.change + s2 * second + h2 * seen.steepest[k];
+    const double fourth = s2 * third + h2 * second;
+    const double fifth = s2 * fourth + h2 * third;
+    const double error = kRounded / 384.0 * (fourth + fifth) + rules.rounding[k] * (level + second);
+    // Between ends that both rise or both fall, slopes differ from a straight line by less than
+    // t (1 - t) / 2 of the third derivative.
+    const double flat = 0.5 * kRounded * (third + fourth) + rules.rounding[k] * (level + second);
+    const double margin = block->margin[k];
+    const double clear = Choose(seen.missed[k] > 0.0, -1.0, seen.flattest[k] - flat);
+    const double better = Choose(clear > 0.0, margin - error, -1.0);
+    const double oldHigh = block->high[k];
+    const double oldLow = block->low[k];
+    block->high[k] = Choose(better > 0.0, seen.high[k], oldHigh);
+    block->low[k] = Choose(better > 0.0, seen.low[k], oldLow);
+    block->margin[k] = Choose(better > 0.0, error, margin);
+    high[k] = seen.high[k] - error;
+    low[k] = seen.low[k] + error;
+  }
+  RaiseTo(high, low, sure);
+}
+
 /// A bank, its lines, and the walk through the shock.
 template <class Bank>
 class Search {
  public:
-  Search(const Bank& bank, const BaseMotion& base, std::span<Line> lines)
-      : bank_(bank), base_(base), lines_(lines) {
+  Search(common::InstructionSet set, const Bank& bank, const BaseMotion& base,
+         std::span<const BlockPeaks> peaks, std::span<Line> lines, SearchWork* work)
+      : set_(set), bank_(bank), base_(base), peaks_(peaks), lines_(lines), work_(work) {
     for (std::size_t k = 0; k < lines.size(); ++k) {
       bank_.Set(k, lines[k].oscillator, lines[k].drive);
       rules_.Set(k, lines[k].oscillator, lines[k].drive, bank_.Scale(k));
+      cubic_.Set(k, lines[k].oscillator, lines[k].drive, bank_.Scale(k));
     }
   }
 
-  void Run(common::InstructionSet set, std::span<const BlockPeaks> peaks) {
+  void Run() {
     for (std::size_t first = 0; first < base_.end; first += kBlock) {
       const std::size_t last = std::min(first + kBlock, base_.end);
       const BankState before = state_;
       BlockTrack block;
       bool beyond = false;
-      common::RunWith(set, [&]() QARV_LANES {
+      common::RunWith(set_, [&]() QARV_LANES {
         Walk(bank_, first, last, &state_, &block);
         Silence(&state_);
-        beyond = Compare(rules_, peaks[first / kBlock], best_, &block);
+        SetMargins(rules_, peaks_[first / kBlock], &block);
+        beyond = AnyBeyond(sure_, block);
+        if (beyond) {
+          RaiseTo(block.high, block.low, &best_);
+          RaiseTo(block.high, block.low, &sure_);
+        }
       });
       if (!beyond) continue;
-      for (std::size_t k = 0; k < lines_.size(); ++k) {
-        Offer(k, {first,
-                  last,
-                  {before.a[k], before.b[k]},
-                  block.high[k],
-                  block.low[k],
-                  block.margin[k]});
-      }
+      candidates_.push_back({first, last, before, block, block.margin});
+      if (candidates_.size() == kMostCandidates) Thin();
     }
-    for (std::size_t k = 0; k < lines_.size(); ++k) Settle(k);
+    Settle();
   }
 
   SrsExtremes Primary(std::size_t k) const {
@@ -192,65 +373,133 @@ class Search {
   }
 
   bool Beyond(std::size_t k, double high, double low, double margin) const {
-    return high + margin > best_.high[k] || low - margin < best_.low[k];
+    return high + margin > sure_.high[k] || low - margin < sure_.low[k];
+  }
+  bool Beyond(std::size_t k, const Candidate& c) const {
+    return Beyond(k, c.track.high[k], c.track.low[k], c.track.margin[k]);
   }
   void Raise(std::size_t k, double high, double low) {
     best_.high[k] = std::max(best_.high[k], high);
     best_.low[k] = std::min(best_.low[k], low);
+    sure_.high[k] = std::max(sure_.high[k], high);
+    sure_.low[k] = std::min(sure_.low[k], low);
   }
 
-  void Offer(std::size_t k, const Candidate& c) {
-    if (!Beyond(k, c.high, c.low, c.margin)) return;
-    Raise(k, c.high, c.low);
-    lines_[k].candidates.push_back(c);
-    if (lines_[k].candidates.size() == kMostCandidates) Thin(k);
+  void DropSurpassed() {
+    std::erase_if(candidates_, [&](const Candidate& c) { return !AnyBeyond(sure_, c.track); });
   }
 
-  /// Drops the candidates that have been surpassed; walks through the others if they are too many.
-  void Thin(std::size_t k) {
-    std::erase_if(lines_[k].candidates,
-                  [&](const Candidate& c) { return !Beyond(k, c.high, c.low, c.margin); });
-    if (lines_[k].candidates.size() > kMostCandidates / 2) Settle(k);
+  /// Drops the candidates that have been surpassed; if too many are left, looks at them closely,
+  /// and if still too many are left, into their intervals.
+  void Thin() {
+    DropSurpassed();
+    if (candidates_.size() > kMostCandidates / 2) LookClosely();
+    if (candidates_.size() > kMostCandidates / 2) Settle();
   }
 
-  void Settle(std::size_t k) {
-    for (const Candidate& c : lines_[k].candidates) {
-      if (Beyond(k, c.high, c.low, c.margin)) Examine(k, c);
+  void LookClosely() {
+    // From the last one on: the best of a shock that grows.
+    for (std::size_t n = candidates_.size(); n-- > 0;) {
+      Candidate& c = candidates_[n];
+      if (c.seenClosely || !AnyBeyond(sure_, c.track)) continue;
+      c.seenClosely = true;
+      const CloseTrack seen = LookAt<4>(&c);
+      std::size_t crowded = 0;
+      for (std::size_t k = 0; k < lines_.size(); ++k) {
+        if (seen.missed[k] > 0.0 && Beyond(k, c)) ++crowded;
+      }
+      if (crowded > kLanes / 4) LookAt<1>(&c);
     }
-    lines_[k].candidates.clear();
+    DropSurpassed();
   }
 
-  /// Walks through a block again, and into the intervals that may hold an extreme.
+  template <std::size_t kWindow>
+  CloseTrack LookAt(Candidate* c) {
+    CloseTrack seen;
+    common::RunWith(set_, [&]() QARV_LANES {
+      WalkClosely<kWindow>(bank_, sure_, *c, &seen);
+      Tighten(cubic_, peaks_[c->first / kBlock], seen, &c->track, &sure_);
+    });
+    work_->looked += c->last - c->first;
+    return seen;
+  }
+
+  void Settle() {
+    LookClosely();
+    for (std::size_t n = candidates_.size(); n-- > 0;) {
+      const Candidate& c = candidates_[n];
+      for (std::size_t k = 0; k < lines_.size(); ++k) {
+        if (Beyond(k, c)) Examine(k, c);
+      }
+    }
+    candidates_.clear();
+  }
+
+  /// Walks through a block again, and into the intervals that may hold an extreme: first by
+  /// bounds, of which the highest leave few intervals for the closed form.
   void Examine(std::size_t k, const Candidate& c) {
     const Oscillator& o = lines_[k].oscillator;
-    LaneState from = c.before;
+    LaneState from{c.before.a[k], c.before.b[k]};
     double y = bank_.Response(k, c.first, from.a, from.b);
+    work_->examined += c.last - c.first;
     for (std::size_t i = c.first; i < c.last; ++i) {
       const LaneState to = Next(k, i, from);
       const double next = bank_.Response(k, i + 1, to.a, to.b);
       const double high = std::max(y, next);
       const double low = std::min(y, next);
       // From rest, in the first interval, a response to a straight line only rises or only falls.
-      if (i > 0 && Beyond(k, high, low, c.margin)) {
+      if (i > 0 && Beyond(k, high, low, c.within[k])) {
         const Arc arc = ArcOf(k, i, from, to);
         const double margin =
             kRounded * o.Margin(std::fabs(arc.slope), std::fabs(o.Bend(arc)), std::fabs(arc.rise));
-        if (high + margin > best_.high[k]) Raise(k, o.Crest(arc), 0.0);
-        if (low - margin < best_.low[k]) Raise(k, 0.0, -o.Crest(-arc));
+        if (high + margin > sure_.high[k]) Expect(k, arc, false);
+        if (low - margin < sure_.low[k]) Expect(k, -arc, true);
       }
       from = to;
       y = next;
+    }
+    for (const Top& top : tops_) {
+      if (!(top.most > (top.mirrored ? -sure_.low[k] : sure_.high[k]))) continue;
+      ++work_->crests;
+      const double crest = o.Crest(top.arc);
+      Raise(k, top.mirrored ? 0.0 : crest, top.mirrored ? -crest : 0.0);
+    }
+    tops_.clear();
+  }
+
+  /// A top, or a mirrored bottom, that may be an extreme.
+  struct Top {
+    Arc arc;
+    bool mirrored;
+    double most;
+  };
+  void Expect(std::size_t k, const Arc& arc, bool mirrored) {
+    const Oscillator::Bounds bounds = lines_[k].oscillator.CrestBounds(arc);
+    double& sure = mirrored ? sure_.low[k] : sure_.high[k];
+    if (!(bounds.most > (mirrored ? -sure : sure))) return;
+    tops_.push_back({arc, mirrored, bounds.most});
+    if (mirrored) {
+      sure = std::min(sure, -bounds.least);
+    } else {
+      sure = std::max(sure, bounds.least);
     }
   }
 
   static constexpr std::size_t kMostCandidates = 64;
 
+  common::InstructionSet set_;
   Bank bank_;
   const BaseMotion& base_;
+  std::span<const BlockPeaks> peaks_;
   std::span<Line> lines_;
+  SearchWork* work_;
   MarginRules rules_;
+  CubicRules cubic_;
   BankState state_;
-  BlockTrack best_;  // so far, with 0
+  BlockTrack best_;  // so far, with 0: samples, and tops in closed form
+  BlockTrack sure_;  // what the extremes reach at least
+  std::vector<Candidate> candidates_;
+  std::vector<Top> tops_;
 };
 
 SrsExtremes Times(const SrsExtremes& e, double factor) {
@@ -263,7 +512,9 @@ SrsExtremes Times(const SrsExtremes& e, double factor) {
 
 std::vector<SrsPoint> CalcSrsWith(common::InstructionSet set, std::span<const double> shock,
                                   double fsamp, std::span<const double> frequencies, double zeta,
-                                  SrsResponse response) {
+                                  SrsResponse response, SearchWork* work) {
+  SearchWork uncounted;
+  if (work == nullptr) work = &uncounted;
   const BaseMotion base(shock);
   const std::vector<BlockPeaks> peaks = PeaksOf(base);
   std::vector<SrsPoint> points;
@@ -278,8 +529,8 @@ std::vector<SrsPoint> CalcSrsWith(common::InstructionSet set, std::span<const do
   const auto run = [&](const auto& bank, std::span<Line> lines) {
     for (std::size_t first = 0; first < lines.size(); first += kLanes) {
       const auto some = lines.subspan(first, std::min(kLanes, lines.size() - first));
-      Search search(bank, base, some);
-      search.Run(set, peaks);
+      Search search(set, bank, base, peaks, some, work);
+      search.Run();
       for (std::size_t k = 0; k < some.size(); ++k) {
         const double unit = UnitOf(some[k].oscillator, response, fsamp) * base.unit;
         points[some[k].index].primary = Times(search.Primary(k), unit);
