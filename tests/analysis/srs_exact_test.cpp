@@ -169,8 +169,11 @@ std::vector<double> SineUnder(std::size_t n, double cycles, F amplitude) {
 }
 
 TEST(SrsExact, OfInputsWhoseEveryTopMayBeTheHighest) {
+  test::RandomValues random(77);
+  std::vector<double> noise = Noise(&random, 1500);
+  for (std::size_t k = 0; k < noise.size(); ++k) noise[k] *= std::pow(static_cast<double>(k), 3.0);
   const std::vector<double> shocks[] = {
-      SineUnder(1500, 0.1, [](double k) { return k; }),
+      noise, SineUnder(1500, 0.1, [](double k) { return k; }),
       SineUnder(1500, 0.04, [](double k) { return std::min(1.0, k / 500); }),
       SineUnder(1500, 0.237, [](double k) { return 1 + k / 1e5; })};
   for (const auto& shock : shocks) {

@@ -133,6 +133,12 @@ QARV_LANES_INLINE bool AnyBeyond(const BlockTrack& best, const BlockTrack& block
   return beyond != 0;
 }
 
+QARV_LANES_INLINE bool AnyAbove(const Lanes& a, const Lanes& b) {
+  std::uint64_t above = 0;
+  for (std::size_t k = 0; k < kLanes; ++k) above |= a[k] > b[k] ? 1U : 0U;
+  return above != 0;
+}
+
 /// Raises `best` to what the responses of a block reach at least.
 QARV_LANES_INLINE void RaiseTo(const Lanes& high, const Lanes& low, BlockTrack* best) {
   for (std::size_t k = 0; k < kLanes; ++k) {
@@ -185,6 +191,8 @@ struct CloseTrack {
   Lanes steepest{};  // of the slopes
   Lanes flattest{};  // the larger slope of an interval without a turn
   Lanes missed{};    // turns
+  Lanes sampleHigh{}, sampleLow{};
+  BankState after{};
 };
 
 /// Both are read before one is chosen, which leaves no branch in a loop over lanes.
@@ -233,20 +241,20 @@ QARV_LANES_INLINE void WalkClosely(const Bank& bank, const BlockTrack& best, con
     *slope = bank.Slope(k, i, a, b, s.a[k], s.b[k]);
   };
   for (std::size_t k = 0; k < kLanes; ++k) {
-    above[k] = best.high[k] - c.track.margin[k];
-    under[k] = best.low[k] + c.track.margin[k];
-    t.high[k] = c.track.high[k];
-    t.low[k] = c.track.low[k];
+    above[k] = best.high[k] - c.within[k];
+    under[k] = best.low[k] + c.within[k];
     t.flattest[k] = kSteep;
     t.missed[k] = 0.0;
     step(k, c.first, &y0[k], &s0[k]);
     turns.y0[k] = turns.y1[k] = y0[k];
+    t.high[k] = t.low[k] = t.sampleHigh[k] = t.sampleLow[k] = y0[k];
     t.steepest[k] = std::fabs(s0[k]);
   }
   for (std::size_t first = c.first; first < c.last; first += kWindow) {
     const std::size_t last = first + kWindow < c.last ? first + kWindow : c.last;
     for (std::size_t k = 0; k < kLanes; ++k) turns.s0[k] = 0.0;
     for (std::size_t i = first; i < last; ++i) {
+      if (i + 1 == c.last) t.after = s;
       for (std::size_t k = 0; k < kLanes; ++k) {
         double y1;
         double s1;
@@ -260,6 +268,8 @@ QARV_LANES_INLINE void WalkClosely(const Bank& bank, const BlockTrack& best, con
         const double flat = Choose(slope * s1 < 0.0, kSteep, size);
         t.flattest[k] = Lower(Choose(reach > 0.0, flat, kSteep), t.flattest[k]);
         t.steepest[k] = Higher(size, t.steepest[k]);
+        t.sampleHigh[k] = Higher(y1, t.sampleHigh[k]);
+        t.sampleLow[k] = Lower(y1, t.sampleLow[k]);
         const double kept0 = turns.y0[k];
         const double kept1 = turns.y1[k];
         const double keptSlope0 = turns.s0[k];
@@ -274,6 +284,10 @@ QARV_LANES_INLINE void WalkClosely(const Bank& bank, const BlockTrack& best, con
       }
     }
     if (AnyTurn(turns)) Turn(turns, &t);
+  }
+  for (std::size_t k = 0; k < kLanes; ++k) {
+    t.high[k] = Higher(t.sampleHigh[k], t.high[k]);
+    t.low[k] = Lower(t.sampleLow[k], t.low[k]);
   }
   *track = t;
 }
@@ -330,21 +344,9 @@ class Search {
   void Run() {
     for (std::size_t first = 0; first < base_.end; first += kBlock) {
       const std::size_t last = std::min(first + kBlock, base_.end);
-      const BankState before = state_;
-      BlockTrack block;
-      bool beyond = false;
-      common::RunWith(set_, [&]() QARV_LANES {
-        Walk(bank_, first, last, &state_, &block);
-        Silence(&state_);
-        SetMargins(rules_, peaks_[first / kBlock], &block);
-        beyond = AnyBeyond(sure_, block);
-        if (beyond) {
-          RaiseTo(block.high, block.low, &best_);
-          RaiseTo(block.high, block.low, &sure_);
-        }
-      });
-      if (!beyond) continue;
-      candidates_.push_back({first, last, before, block, block.margin});
+      Candidate c{first, last, state_, {}, {}};
+      if (!(eager_ ? PassClosely(&c) : Pass(&c))) continue;
+      candidates_.push_back(c);
       if (candidates_.size() == kMostCandidates) Thin();
     }
     Settle();
@@ -372,6 +374,50 @@ class Search {
     return bank_.ArcOf(lines_[k].oscillator, lines_[k].drive, k, i, from, to);
   }
 
+  /// Takes the bank through a block; whether it may hold an extreme.
+  bool Pass(Candidate* c) {
+    bool beyond = false;
+    common::RunWith(set_, [&]() QARV_LANES {
+      Walk(bank_, c->first, c->last, &state_, &c->track);
+      beyond = Arrive(c);
+    });
+    return beyond;
+  }
+
+  QARV_LANES_INLINE bool Arrive(Candidate* c) {
+    Silence(&state_);
+    SetMargins(rules_, peaks_[c->first / kBlock], &c->track);
+    c->within = c->track.margin;
+    margin_ = c->within;
+    if (!AnyBeyond(sure_, c->track)) return false;
+    RaiseTo(c->track.high, c->track.low, &best_);
+    RaiseTo(c->track.high, c->track.low, &sure_);
+    return true;
+  }
+
+  /// The same where a closer look will be needed anyway: one walk instead of two.
+  bool PassClosely(Candidate* c) {
+    bool beyond = false;
+    CloseTrack seen;
+    common::RunWith(set_, [&]() QARV_LANES {
+      for (std::size_t k = 0; k < kLanes; ++k) c->within[k] = 1.25 * margin_[k];
+      const Lanes expected = c->within;
+      WalkClosely<kWindow>(bank_, sure_, *c, &seen);
+      state_ = seen.after;
+      c->track.high = seen.sampleHigh;
+      c->track.low = seen.sampleLow;
+      beyond = Arrive(c);
+      eager_ = beyond;
+      if (!beyond || AnyAbove(c->within, expected)) return;
+      Tighten(cubic_, peaks_[c->first / kBlock], seen, &c->track, &sure_);
+      c->seenClosely = true;
+      beyond = AnyBeyond(sure_, c->track);
+    });
+    work_->looked += c->last - c->first;
+    if (beyond && IsCrowded(seen, *c)) eager_ = c->seenClosely = false;
+    return beyond;
+  }
+
   bool Beyond(std::size_t k, double high, double low, double margin) const {
     return high + margin > sure_.high[k] || low - margin < sure_.low[k];
   }
@@ -393,8 +439,17 @@ class Search {
   /// and if still too many are left, into their intervals.
   void Thin() {
     DropSurpassed();
+    eager_ = eager_ || candidates_.size() > kMostCandidates * 3 / 4;
     if (candidates_.size() > kMostCandidates / 2) LookClosely();
     if (candidates_.size() > kMostCandidates / 2) Settle();
+  }
+
+  bool IsCrowded(const CloseTrack& seen, const Candidate& c) const {
+    std::size_t crowded = 0;
+    for (std::size_t k = 0; k < lines_.size(); ++k) {
+      if (seen.missed[k] > 0.0 && Beyond(k, c)) ++crowded;
+    }
+    return crowded > kLanes / 4;
   }
 
   void LookClosely() {
@@ -403,21 +458,19 @@ class Search {
       Candidate& c = candidates_[n];
       if (c.seenClosely || !AnyBeyond(sure_, c.track)) continue;
       c.seenClosely = true;
-      const CloseTrack seen = LookAt<4>(&c);
-      std::size_t crowded = 0;
-      for (std::size_t k = 0; k < lines_.size(); ++k) {
-        if (seen.missed[k] > 0.0 && Beyond(k, c)) ++crowded;
+      if (IsCrowded(LookAt<kWindow>(&c), c)) {
+        eager_ = false;
+        LookAt<1>(&c);
       }
-      if (crowded > kLanes / 4) LookAt<1>(&c);
     }
     DropSurpassed();
   }
 
-  template <std::size_t kWindow>
+  template <std::size_t kIntervals>
   CloseTrack LookAt(Candidate* c) {
     CloseTrack seen;
     common::RunWith(set_, [&]() QARV_LANES {
-      WalkClosely<kWindow>(bank_, sure_, *c, &seen);
+      WalkClosely<kIntervals>(bank_, sure_, *c, &seen);
       Tighten(cubic_, peaks_[c->first / kBlock], seen, &c->track, &sure_);
     });
     work_->looked += c->last - c->first;
@@ -486,6 +539,7 @@ class Search {
   }
 
   static constexpr std::size_t kMostCandidates = 64;
+  static constexpr std::size_t kWindow = 4;  // [interval]
 
   common::InstructionSet set_;
   Bank bank_;
@@ -500,6 +554,8 @@ class Search {
   BlockTrack sure_;  // what the extremes reach at least
   std::vector<Candidate> candidates_;
   std::vector<Top> tops_;
+  Lanes margin_{};  // of the last block
+  bool eager_ = false;
 };
 
 SrsExtremes Times(const SrsExtremes& e, double factor) {
