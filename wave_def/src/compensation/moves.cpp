@@ -157,7 +157,8 @@ MovesFound Pair(const Candidate& pre, const Candidate& post, double gap, double 
   MovesFound found{.pre = pre.reach.move, .post = post.reach.move};
   double low = std::max(pre.reach.down, post.reach.down + gap);
   double high = std::min(pre.reach.up, post.reach.up + gap);
-  found.home = low - high <= 1e-9 * scale;
+  found.miss = std::max(low - high, 0.0);
+  found.home = found.miss <= 1e-9 * scale;
   if (low > high) low = high = 0.5 * (low + high);
 
   // With h2 = h1 - gap the displacement is base + h1 w.
@@ -264,12 +265,14 @@ MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
     }
   }
   const auto better = [](const MovesFound& a, const MovesFound& b) {
-    return a.home != b.home ? a.home : a.stroke < b.stroke;
+    if (a.home != b.home) return a.home;
+    return a.home ? a.stroke < b.stroke : a.miss < b.miss;
   };
   const MovesFound best = *std::min_element(pairs.begin(), pairs.end(), better);
+  if (!best.home) return best;
   MovesFound gentlest = best;
   for (const MovesFound& pair : pairs) {
-    if (pair.home == best.home && pair.stroke <= best.stroke * (1.0 + rules.gentle) &&
+    if (pair.home && pair.stroke <= best.stroke * (1.0 + rules.gentle) &&
         AccelerationOf(pair) < AccelerationOf(gentlest)) {
       gentlest = pair;
     }

@@ -73,6 +73,7 @@ struct MovesFound {
   double h1 = 0.0;      // factor of the pre move
   double h2 = 0.0;      // and of the post move
   bool home = false;    // whether the table ends where it began
+  double miss = 0.0;    // and by how much it does not
   double stroke = 0.0;  // max(largest displacement, -lead x least)
   double swing = 0.0;   // largest less least displacement
 };

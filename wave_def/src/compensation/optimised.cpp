@@ -12,6 +12,7 @@
 #include <cmath>
 #include <utility>
 
+#include "common/numeric/constants.h"
 #include "compensation/drawing.h"
 #include "compensation/half_cycle.h"
 #include "compensation/moves.h"
@@ -160,10 +161,14 @@ struct Lengths {
   double s1, s2;
 };
 
-/// Lengths that bring the table home, and the stroke that they take.
+/// Lengths, how far from home they leave the table, and the stroke that they take.
 struct Trial {
   Lengths lengths;
+  double miss;  // 0: home
   double stroke;
+  bool IsBetterThan(const Trial& other) const {
+    return std::pair(miss, stroke) < std::pair(other.miss, other.stroke);
+  }
 };
 
 /// One plan that was built: the attempt and how good it is.
@@ -215,7 +220,7 @@ class Planner {
       const int64 n = pre_.LengthFor(T_ / 2.0);
       if (n > pre_.Longest()) return std::nullopt;
       const double s = T_ / 2.0 / pre_.AreaOf(n);
-      return Try({n, n, s, s});
+      return IfHome(Try({n, n, s, s}));
     }
     // From the shortest pre pulse that leaves the post side what it can take, to the one that takes
     // all.
@@ -223,23 +228,24 @@ class Planner {
     int64 low = most < T_ ? pre_.LengthFor(T_ - most) : 0;
     int64 high = std::min(pre_.LengthFor(T_), pre_.Longest());
     if (low > high) return std::nullopt;
-    std::optional<Trial> best;
-    const auto strokeOf = [&](int64 n1) {
-      const auto trial = Try(LengthsFor(n1));
-      if (trial && (!best || trial->stroke < best->stroke)) best = trial;
-      return trial ? trial->stroke : HUGE_VAL;
+    Trial best{{}, HUGE_VAL, HUGE_VAL};
+    const auto trial = [&](int64 n1) {
+      const Trial tried = Try(LengthsFor(n1));
+      if (tried.IsBetterThan(best)) best = tried;
+      return tried;
     };
     const int64 finest = coarse ? std::max<int64>(4, pulse_.N() / 64) : 4;
     while (high - low > finest) {
       const int64 third = (high - low) / 3;
-      if (strokeOf(low + third) <= strokeOf(high - third)) {
-        high -= third;
-      } else {
+      const Trial shorter = trial(low + third);
+      if (trial(high - third).IsBetterThan(shorter)) {
         low += third;
+      } else {
+        high -= third;
       }
     }
-    for (const int64 n1 : {low, (low + high) / 2, high}) strokeOf(n1);
-    return best;
+    for (const int64 n1 : {low, (low + high) / 2, high}) trial(n1);
+    return IfHome(best);
   }
 
   /// The attempt of the lengths that Search has found, but for its pulse.
@@ -293,15 +299,17 @@ class Planner {
                         [&](int64 j, double v) { (*comp)[At(pulse_.at.iPE + 1 + j)] -= v; });
   }
 
-  std::optional<Trial> Try(const Lengths& n) const {
-    if (n.n1 > pre_.Longest() || n.n2 > post_.Longest()) return std::nullopt;
+  Trial Try(const Lengths& n) const {
+    if (n.n1 > pre_.Longest() || n.n2 > post_.Longest()) return {n, HUGE_VAL, HUGE_VAL};
     ++work_->attempts;
     work_->samples += lowered_.size();
     WithPulses(n, &comp_);
     const MoveSet moves = MovesFor(n);
     const MovesFound found = BestMoves(comp_, limits_, moves, Rules(), &memory_);
-    if (!found.home) return std::nullopt;
-    return Trial{n, found.stroke};
+    return {n, found.home ? 0.0 : found.miss, found.stroke};
+  }
+  static std::optional<Trial> IfHome(const Trial& trial) {
+    return trial.miss == 0.0 ? std::optional(trial) : std::nullopt;
   }
 
   const Pulse& pulse_;
@@ -315,29 +323,6 @@ class Planner {
   mutable MoveMemory memory_;
 };
 
-/// The places that may be asked for: shifts first .. last.  [sample]
-struct Places {
-  int64 first, last;
-  bool Has(int64 shift) const { return first <= shift && shift <= last; }
-  /// Than the pulse's own.
-  bool HasOthers() const { return first <= last && !(first == 0 && last == 0); }
-};
-
-/// Those with a sample at least before and after the pulse and its rests.
-Places PlacesInFrame(const Pulse& pulse) {
-  const Place& at = pulse.at;
-  return {1 - std::min(at.iS, at.iPS), pulse.N() - 2 - std::max(at.iE, at.iPE)};
-}
-
-/// The samples of a side that a compensation can make use of: a pulse that takes all of the area at
-/// the least level there, and as much again for moves that centre it.
-int64 UsefulRoom(const Limits& limits, double area, int64 first, int64 last) {
-  constexpr double kPulseAndMoves = 4.0;  // 4 / 3 with the longest taper, and moves of 5 / 4
-  double least = HUGE_VAL;
-  for (int64 i = first; i <= last; ++i) least = std::min(least, -limits.lo[At(i)]);
-  return LengthOf(kPulseAndMoves * area / least);
-}
-
 /// Whether the pulse lies in the middle of its frame with the same scales on both sides, so that
 /// equal pulses have nothing to gain elsewhere.
 bool IsCentred(const Pulse& pulse, const Settings& settings) {
@@ -346,22 +331,95 @@ bool IsCentred(const Pulse& pulse, const Settings& settings) {
   return std::abs(pre - post) <= 1 && std::fabs(settings.pre) == std::fabs(settings.post);
 }
 
-/// The places that the want of room can ask for: a longer frame asks for less, and one with room on
-/// both sides for none but the pulse's own.
-Places PlacesFor(const Pulse& pulse, const Settings& settings, const Spending& spending) {
+/// The places that may be asked for: shifts first .. last.  [sample]
+struct Places {
+  int64 first, last;
+  bool Has(int64 shift) const { return first <= shift && shift <= last; }
+};
+
+/// Those with a sample at least before and after the pulse and its rests.
+Places PlacesInFrame(const Pulse& pulse) {
   const Place& at = pulse.at;
+  return {1 - std::min(at.iS, at.iPS), pulse.N() - 2 - std::max(at.iE, at.iPE)};
+}
+
+constexpr Spending kMost{12.0, 0.97, 0.96};
+
+/// The least |limits| of one side.
+struct SideLimits {
+  double lo, both;  // of the lower limits; of either
+};
+SideLimits LeastLimits(const Limits& limits, int64 first, int64 last) {
+  SideLimits least{HUGE_VAL, HUGE_VAL};
+  for (int64 i = first; i <= last; ++i) {
+    least.lo = std::min(least.lo, -limits.lo[At(i)]);
+    least.both = std::min({least.both, -limits.lo[At(i)], limits.hi[At(i)]});
+  }
+  return least;
+}
+
+/// The room that a side asks for.  [sample]
+struct Rooms {
+  int64 pre, post;
+};
+
+/// What equal pulses of the plan that spends most, and the moves that centre them, take of either
+/// side: the same in every frame.
+///
+///   V, L   half the area of the lowered pulse, and the mean level of the pulses that cancel it
+///   d      displacement from where the pre pulse begins; each pulse adds V^2 / 2 L to it
+///   h      what a move has to travel, over sqrt(2 pi h / limit) samples
+Rooms RoomsOfEqualPulses(const Pulse& pulse, const Settings& settings) {
   const int64 N = pulse.N();
-  const Places inFrame = PlacesInFrame(pulse);
-  if (settings.IsSymmetric() && IsCentred(pulse, settings))
-    return {std::max<int64>(inFrame.first, 0), std::min<int64>(inFrame.last, 0)};
-  const Limits limits =
-      LimitsInForce(pulse, settings.pre, settings.post, kLeastLimit).Scaled(spending.kappa);
+  const int64 first = std::clamp<int64>(pulse.at.iPS, 0, N);
+  const int64 last = std::clamp<int64>(pulse.at.iPE, -1, N - 1);
+  const Limits limits = LimitsInForce(pulse, settings.pre, settings.post, kLeastLimit);
+  const SideLimits pre = LeastLimits(limits, 0, first - 1);
+  const SideLimits post = LeastLimits(limits, last + 1, N - 1);
+  const double widest = pulse.A * std::max(std::fabs(settings.pre), kLeastLimit);
+  const Wave lowered = LoweredPulse(pulse, kMost.mu);
   double area = 0.0;
-  for (const double v : pulse.wave) area += v;
-  const int64 pre = UsefulRoom(limits, area, 0, std::min(at.iPS, N) - 1);
-  const int64 post = UsefulRoom(limits, area, std::max<int64>(at.iPE + 1, 0), N - 1);
-  return {std::max(inFrame.first, std::min<int64>(N - 2 - at.iPE - post, 0)),
-          std::min(inFrame.last, std::max<int64>(pre - (at.iPS - 1), 0))};
+  for (const double v : lowered) area += v;
+  const double V = area / 2.0;
+  const double L =
+      kMost.kappa * std::min({pre.lo, post.lo, widest}) * (kMost.f + 0.5) / (kMost.f + 1.0);
+  const double drop = V * V / (2.0 * L);
+  double v = -V;
+  double d = -drop;
+  double least = d;
+  for (int64 i = first; i <= last; ++i) {
+    v += lowered[At(i)];
+    d += v;
+    least = std::min(least, d);
+  }
+  const double end = d + drop;
+  const double h1 = std::max(0.0, -(least + std::max(0.0, end)) / 2.0);
+  const double h2 = std::max(0.0, h1 + end);
+  const auto room = [&](double h, double limit) {
+    return LengthOf(std::ceil(V / L + std::sqrt(common::kTwoPi * h / limit)));
+  };
+  return {room(h1, pre.both), room(h2, post.both)};
+}
+
+/// The shift that the want of room asks for.
+///
+/// Pulses that may differ leave the larger share to the side that has the room; equal ones cannot,
+/// and the place has to give way: to where both sides lack as much, and all the way where one lacks
+/// half of its need or more, but no further than it lacks.  While a frame grows around its pulse,
+/// each of these stays or shrinks.
+int64 WantedShift(const Pulse& pulse, const Settings& settings) {
+  if (!settings.IsSymmetric() || IsCentred(pulse, settings)) return 0;
+  const Rooms needed = RoomsOfEqualPulses(pulse, settings);
+  const int64 lackPre = needed.pre - (pulse.at.iPS - 1);
+  const int64 lackPost = needed.post - (pulse.N() - 2 - pulse.at.iPE);
+  const int64 balance = (lackPre - lackPost) / 2;
+  const auto partOf = [](int64 way, int64 lack, int64 need) {
+    if (lack <= 0) return int64{0};
+    const double share = 2.0 * static_cast<double>(lack) / static_cast<double>(need);
+    return std::min(lack, LengthOf(static_cast<double>(way) * std::min(share, 1.0)));
+  };
+  return balance > 0 ? partOf(balance, lackPre, needed.pre)
+                     : -partOf(-balance, lackPost, needed.post);
 }
 
 /// The plan in one place.
@@ -377,119 +435,87 @@ std::optional<Plan> PlanAt(const Pulse& pulse, const Settings& settings, const S
   return plan;
 }
 
-/// The stroke that a place gives, roughly; infinite where there is no plan.
-double StrokeAt(const Pulse& pulse, const Settings& settings, const Spending& spending, int64 shift,
-                Work* work) {
+/// Whether the plan that spends most comes home from a place; where it does not, none does.
+bool ComesHome(const Pulse& pulse, const Settings& settings, int64 shift, Work* work) {
   const Pulse placed = ShiftedBy(pulse, shift);
-  const auto trial = Planner(placed, settings, spending, work).Search(true);
-  return trial ? trial->stroke : HUGE_VAL;
+  return Planner(placed, settings, kMost, work).Search(true).has_value();
 }
 
-/// The plan in the place of least stroke; of nearly equal ones the least shift.
-std::optional<Plan> PlanAnywhere(const Pulse& pulse, const Settings& settings,
-                                 const Spending& spending, const Places& places, Work* work) {
-  const int64 N = pulse.N();
-  std::vector<std::pair<int64, double>> tried;
-  const auto strokeAt = [&](int64 shift) {
-    for (const auto& [known, stroke] : tried) {
-      if (known == shift) return stroke;
-    }
-    const double stroke =
-        places.Has(shift) ? StrokeAt(pulse, settings, spending, shift, work) : HUGE_VAL;
-    tried.emplace_back(shift, stroke);
-    return stroke;
+/// The place nearest to `from` from where the table comes home; from `from` itself it does not.
+/// Looked for in steps of N / 16, and then to the sample.
+std::optional<int64> NearestHome(const Pulse& pulse, const Settings& settings, int64 from,
+                                 Work* work) {
+  const Places places = PlacesInFrame(pulse);
+  const auto comesHome = [&](int64 shift) {
+    return places.Has(shift) && ComesHome(pulse, settings, shift, work);
   };
-  int64 step = std::max<int64>(1, N / 16);
-  int64 best = std::clamp<int64>(0, places.first, places.last);
-  for (int64 k = -7; k <= 7; ++k) {
-    const int64 shift = std::clamp(k * step, places.first, places.last);
-    if (strokeAt(shift) < strokeAt(best)) best = shift;
-  }
-  if (strokeAt(best) == HUGE_VAL) return std::nullopt;
-  while (step > std::max<int64>(1, N / 256)) {
-    step /= 2;
-    for (const int64 shift : {best - step, best + step}) {
-      if (strokeAt(shift) < strokeAt(best)) best = shift;
+  const int64 step = std::max<int64>(1, pulse.N() / 16);
+  const int64 towardsMiddle = pulse.at.iPS + pulse.at.iPE < pulse.N() ? 1 : -1;
+  for (int64 distance = step; distance < places.last - places.first + step; distance += step) {
+    for (const int64 side : {towardsMiddle, -towardsMiddle}) {
+      int64 home = std::clamp(from + side * distance, places.first, places.last);
+      if (!comesHome(home)) continue;
+      int64 out = home - side * step;
+      while (std::abs(home - out) > 1) {
+        const int64 middle = out + (home - out) / 2;
+        (comesHome(middle) ? home : out) = middle;
+      }
+      return home;
     }
   }
-  const double nearly = 1.03 * strokeAt(best);
-  for (const auto& [shift, stroke] : tried) {
-    if (stroke <= nearly && std::abs(shift) < std::abs(best)) best = shift;
+  return std::nullopt;
+}
+
+/// Offers the plans in one place, from the closest to nominal to the one that spends most; those
+/// that do not centre their stroke last, by their stroke.
+/// @return whether there was any
+bool OfferPlansAt(const Pulse& pulse, const Settings& settings, int64 shift,
+                  const std::function<bool(Attempt)>& accept, Work* work) {
+  const Spending asked = SpendingOf(settings);
+  const std::array<Spending, 6> ladder{{asked,
+                                        {4.0, asked.kappa, asked.mu},
+                                        {4.0, 0.97, asked.mu},
+                                        {12.0, 0.97, asked.mu},
+                                        {4.0, 0.97, 0.96},
+                                        kMost}};
+  bool any = false;
+  std::optional<bool> canComeHome;  // asked only once a plan has failed
+  std::vector<Plan> aside;
+  for (auto rung = ladder.begin(); rung != ladder.end(); ++rung) {
+    if (std::find(ladder.begin(), rung, *rung) != rung) continue;
+    auto plan = PlanAt(pulse, settings, *rung, shift, work);
+    if (!plan) {
+      if (!canComeHome) canComeHome = ComesHome(pulse, settings, shift, work);
+      if (!*canComeHome) break;
+      continue;
+    }
+    any = true;
+    if (!plan->centred) {
+      aside.push_back(std::move(*plan));
+    } else if (accept(std::move(plan->attempt))) {
+      return true;
+    }
   }
-  return PlanAt(pulse, settings, spending, best, work);
+  std::stable_sort(aside.begin(), aside.end(),
+                   [](const Plan& a, const Plan& b) { return a.stroke < b.stroke; });
+  for (Plan& plan : aside) {
+    if (accept(std::move(plan.attempt))) break;
+  }
+  return any;
 }
 
 }  // namespace
 
 void TryOptimised(const Pulse& pulse, const Settings& settings,
                   const std::function<bool(Attempt)>& accept, Work* work) {
-  const Spending asked = SpendingOf(settings);
-  const double kappa = asked.kappa;
-  const double mu = asked.mu;
-  const Spending most{12.0, 0.97, 0.96};
-  struct Rung {
-    Spending spending;
-    bool anywhere;
-  };
-  const std::array<Rung, 12> ladder{{
-      {asked, false},
-      {{4.0, kappa, mu}, false},
-      {{4.0, 0.97, mu}, false},
-      {{12.0, 0.97, mu}, false},
-      {asked, true},
-      {{4.0, kappa, mu}, true},
-      {{4.0, 0.97, mu}, true},
-      {{12.0, 0.97, mu}, true},
-      {{4.0, 0.97, 0.96}, false},
-      {most, false},
-      {{4.0, 0.97, 0.96}, true},
-      {most, true},
-  }};
-  const Places inFrame = PlacesInFrame(pulse);
-  if (inFrame.first > inFrame.last) return;
-  std::optional<Places> wanted;
-  const auto places = [&]() -> const Places& {
-    if (!wanted) wanted = PlacesFor(pulse, settings, asked);
-    return *wanted;
-  };
-  // Where not even the plan that spends most comes home, none does.  Asked only once a plan has
-  // failed.
-  std::optional<bool> canComeHome[2];
-  const auto isVain = [&](bool anywhere) {
-    auto& can = canComeHome[anywhere];
-    if (!can) {
-      can = anywhere ? PlanAnywhere(pulse, settings, most, places(), work).has_value()
-                     : PlanAt(pulse, settings, most, 0, work).has_value();
-    }
-    return !*can;
-  };
-  std::vector<Plan> aside;  // plans that are not centred
-  bool failed[2] = {false, false};
-  for (std::size_t i = 0; i < ladder.size(); ++i) {
-    const Spending& spending = ladder[i].spending;
-    const bool anywhere = ladder[i].anywhere;
-    const auto same = [&](const Rung& r) {
-      return r.spending == spending && r.anywhere == anywhere;
-    };
-    if (std::any_of(ladder.begin(), ladder.begin() + static_cast<std::ptrdiff_t>(i), same))
-      continue;
-    if (anywhere ? !places().HasOthers() : !inFrame.Has(0)) continue;
-    if (failed[anywhere] && isVain(anywhere)) continue;
-    auto plan = anywhere ? PlanAnywhere(pulse, settings, spending, places(), work)
-                         : PlanAt(pulse, settings, spending, 0, work);
-    failed[anywhere] = !plan;
-    if (!plan) continue;
-    if (!plan->centred) {
-      aside.push_back(std::move(*plan));
-    } else if (accept(std::move(plan->attempt))) {
-      return;
-    }
-  }
-  std::stable_sort(aside.begin(), aside.end(),
-                   [](const Plan& a, const Plan& b) { return a.stroke < b.stroke; });
-  for (Plan& plan : aside) {
-    if (accept(std::move(plan.attempt))) return;
-  }
+  const Places places = PlacesInFrame(pulse);
+  if (places.first > places.last) return;
+  const bool stays = settings.IsSymmetric() && IsCentred(pulse, settings);
+  if (stays && !places.Has(0)) return;
+  const int64 wanted = std::clamp(WantedShift(pulse, settings), places.first, places.last);
+  if (OfferPlansAt(pulse, settings, wanted, accept, work) || stays) return;
+  if (const auto home = NearestHome(pulse, settings, wanted, work))
+    OfferPlansAt(pulse, settings, *home, accept, work);
 }
 
 }  // namespace qarv::wave_def::compensation
