@@ -126,7 +126,13 @@ TEST(BestMoves, SayWhenTheTableCannotComeHome) {
   constexpr std::array kParts{0.5};
   const MoveSet moves{MakeMoves(lengths, kParts, 190), MakeMoves(lengths, kParts, 160)};
   const Limits narrow{Wave(400, -1e-6), Wave(400, 1e-6)};
-  EXPECT_FALSE(BestMoves(Push(), narrow, moves, {1.0, 4, 0.0}).home);
+  const MovesFound far = BestMoves(Push(), narrow, moves, {1.0, 4, 0.0});
+  EXPECT_FALSE(far.home);
+  const Limits wider{Wave(400, -2e-6), Wave(400, 2e-6)};
+  const MovesFound nearer = BestMoves(Push(), wider, moves, {1.0, 4, 0.0});
+  EXPECT_FALSE(nearer.home);
+  EXPECT_GT(nearer.miss, 0.0);
+  EXPECT_GT(far.miss, nearer.miss) << "and how far it is from there";
   EXPECT_FALSE(BestMoves(Push(), {Wave(400, -1.0), Wave(400, 1.0)}, {}, {1.0, 4, 0.0}).home)
       << "no moves";
 }

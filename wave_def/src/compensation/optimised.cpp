@@ -376,10 +376,13 @@ Rooms RoomsOfEqualPulses(const Pulse& pulse, const Settings& settings) {
   const Limits limits = LimitsInForce(pulse, settings.pre, settings.post, kLeastLimit);
   const SideLimits pre = LeastLimits(limits, 0, first - 1);
   const SideLimits post = LeastLimits(limits, last + 1, N - 1);
-  const double widest = pulse.A * std::max(std::fabs(settings.pre), kLeastLimit);
+  // A side without limits has those of its scale.
+  const double widest =
+      pulse.A * std::max(std::min(std::fabs(settings.pre), std::fabs(settings.post)), kLeastLimit);
   const Wave lowered = LoweredPulse(pulse, kMost.mu);
   double area = 0.0;
   for (const double v : lowered) area += v;
+  if (!(area > 0.0)) return {0, 0};  // nothing to cancel
   const double V = area / 2.0;
   const double L =
       kMost.kappa * std::min({pre.lo, post.lo, widest}) * (kMost.f + 0.5) / (kMost.f + 1.0);
