@@ -4,11 +4,11 @@
 #include <csignal>
 #include <new>
 
+#include "arguments/command_line.h"
 #include "command_error.h"
-#include "command_line.h"
 #include "diagnostics.h"
-#include "interruption.h"
-#include "output_files.h"
+#include "files/interruption.h"
+#include "files/output_files.h"
 #include "text/text.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "csv_reader.h"
+#include "files/csv_reader.h"
 #include "run_command.h"
 
 namespace qarv::test {

@@ -1,5 +1,5 @@
 // Measured samples from CSV files: what the command says of them.
-#include "csv_reader.h"
+#include "files/csv_reader.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 #include <sndfile.h>
 
-#include "definition_file.h"
-#include "export_files.h"
+#include "files/definition_file.h"
+#include "files/export_files.h"
 #include "run_command.h"
 
 namespace qarv::test {

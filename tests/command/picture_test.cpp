@@ -8,8 +8,8 @@
 
 #include "command_error.h"
 #include "definition/title.h"
-#include "definition_file.h"
-#include "plot.h"
+#include "files/definition_file.h"
+#include "pictures/plot.h"
 #include "run_command.h"
 #include "text/text.h"
 #include "text_search.h"

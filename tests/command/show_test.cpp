@@ -1,5 +1,5 @@
 // qarv-wave show: a record becomes the definition that it was made from.
-#include "show.h"
+#include "jobs/show.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <random>
 
 #include "command_error.h"
-#include "definition_file.h"
+#include "files/definition_file.h"
 #include "run_command.h"
 
 namespace qarv::test {

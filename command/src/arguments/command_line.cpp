@@ -1,0 +1,239 @@
+// The command line: subcommands, options, examples, and what each of them runs.
+#include "arguments/command_line.h"
+
+#include <string>
+
+#include "arguments/bash_completion.h"
+#include "arguments/man_page.h"
+#include "definition/fields.h"
+#include "files/file_name.h"
+#include "files/output_files.h"
+
+namespace qarv::command {
+
+using assess::ResponseNames;
+namespace {
+
+// What a value is, for help, manual page and completion.
+constexpr const char* kFile = "FILE";
+constexpr const char* kFolder = "FOLDER";
+constexpr const char* kHertz = "HZ";
+constexpr const char* kNumber = "NUMBER";
+
+/// A definition that the examples begin with, so that they work wherever they are pasted.
+constexpr const char* kMakeShock =
+    R"(  echo '{"UnitAmpl": "g", "Classical": {"WaveKind": "HALF_SINE",
+    "MainAmpl": 50, "MainWidth": 0.011, "Fmax": 5000, "Nsamp": 512,
+    "TolKind": "TOL_FIXED_4"}}' >shock.json
+)";
+
+constexpr const char* kExitStatus =
+    "Exit status:\n"
+    "  0  done; for judge: the record passes\n"
+    "  1  the definition is refused; for judge: the record fails; for batch: a definition fails\n"
+    "  2  the input cannot be used or judged, or an output cannot be written; nothing has been "
+    "written\n"
+    "  3  for check and batch: it works, with warnings";
+
+/// An option with a value.
+template <class T>
+CLI::Option* Add(CLI::App* command, const char* name, T* value, const std::string& type,
+                 const char* description) {
+  return command->add_option(name, *value, description)->type_name(type);
+}
+
+/// A file or a folder: a positional argument is read, an option is written.  "-" is the standard
+/// stream, and what has no name is an error.
+CLI::Option* AddFile(CLI::App* command, const char* name, std::string* value,
+                     const char* description, const std::string& type = kFile) {
+  const char* const stream = *name == '-' ? kStandardOutput : kStandardInput;
+  const CLI::Validator nameOf(
+      [stream, type](std::string& text) {
+        if (text == "-" && type == kFile) text = stream;
+        return text.empty() ? std::string("an empty name") : std::string();
+      },
+      "");
+  return Add(command, name, value, type, description)->transform(nameOf);
+}
+
+void AddFsamp(CLI::App* command, std::optional<double>* fsamp) {
+  Add(command, "--fsamp", fsamp, kHertz, "sampling frequency of samples without a time column");
+}
+
+/// The example of a subcommand, below its options.
+void SetExample(CLI::App* command, const std::string& lines) {
+  command->footer("Example:\n" + lines);
+}
+
+/// One that begins with a definition of a shock.
+void SetShockExample(CLI::App* command, const std::string& lines) {
+  SetExample(command, kMakeShock + lines);
+}
+
+/// Runs a subcommand that is done unless it throws.
+template <class Options>
+auto Job(void (*run)(const Options&), const Options& options) {
+  return [run, &options] {
+    run(options);
+    return kDone;
+  };
+}
+
+}  // namespace
+
+CommandLine::CommandLine()
+    : app("Test waveforms of a shock and vibration test, with their tolerance bands", "qarv-wave") {
+  app.set_version_flag("--version", "qarv-wave " QARV_VERSION, "print the version and exit");
+  app.set_help_flag("-h,--help", "print this help and exit");
+  app.require_subcommand(1);
+  app.footer(kExitStatus);
+  AddGenerate();
+  AddCheck();
+  AddReport();
+  AddJudge();
+  AddSrs();
+  AddBatch();
+  AddShow();
+  AddTexts();
+}
+
+void CommandLine::RefuseUnknownCommand(int argc, const char* const* argv) const {
+  if (argc < 2 || *argv[1] == '-') return;
+  std::string known;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    if (command->get_name() == argv[1]) return;
+    known += (known.empty() ? "" : ", ") + command->get_name();
+  }
+  Fail(argv[1], "is no subcommand: one of " + known);
+}
+
+void CommandLine::AddGenerate() {
+  auto* const command = app.add_subcommand("generate", "Generate the waveform of a definition");
+  AddFile(command, "DEF", &generate.definition, "JSON definition, - for standard input")
+      ->required();
+  AddFile(command, "--csv", &generate.csv,
+          "write time, waveform, lower and upper band, - for standard output");
+  AddFile(command, "--npy", &generate.npy, "write the same as a NumPy array of records");
+  AddFile(command, "--wav", &generate.wav, "write the waveform as a sound file (32-bit float)");
+  AddFile(command, "--uff", &generate.uff, "write a universal file (dataset 58)");
+  AddFile(command, "--plot", &generate.plot, "write a picture, .png or .svg");
+  AddFile(command, "--record", &generate.record, "write the serialised record");
+  command->callback([this] { job = Job(Generate, generate); });
+  SetShockExample(command, "  qarv-wave generate shock.json --csv shock.csv --plot shock.png");
+}
+
+void CommandLine::AddCheck() {
+  auto* const command =
+      app.add_subcommand("check", "Say what is wrong with a definition, and what would work");
+  AddFile(command, "DEF", &check.definition, "JSON definition, - for standard input")->required();
+  command->callback([this] { job = [this] { return Check(check); }; });
+  SetShockExample(command, "  qarv-wave check shock.json");
+}
+
+void CommandLine::AddReport() {
+  auto* const command = app.add_subcommand(
+      "report", "Report what a waveform asks of the shaker and how it lies in its bands");
+  AddFile(command, "INPUT", &report.input, "definition (.json) or record, - for standard input")
+      ->required();
+  AddFile(command, "--json", &report.json, "write the numbers as JSON");
+  AddFile(command, "--html", &report.html, "write one page with plots, spectrum and numbers");
+  command->callback([this] { job = Job(Report, report); });
+  SetShockExample(command, "  qarv-wave report shock.json --html shock.html");
+}
+
+void CommandLine::AddJudge() {
+  auto* const command =
+      app.add_subcommand("judge", "Say whether a measured record passes its tolerance bands");
+  AddFile(command, "INPUT", &judge.definition, "definition (.json) or record, - for standard input")
+      ->required();
+  AddFile(command, "MEASURED", &judge.measured,
+          "measured samples (.csv, .uff), - for standard input")
+      ->required();
+  AddFsamp(command, &judge.fsamp);
+  Add(command, "--dv-tol", &judge.dvTol, kNumber, "tolerance of the velocity change [%] (10)");
+  command->add_flag("--force", judge.force,
+                    "judge a record that is sampled too coarsely for a verdict");
+  AddFile(command, "--json", &judge.json, "write the verdict as JSON");
+  AddFile(command, "--plot", &judge.plot, "write a picture with the violations, .png or .svg");
+  command->callback([this] { job = [this] { return Judge(judge); }; });
+  SetShockExample(command,
+                  "  qarv-wave generate shock.json --csv measured.csv\n"
+                  "  qarv-wave judge shock.json measured.csv --plot verdict.png");
+}
+
+void CommandLine::AddSrs() {
+  auto* const command = app.add_subcommand("srs", "Calculate a shock response spectrum");
+  AddFile(command, "INPUT", &srs.input,
+          "definition (.json), measured samples (.csv, .uff) or record, - for standard input")
+      ->required();
+  AddFsamp(command, &srs.fsamp);
+  Add(command, "--response", &srs.settings.response, ResponseNames("|"),
+      "absolute acceleration, relative displacement or pseudo velocity");
+  auto* const q = Add(command, "--q", &srs.settings.q, kNumber, "quality factor (10)");
+  Add(command, "--damping", &srs.settings.damping, kNumber, "damping ratio, instead of --q")
+      ->excludes(q);
+  Add(command, "--from", &srs.settings.from, kHertz, "lowest natural frequency (5)");
+  Add(command, "--to", &srs.settings.to, kHertz, "highest (a tenth of the sampling frequency)");
+  auto* const perOctave =
+      Add(command, "--per-octave", &srs.settings.perOctave, kNumber, "lines per octave (12)");
+  Add(command, "--points", &srs.settings.points, kNumber,
+      "number of lines, instead of --per-octave")
+      ->excludes(perOctave);
+  command->add_flag("--tripartite", srs.tripartite,
+                    "pseudo velocity, with lines of displacement and acceleration in the plot");
+  AddFile(command, "--csv", &srs.csv, "write all responses over frequency");
+  AddFile(command, "--plot", &srs.plot, "write a picture, .png or .svg");
+  command->callback([this] { job = Job(Srs, srs); });
+  SetShockExample(command,
+                  "  qarv-wave srs shock.json --damping 0.05 --per-octave 6 --plot srs.png");
+}
+
+void CommandLine::AddBatch() {
+  auto* const command =
+      app.add_subcommand("batch", "Generate every definition of a folder, with one table of them");
+  AddFile(command, "DIR", &batch.folder, "folder of JSON definitions", kFolder)->required();
+  AddFile(command, "-o,--output", &batch.output,
+          "folder for data, record, plot, report, spectrum and definition of each, summary.csv and "
+          "index.html",
+          kFolder);
+  AddFile(command, "--csv", &batch.csv, "write the table");
+  command->callback([this] { job = [this] { return Batch(batch); }; });
+  SetShockExample(command,
+                  "  mkdir -p shocks && mv shock.json shocks\n"
+                  "  qarv-wave batch shocks --output all");
+}
+
+void CommandLine::AddShow() {
+  auto* const command = app.add_subcommand("show", "Print a record as a JSON definition");
+  AddFile(command, "RECORD", &show.record, "record file, - for standard input")->required();
+  AddFile(command, "-o,--output", &show.output, "write the definition to a file");
+  AddFile(command, "--samples", &show.samples,
+          "where the samples of a measured waveform go (RECORD.samples.csv)");
+  command->callback([this] { job = Job(Show, show); });
+  SetShockExample(command,
+                  "  qarv-wave generate shock.json --record shock.rec\n"
+                  "  qarv-wave show shock.rec");
+}
+
+void CommandLine::AddTexts() {
+  const auto add = [this](const char* name, const char* description,
+                          std::string (*text)(const CLI::App&), const char* example) {
+    auto* const command = app.add_subcommand(name, description);
+    command->callback([this, text] {
+      job = [this, text] {
+        Print(text(app));
+        return kDone;
+      };
+    });
+    SetExample(command, example);
+  };
+  add(
+      "schema", "Print the JSON Schema of a definition, by which editors complete and check it",
+      [](const CLI::App&) { return definition::SchemaText(); },
+      "  qarv-wave schema >definition.schema.json");
+  add("man-page", "Print the manual page", ManPage, "  qarv-wave man-page >qarv-wave.1");
+  add("bash-completion", "Print the completion of this command for bash", BashCompletion,
+      "  source <(qarv-wave bash-completion)");
+}
+
+}  // namespace qarv::command
