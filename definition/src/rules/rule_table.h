@@ -27,6 +27,12 @@ Findings Broken(const std::vector<Rule>& table);
 /// @param[in] key      of the frequency that is too low, `value` now [Hz]
 Rule TooCoarse(const std::string& what, double samples, const std::string& key, double value);
 
+// What several families ask of their sampling frequency, period and level.
+Rule NoRate(double fsamp);
+Rule OddRate(double fsamp);
+Rule NoPeriod(double period);
+Rule NoLevel(const char* key, double level);
+
 /// A number of at most six digits that is not below, or not above, v, which is above 0.
 double RoundedUp(double v);
 double RoundedDown(double v);
