@@ -133,7 +133,7 @@ const std::vector<SetInfo>& AllSets() {
   static const std::vector<SetInfo> sets = [] {
     std::vector<SetInfo> all{Describe("", "settings", false, Settings())};
     for (const FamilyTable* table : kFamilies) {
-      for (SetInfo& set : table->describe()) all.push_back(std::move(set));
+      for (SetInfo& set : table->describe(table->family)) all.push_back(std::move(set));
     }
     return all;
   }();

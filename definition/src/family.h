@@ -1,7 +1,11 @@
 // What a waveform family has to offer: how its object is read and written.  One file per family.
 #pragma once
 
+#include <functional>
 #include <string>
+#include <type_traits>
+#include <variant>
+#include <vector>
 
 #include "definition/definition.h"
 #include "definition/fields.h"
@@ -28,8 +32,33 @@ struct FamilyTable {
   /// The parameters of a defined waveform.
   ParameterSet (*parametersOf)(const wave_def::CWaveDef& def);
   /// The sets of fields: the family's own first, then those within it.
-  std::vector<SetInfo> (*describe)();
+  std::vector<SetInfo> (*describe)(const Family& family);
 };
+
+/// The table of a family whose object is one set.
+/// @tparam fields      of the set
+/// @tparam parameters  the getter of the set of a defined waveform
+template <const auto& fields, auto parameters>
+constexpr FamilyTable OneSetFamily(const Family& family) {
+  using wave_def::CWaveDef;
+  using Set = std::remove_cvref_t<std::invoke_result_t<decltype(parameters), const CWaveDef&>>;
+  return {
+      .family = family,
+      .read =
+          [](const Json& json, const Place& at, const ReadContext& /*context*/) {
+            return ParameterSet(ReadSet(fields, json, at));
+          },
+      .ownFsamp = nullptr,
+      .write =
+          [](const ParameterSet& set, const std::string& /*samplesFile*/) {
+            return WriteFields(fields, std::get<Set>(set));
+          },
+      .parametersOf =
+          [](const CWaveDef& def) { return ParameterSet(std::invoke(parameters, def)); },
+      .describe =
+          [](const Family& f) { return std::vector{Describe(f.key, f.title, true, fields)}; },
+  };
+}
 
 // One per file in families/.
 extern const FamilyTable kClassicalFamily;

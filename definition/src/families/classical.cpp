@@ -213,27 +213,20 @@ double OwnFsamp(const ParameterSet& set) {
   return com_def::comdefsystemconst::ConvFmaxToFsampByVal(std::get<Set>(set).GetFmax());
 }
 
-constexpr const char* kKey = "Classical";
-constexpr const char* kTitle = "classical shock pulse";
+constexpr FamilyTable Table() {
+  FamilyTable table = OneSetFamily<kFields, &CWaveDef::GetDefClassical>(
+      {"Classical", "classical shock pulse", CWaveDef::WAVE_TYPE_CLASSICAL});
+  table.ownFsamp = OwnFsamp;
+  table.describe = [](const Family& family) {
+    return std::vector{Describe(family.key, family.title, true, kFields),
+                       Describe("TolUserDef", "the user's levels", false, kUserFields),
+                       Describe("TolSpecify", "the levels of a standard", false, kStdFields)};
+  };
+  return table;
+}
 
 }  // namespace
 
-const FamilyTable kClassicalFamily{
-    .family = {kKey, kTitle, CWaveDef::WAVE_TYPE_CLASSICAL},
-    .read = [](const Json& json, const Place& at,
-               const ReadContext& /*context*/) { return ParameterSet(ReadSet(kFields, json, at)); },
-    .ownFsamp = OwnFsamp,
-    .write =
-        [](const ParameterSet& set, const std::string& /*samplesFile*/) {
-          return WriteFields(kFields, std::get<Set>(set));
-        },
-    .parametersOf = [](const CWaveDef& def) { return ParameterSet(def.GetDefClassical()); },
-    .describe =
-        [] {
-          return std::vector{Describe(kKey, kTitle, true, kFields),
-                             Describe("TolUserDef", "the user's levels", false, kUserFields),
-                             Describe("TolSpecify", "the levels of a standard", false, kStdFields)};
-        },
-};
+const FamilyTable kClassicalFamily = Table();
 
 }  // namespace qarv::definition

@@ -58,26 +58,20 @@ ParameterSet Read(const Json& json, const Place& at, const ReadContext& /*contex
   return set;
 }
 
-constexpr const char* kKey = "Damping";
-constexpr const char* kTitle = "damped-sine synthesis";
+constexpr FamilyTable Table() {
+  FamilyTable table = OneSetFamily<kFields, &CWaveDef::GetDefDamping>(
+      {"Damping", "damped-sine synthesis", CWaveDef::WAVE_TYPE_DAMPING});
+  table.read = Read;
+  table.describe = [](const Family& family) {
+    return std::vector{
+        Describe(family.key, family.title, true, kFields),
+        Describe("Elements", "a component of a damped-sine synthesis", false, kElementFields)};
+  };
+  return table;
+}
 
 }  // namespace
 
-const FamilyTable kDampingFamily{
-    .family = {kKey, kTitle, CWaveDef::WAVE_TYPE_DAMPING},
-    .read = Read,
-    .ownFsamp = nullptr,
-    .write =
-        [](const ParameterSet& set, const std::string& /*samplesFile*/) {
-          return WriteFields(kFields, std::get<Set>(set));
-        },
-    .parametersOf = [](const CWaveDef& def) { return ParameterSet(def.GetDefDamping()); },
-    .describe =
-        [] {
-          return std::vector{Describe(kKey, kTitle, true, kFields),
-                             Describe("Elements", "a component of a damped-sine synthesis", false,
-                                      kElementFields)};
-        },
-};
+const FamilyTable kDampingFamily = Table();
 
 }  // namespace qarv::definition

@@ -32,22 +32,9 @@ const FieldTable<Set> kFields{
           {"samples", "length of the waveform", kAtLeastOne}, Need::Required),
 };
 
-constexpr const char* kKey = "Gradual";
-constexpr const char* kTitle = "gradual sine wave";
-
 }  // namespace
 
-const FamilyTable kGradualFamily{
-    .family = {kKey, kTitle, CWaveDef::WAVE_TYPE_GRADUAL},
-    .read = [](const Json& json, const Place& at,
-               const ReadContext& /*context*/) { return ParameterSet(ReadSet(kFields, json, at)); },
-    .ownFsamp = nullptr,
-    .write =
-        [](const ParameterSet& set, const std::string& /*samplesFile*/) {
-          return WriteFields(kFields, std::get<Set>(set));
-        },
-    .parametersOf = [](const CWaveDef& def) { return ParameterSet(def.GetDefGradual()); },
-    .describe = [] { return std::vector{Describe(kKey, kTitle, true, kFields)}; },
-};
+const FamilyTable kGradualFamily = OneSetFamily<kFields, &CWaveDef::GetDefGradual>(
+    {"Gradual", "gradual sine wave", CWaveDef::WAVE_TYPE_GRADUAL});
 
 }  // namespace qarv::definition

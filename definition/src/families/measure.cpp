@@ -102,11 +102,8 @@ Json Write(const ParameterSet& set, const std::string& samplesFile) {
   return json;
 }
 
-constexpr const char* kKey = "Measure";
-constexpr const char* kTitle = "measured waveform";
-
-std::vector<SetInfo> DescribeAll() {
-  SetInfo set = Describe(kKey, kTitle, true, kFields);
+std::vector<SetInfo> DescribeAll(const Family& family) {
+  SetInfo set = Describe(family.key, family.title, true, kFields);
   set.fields.push_back(InfoOf(kSamples, ValueKind::Samples, Need::Optional,
                               {"amplitude unit",
                                "samples, or the file to read them from while "
@@ -118,7 +115,7 @@ std::vector<SetInfo> DescribeAll() {
 }  // namespace
 
 const FamilyTable kMeasureFamily{
-    .family = {kKey, kTitle, CWaveDef::WAVE_TYPE_MEASURE},
+    .family = {"Measure", "measured waveform", CWaveDef::WAVE_TYPE_MEASURE},
     .read = Read,
     .ownFsamp = OwnFsamp,
     .write = Write,

@@ -56,22 +56,9 @@ const FieldTable<Set> kFields{
                 &Set::GetEdgeWindow, SetEdgeWindow, {"", "shape of the tapers, with Edging"}),
 };
 
-constexpr const char* kKey = "SineBeatBurst";
-constexpr const char* kTitle = "sine beat or burst";
-
 }  // namespace
 
-const FamilyTable kSineBeatBurstFamily{
-    .family = {kKey, kTitle, CWaveDef::WAVE_TYPE_SINE_BEAT_BURST},
-    .read = [](const Json& json, const Place& at,
-               const ReadContext& /*context*/) { return ParameterSet(ReadSet(kFields, json, at)); },
-    .ownFsamp = nullptr,
-    .write =
-        [](const ParameterSet& set, const std::string& /*samplesFile*/) {
-          return WriteFields(kFields, std::get<Set>(set));
-        },
-    .parametersOf = [](const CWaveDef& def) { return ParameterSet(def.GetDefSineBeatBurst()); },
-    .describe = [] { return std::vector{Describe(kKey, kTitle, true, kFields)}; },
-};
+const FamilyTable kSineBeatBurstFamily = OneSetFamily<kFields, &CWaveDef::GetDefSineBeatBurst>(
+    {"SineBeatBurst", "sine beat or burst", CWaveDef::WAVE_TYPE_SINE_BEAT_BURST});
 
 }  // namespace qarv::definition

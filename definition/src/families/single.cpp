@@ -23,22 +23,9 @@ const FieldTable<Set> kFields{
           {"samples", "length of the waveform", kAtLeastOne}, Need::Required),
 };
 
-constexpr const char* kKey = "Single";
-constexpr const char* kTitle = "single sine wave";
-
 }  // namespace
 
-const FamilyTable kSingleFamily{
-    .family = {kKey, kTitle, CWaveDef::WAVE_TYPE_SINGLE},
-    .read = [](const Json& json, const Place& at,
-               const ReadContext& /*context*/) { return ParameterSet(ReadSet(kFields, json, at)); },
-    .ownFsamp = nullptr,
-    .write =
-        [](const ParameterSet& set, const std::string& /*samplesFile*/) {
-          return WriteFields(kFields, std::get<Set>(set));
-        },
-    .parametersOf = [](const CWaveDef& def) { return ParameterSet(def.GetDefSingle()); },
-    .describe = [] { return std::vector{Describe(kKey, kTitle, true, kFields)}; },
-};
+const FamilyTable kSingleFamily = OneSetFamily<kFields, &CWaveDef::GetDefSingle>(
+    {"Single", "single sine wave", CWaveDef::WAVE_TYPE_SINGLE});
 
 }  // namespace qarv::definition

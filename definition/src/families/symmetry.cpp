@@ -34,22 +34,9 @@ const FieldTable<Set> kFields{
           {"s", "silence between the pulse and the second half, where it is divided", kFromZero}),
 };
 
-constexpr const char* kKey = "Symmetry";
-constexpr const char* kTitle = "symmetry wave";
-
 }  // namespace
 
-const FamilyTable kSymmetryFamily{
-    .family = {kKey, kTitle, CWaveDef::WAVE_TYPE_SYMMETRY},
-    .read = [](const Json& json, const Place& at,
-               const ReadContext& /*context*/) { return ParameterSet(ReadSet(kFields, json, at)); },
-    .ownFsamp = nullptr,
-    .write =
-        [](const ParameterSet& set, const std::string& /*samplesFile*/) {
-          return WriteFields(kFields, std::get<Set>(set));
-        },
-    .parametersOf = [](const CWaveDef& def) { return ParameterSet(def.GetDefSymmetry()); },
-    .describe = [] { return std::vector{Describe(kKey, kTitle, true, kFields)}; },
-};
+const FamilyTable kSymmetryFamily = OneSetFamily<kFields, &CWaveDef::GetDefSymmetry>(
+    {"Symmetry", "symmetry wave", CWaveDef::WAVE_TYPE_SYMMETRY});
 
 }  // namespace qarv::definition
