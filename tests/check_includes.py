@@ -27,12 +27,12 @@ LIBRARIES = {
     "definition": ["fmt/", "nlohmann/"],
     "exchange": ["fmt/", "sndfile.h"],
     "assess": ["fmt/", "nlohmann/"],
-    "capi": ["fmt/", "nlohmann/"],
+    "capi": ["nlohmann/", "stddef.h", "stdint.h"],
     "python": ["fmt/", "nlohmann/", "pybind11/", "Python.h"],
     "command": ["fmt/", "nlohmann/", "CLI/", "sys/", "fcntl.h", "signal.h", "spawn.h", "unistd.h"],
 }
 # What is internal to a floor and meant for those above it.
-SHARED = {"common": ["common/src/numeric"], "wave_def": ["wave_def/internal"]}
+SHARED = {"common": ["common/src/numeric"], "wave_def": ["wave_def/internal"], "definition": ["definition/internal"]}
 SOURCES = ("*.h", "*.cpp")
 
 

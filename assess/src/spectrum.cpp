@@ -146,4 +146,11 @@ bool IsCoarse(const Spectrum& spectrum, double fsamp) {
   return spectrum.points.back().frequency * kSamplesPerCycle > fsamp * (1.0 + 1e-9);
 }
 
+std::string CoarseText(double fsamp) {
+  return fmt::format(
+      "fewer than {:g} samples per cycle above {:g} Hz: the spectrum is that of the straight lines "
+      "between the samples",
+      kSamplesPerCycle, fsamp / kSamplesPerCycle);
+}
+
 }  // namespace qarv::assess

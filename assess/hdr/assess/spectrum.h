@@ -48,5 +48,7 @@ Spectrum SpectrumOf(const Record& record, const SpectrumSettings& settings,
 
 /// Whether a spectrum goes where the record has fewer than kSamplesPerCycle.
 bool IsCoarse(const Spectrum& spectrum, double fsamp);
+/// What is said of such a spectrum.
+std::string CoarseText(double fsamp);
 
 }  // namespace qarv::assess

@@ -104,10 +104,7 @@ void Srs(const SrsOptions& options) {
                  files.Reserve(options.plot));
   }
   if (assess::IsCoarse(spectrum, wave.fsamp)) {
-    Warn(options.input,
-         fmt::format("fewer than {:g} samples per cycle above {:g} Hz: the spectrum is that of the "
-                     "straight lines between the samples",
-                     assess::kSamplesPerCycle, wave.fsamp / assess::kSamplesPerCycle));
+    Warn(options.input, assess::CoarseText(wave.fsamp));
   }
   files.Commit(Summary(spectrum));
 }
