@@ -69,6 +69,11 @@ std::vector<double> WaveOf(const Handle& handle) {
   return {samples, samples + qarv_wave_size(handle.get())};
 }
 
+// Programs have these numbers compiled in.
+static_assert(QARV_WAVE_OK == 0 && QARV_WAVE_REFUSED == 1 && QARV_WAVE_BAD_INPUT == 2 &&
+              QARV_WAVE_OUT_OF_MEMORY == 3 && QARV_WAVE_WRONG_CALL == 4 &&
+              QARV_WAVE_TOO_SMALL == 5);
+
 // ---- The waveform ------------------------------------------------------------------------------
 
 TEST(CInterface, HasTheVersionOfTheProject) { EXPECT_STREQ(qarv_wave_version(), QARV_VERSION); }
