@@ -1,7 +1,6 @@
 // What is assessed of a handle's waveform, and of records beside it.
 #include <algorithm>
 #include <cmath>
-#include <nlohmann/json.hpp>
 #include <span>
 #include <string>
 #include <utility>
@@ -16,15 +15,16 @@
 #include "definition/check.h"
 #include "definition/definition.h"
 #include "handle.h"
+#include "json_text.h"
 #include "settings.h"
 #include "text/text.h"
 
 using namespace qarv;
 using namespace qarv::capi;
+using definition::Json;
 using definition::SampleRateOf;
 using definition::SpanOf;
 using wave_def::CWaveDef;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
@@ -51,10 +51,12 @@ Json Shown(double v) {
 
 std::string SpectrumJson(const assess::Spectrum& spectrum, double fsamp) {
   using analysis::SrsPoint;
-  Json json{{"response", spectrum.response},
-            {"unit", spectrum.unit},
-            {"damping", spectrum.zeta},
-            {"warnings", Json::array()}};
+  definition::JsonTree tree;
+  Json& json = tree.Root();
+  json["response"] = spectrum.response;
+  json["unit"] = spectrum.unit;
+  json["damping"] = spectrum.zeta;
+  json["warnings"] = Json::array();
   if (assess::IsCoarse(spectrum, fsamp)) json["warnings"].push_back(assess::CoarseText(fsamp));
   const auto list = [&](const char* key, double factor, auto value) {
     Json& values = json[key] = Json::array();

@@ -76,7 +76,8 @@ template <class Set>
 Set RequestOf(std::string_view text, const FieldTable<Set>& table) {
   Set request;
   if (text.empty()) return request;
-  const Json json = definition::ParseJson(text);
+  const definition::JsonTree tree = definition::ParseJson(text);
+  const Json& json = tree.Root();
   if (!json.is_object()) Place().Fail("is not a JSON object");
   try {
     definition::ReadFields(table, json, Place(), request);

@@ -91,7 +91,8 @@ const FamilyTable& TableOf(const ParameterSet& set) {
 }
 
 Definition Read(std::string_view text, const SampleSource& source) {
-  const Json json = ParseJson(text);
+  const JsonTree tree = ParseJson(text);
+  const Json& json = tree.Root();
   const Place at;
   if (!json.is_object()) at.Fail("is not a JSON object");
   const FamilyTable& table = FindFamily(json);
@@ -124,9 +125,9 @@ Definition FromJson(std::string_view text, const SampleSource& source) {
 
 std::string ToJson(const Definition& definition, const std::string& samplesFile) {
   const FamilyTable& table = TableOf(definition.set);
-  Json json = WriteFields(Settings(), definition.settings);
-  json[table.family.key] = table.write(definition.set, samplesFile);
-  return json.dump(2) + "\n";
+  JsonTree json(WriteFields(Settings(), definition.settings));
+  json.Root()[table.family.key] = table.write(definition.set, samplesFile);
+  return json.Root().dump(2) + "\n";
 }
 
 const std::vector<SetInfo>& AllSets() {

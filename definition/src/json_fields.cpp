@@ -164,8 +164,9 @@ Json WriteValue(const std::string& v) {
 std::int32_t ReadEnum(const Json& json, const Place& at, const EnumNames& names) {
   if (IsWhole(json)) return ReadInt32(json, at);
   if (json.is_string()) {
+    const auto& given = json.get_ref<const std::string&>();
     for (const auto& [value, name] : names) {
-      if (json == name) return value;
+      if (given == name) return value;
     }
   }
   std::string known;

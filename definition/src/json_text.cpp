@@ -186,16 +186,88 @@ std::size_t LineOfError(std::string_view text, const Json::exception& e) {
   return 1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
 }
 
+/// Builds the tree of a text that has been looked at.  Not the library's own builder, whose tree
+/// ends the process where memory runs out for it.
+class Builder : public nlohmann::json_sax<Json> {
+ public:
+  Builder(std::string_view text, Json* root) : text_(text), root_(root) {}
+
+  bool start_object(std::size_t /*size*/) override { return Open(Json::object()); }
+  bool start_array(std::size_t /*size*/) override { return Open(Json::array()); }
+  bool end_object() override { return Close(); }
+  bool end_array() override { return Close(); }
+  bool key(std::string& name) override {
+    key_ = std::move(name);
+    return true;
+  }
+  bool null() override { return Scalar(nullptr); }
+  bool boolean(bool v) override { return Scalar(v); }
+  bool number_integer(std::int64_t v) override { return Scalar(v); }
+  bool number_unsigned(std::uint64_t v) override { return Scalar(v); }
+  bool number_float(double v, const std::string& /*text*/) override { return Scalar(v); }
+  bool string(std::string& v) override { return Scalar(std::move(v)); }
+  bool binary(Json::binary_t& /*v*/) override { return false; }
+  bool parse_error(std::size_t /*at*/, const std::string& /*last*/,
+                   const Json::exception& e) override {
+    throw Error(Error::Kind::Input, "", "not JSON: " + ParserMessage(e), LineOfError(text_, e));
+  }
+
+ private:
+  bool Open(Json empty) {
+    open_.push_back(Put(std::move(empty)));
+    return true;
+  }
+  bool Close() {
+    open_.pop_back();
+    return true;
+  }
+  bool Scalar(Json v) {
+    Put(std::move(v));
+    return true;
+  }
+  /// What is open is the last of what it is in, so that it stays where it is while it grows.
+  Json* Put(Json v) {
+    Json* const at = open_.empty() ? root_ : NewIn(open_.back());
+    *at = std::move(v);
+    return at;
+  }
+  Json* NewIn(Json* in) {
+    if (in->is_object()) return &(*in)[key_];
+    auto& list = in->get_ref<Json::array_t&>();
+    list.emplace_back();
+    return &list.back();
+  }
+
+  std::string_view text_;
+  Json* root_;
+  std::vector<Json*> open_;
+  std::string key_;  // of the value that comes next, in an object
+};
+
+/// Empties lists and objects from the inside out; what is empty goes without memory.
+void Empty(Json& json) {
+  if (json.is_array()) {
+    auto& list = json.get_ref<Json::array_t&>();
+    for (Json& element : list) Empty(element);
+    list.clear();
+  } else if (json.is_object()) {
+    auto& object = json.get_ref<Json::object_t&>();
+    for (auto& member : object) Empty(member.second);
+    object.clear();
+  }
+}
+
 }  // namespace
 
-Json ParseJson(std::string_view text) {
+JsonTree::~JsonTree() { Empty(root_); }
+
+JsonTree ParseJson(std::string_view text) {
   Watch watch;
-  try {
-    static_cast<void>(Json::sax_parse(text, &watch));
-    return Json::parse(text);
-  } catch (const Json::exception& e) {
-    throw Error(Error::Kind::Input, "", "not JSON: " + ParserMessage(e), LineOfError(text, e));
-  }
+  static_cast<void>(Json::sax_parse(text, &watch));  // what is no JSON is said by the next
+  JsonTree tree;
+  Builder builder(text, &tree.Root());
+  static_cast<void>(Json::sax_parse(text, &builder));
+  return tree;
 }
 
 std::size_t LineOf(std::string_view text, const std::string& key) {

@@ -322,6 +322,31 @@ TEST(CInterfaceMemory, ARecordThatFindsNoneLeavesNoWaveformAndSaysSo) {
   }
 }
 
+TEST(CInterfaceMemory, ADefinitionThatFindsNoneLeavesNoWaveformAndSaysSo) {
+  const Handle handle = NewHandle();
+  for (const std::string text : {kPulse, kMeasured}) {
+    ASSERT_EQ(Define(handle, text), QARV_WAVE_OK);
+    const std::vector<std::uint8_t> record = RecordOf(handle);
+    for (const auto how : {Starved::How::Once, Starved::How::FromThenOn}) {
+      StarveEveryAllocation(
+          how, [&] { return Define(handle, text); },
+          [&](std::int32_t status) {
+            if (status == QARV_WAVE_OK) return;
+            if (status == QARV_WAVE_REFUSED) {
+              EXPECT_NE(std::string(qarv_wave_error(handle.get())).find("fit into memory"),
+                        std::string::npos);
+            } else {
+              EXPECT_EQ(status, QARV_WAVE_OUT_OF_MEMORY);
+              EXPECT_STREQ(qarv_wave_error(handle.get()), "out of memory");
+            }
+            ExpectNoWave(handle.get());
+          });
+    }
+    ASSERT_EQ(Define(handle, text), QARV_WAVE_OK) << "there is memory again";
+    EXPECT_EQ(RecordOf(handle), record);
+  }
+}
+
 TEST(CInterfaceMemory, AHandleThatFindsNoneIsNull) {
   const Starved starved(1, Starved::How::FromThenOn);
   EXPECT_EQ(qarv_wave_new(), nullptr);

@@ -222,7 +222,8 @@ TEST(DefinitionCheck, ARefusalIsTheFirstFindingThatFails) {
 
 TEST(DefinitionCheck, FindingsAreJson) {
   const auto findings = Check(FromJson(With(kPulse, "\"Nsamp\": 512", "\"Nsamp\": 20")));
-  const auto json = definition::ParseJson("{\"F\":" + FindingsJson(findings) + "}")["F"];
+  const auto tree = definition::ParseJson("{\"F\":" + FindingsJson(findings) + "}");
+  const auto& json = tree.Root()["F"];
   ASSERT_EQ(json.size(), findings.size());
   EXPECT_EQ(json[0]["Severity"], "fails");
   EXPECT_EQ(json[0]["Text"], findings[0].text);

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "family.h"
+#include "json_text.h"
 
 namespace qarv::definition {
 
@@ -91,15 +92,14 @@ double OwnFsamp(const ParameterSet& set) { return std::get<MeasuredSet>(set).sam
 
 Json Write(const ParameterSet& set, const std::string& samplesFile) {
   const auto& measured = std::get<MeasuredSet>(set);
-  Json json = WriteFields(kFields, measured.set);
+  JsonTree json(WriteFields(kFields, measured.set));
   if (samplesFile.empty()) {
-    Json samples = Json::array();
+    Json& samples = json.Root()[kSamples] = Json::array();
     for (const double v : measured.samples.values) samples.push_back(WriteValue(v));
-    json[kSamples] = std::move(samples);
   } else {
-    json[kSamples] = WriteValue(samplesFile);
+    json.Root()[kSamples] = WriteValue(samplesFile);
   }
-  return json;
+  return std::move(json.Root());
 }
 
 std::vector<SetInfo> DescribeAll(const Family& family) {
