@@ -4,13 +4,13 @@
 #include <fmt/format.h>
 
 #include <cmath>
-#include <nlohmann/json.hpp>
 
+#include "json_tree.h"
 #include "text/text.h"
 
 namespace qarv::assess {
 
-using Json = nlohmann::ordered_json;
+using definition::Json;
 
 namespace {
 
@@ -44,14 +44,15 @@ std::string AsText(const Entries& entries) {
 }
 
 std::string AsJson(const Entries& entries) {
-  Json json = Json::object();
+  definition::JsonTree json(Json::object());
   for (const Entry& entry : entries) {
-    Json item = Json::object();
-    item["value"] = Shown(entry.value);
-    if (!entry.unit.empty()) item["unit"] = entry.unit;
-    json[entry.key] = item;
+    definition::JsonTree shown(Shown(entry.value));
+    Json& item = definition::Member(json.Root(), entry.key) = Json::object();
+    Json& value = definition::Member(item, "value");
+    value = shown.Take();
+    if (!entry.unit.empty()) definition::Member(item, "unit") = entry.unit;
   }
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return json.Root().dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace qarv::assess

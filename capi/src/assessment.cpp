@@ -15,13 +15,14 @@
 #include "definition/check.h"
 #include "definition/definition.h"
 #include "handle.h"
-#include "json_text.h"
+#include "json_tree.h"
 #include "settings.h"
 #include "text/text.h"
 
 using namespace qarv;
 using namespace qarv::capi;
 using definition::Json;
+using definition::Member;
 using definition::SampleRateOf;
 using definition::SpanOf;
 using wave_def::CWaveDef;
@@ -51,15 +52,15 @@ Json Shown(double v) {
 
 std::string SpectrumJson(const assess::Spectrum& spectrum, double fsamp) {
   using analysis::SrsPoint;
-  definition::JsonTree tree;
+  definition::JsonTree tree(Json::object());
   Json& json = tree.Root();
-  json["response"] = spectrum.response;
-  json["unit"] = spectrum.unit;
-  json["damping"] = spectrum.zeta;
-  json["warnings"] = Json::array();
-  if (assess::IsCoarse(spectrum, fsamp)) json["warnings"].push_back(assess::CoarseText(fsamp));
+  Member(json, "response") = spectrum.response;
+  Member(json, "unit") = spectrum.unit;
+  Member(json, "damping") = spectrum.zeta;
+  Json& warnings = Member(json, "warnings") = Json::array();
+  if (assess::IsCoarse(spectrum, fsamp)) warnings.push_back(assess::CoarseText(fsamp));
   const auto list = [&](const char* key, double factor, auto value) {
-    Json& values = json[key] = Json::array();
+    Json& values = Member(json, key) = Json::array();
     for (const SrsPoint& point : spectrum.points) values.push_back(Shown(factor * value(point)));
   };
   const double f = spectrum.factor;

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -15,10 +14,9 @@
 #include "common/int_types.h"
 #include "common/unit/unit_ctrl.h"
 #include "definition/fields.h"
+#include "json_tree.h"
 
 namespace qarv::definition {
-
-using Json = nlohmann::ordered_json;
 
 /// Where in a definition something stands, for messages.
 class Place {
@@ -193,12 +191,14 @@ Set ReadSet(const FieldTable<Set>& table, const Json& json, const Place& at) {
 /// Writes a set as an object, in the order of the table.
 template <class Set>
 Json WriteFields(const FieldTable<Set>& table, const Set& set) {
-  Json json = Json::object();
+  JsonTree json(Json::object());
   for (const Field<Set>& field : table) {
-    const Json value = field.write(set);
-    if (!value.is_null()) json[field.info.key] = value;
+    JsonTree value(field.write(set));
+    if (value.Root().is_null()) continue;
+    Json& member = Member(json.Root(), field.info.key);
+    member = value.Take();
   }
-  return json;
+  return json.Take();
 }
 
 /// A list of objects of one kind.
@@ -212,9 +212,13 @@ std::vector<Element> ReadList(const FieldTable<Element>& table, const Json& json
 
 template <class List, class Element>
 Json WriteList(const FieldTable<Element>& table, const List& list) {
-  Json json = Json::array();
-  for (const Element& element : list) json.push_back(WriteFields(table, element));
-  return json;
+  JsonTree json(Json::array());
+  for (const Element& element : list) {
+    JsonTree written(WriteFields(table, element));
+    json.Root().push_back(Json());
+    json.Root().back() = written.Take();
+  }
+  return json.Take();
 }
 
 }  // namespace qarv::definition

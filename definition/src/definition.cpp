@@ -126,7 +126,9 @@ Definition FromJson(std::string_view text, const SampleSource& source) {
 std::string ToJson(const Definition& definition, const std::string& samplesFile) {
   const FamilyTable& table = TableOf(definition.set);
   JsonTree json(WriteFields(Settings(), definition.settings));
-  json.Root()[table.family.key] = table.write(definition.set, samplesFile);
+  JsonTree set(table.write(definition.set, samplesFile));
+  Json& member = Member(json.Root(), table.family.key);
+  member = set.Take();
   return json.Root().dump(2) + "\n";
 }
 
@@ -164,7 +166,8 @@ std::vector<unsigned char> ToRecord(CWaveDef& def) {
 Definition DefinitionOf(const CWaveDef& def) {
   Definition out{{}, TableOf(def).parametersOf(def)};
   for (const Field<CWaveDef>& field : Settings()) {
-    field.read(field.write(def), Place().Key(field.info.key), out.settings);
+    const JsonTree value(field.write(def));
+    field.read(value.Root(), Place().Key(field.info.key), out.settings);
   }
   return out;
 }

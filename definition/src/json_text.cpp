@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "definition/error.h"
+#include "json_fields.h"
 
 namespace qarv::definition {
 
@@ -232,7 +233,7 @@ class Builder : public nlohmann::json_sax<Json> {
     return at;
   }
   Json* NewIn(Json* in) {
-    if (in->is_object()) return &(*in)[key_];
+    if (in->is_object()) return &Member(*in, key_);
     auto& list = in->get_ref<Json::array_t&>();
     list.emplace_back();
     return &list.back();
@@ -244,22 +245,7 @@ class Builder : public nlohmann::json_sax<Json> {
   std::string key_;  // of the value that comes next, in an object
 };
 
-/// Empties lists and objects from the inside out; what is empty goes without memory.
-void Empty(Json& json) {
-  if (json.is_array()) {
-    auto& list = json.get_ref<Json::array_t&>();
-    for (Json& element : list) Empty(element);
-    list.clear();
-  } else if (json.is_object()) {
-    auto& object = json.get_ref<Json::object_t&>();
-    for (auto& member : object) Empty(member.second);
-    object.clear();
-  }
-}
-
 }  // namespace
-
-JsonTree::~JsonTree() { Empty(root_); }
 
 JsonTree ParseJson(std::string_view text) {
   Watch watch;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -324,7 +325,10 @@ TEST(CInterfaceMemory, ARecordThatFindsNoneLeavesNoWaveformAndSaysSo) {
 
 TEST(CInterfaceMemory, ADefinitionThatFindsNoneLeavesNoWaveformAndSaysSo) {
   const Handle handle = NewHandle();
-  for (const std::string text : {kPulse, kMeasured}) {
+  // An object that grows while it has a list in it already.
+  const char* const growing = R"({"Measure": {"Samples": [1, 2, 3], "MeasPath": "m.csv"},
+      "UnitAmpl": "g", "TolUpperRat": 0.1, "TolLowerRat": -0.1, "MaxNsamp": 9, "Fsamp": 50})";
+  for (const std::string text : {kPulse, kMeasured, growing}) {
     ASSERT_EQ(Define(handle, text), QARV_WAVE_OK);
     const std::vector<std::uint8_t> record = RecordOf(handle);
     for (const auto how : {Starved::How::Once, Starved::How::FromThenOn}) {
@@ -344,6 +348,60 @@ TEST(CInterfaceMemory, ADefinitionThatFindsNoneLeavesNoWaveformAndSaysSo) {
     }
     ASSERT_EQ(Define(handle, text), QARV_WAVE_OK) << "there is memory again";
     EXPECT_EQ(RecordOf(handle), record);
+  }
+}
+
+TEST(CInterfaceMemory, AnOutputThatFindsNoneSaysSo) {
+  const Handle handle = NewHandle();
+  qarv_wave* const h = handle.get();
+  const std::string bad =
+      R"({"Classical": {"WaveKind": "HALF_SINE", "MainAmpl": -1, "MainWidth": 0.011, "Fmax": 1000,
+          "Nsamp": 20, "TolKind": "TOL_FIXED_4"}})";
+  const std::string settings = R"({"points": 5})";
+  std::vector<char> buffer(1 << 16);
+  for (const std::string text : {kPulse, kMeasured}) {
+    ASSERT_EQ(Define(handle, text), QARV_WAVE_OK);
+    const std::vector<double> wave(qarv_wave_samples(h), qarv_wave_samples(h) + qarv_wave_size(h));
+    const double fsamp = qarv_wave_sample_rate(h);
+    const std::function<std::int32_t(std::size_t*)> calls[] = {
+        [&](std::size_t* n) { return qarv_wave_definition_json(h, buffer.data(), 1 << 16, n); },
+        [&](std::size_t* n) {
+          return qarv_wave_check_json(h, bad.data(), bad.size(), buffer.data(), 1 << 16, n);
+        },
+        [&](std::size_t* n) { return qarv_wave_report_json(h, buffer.data(), 1 << 16, n); },
+        [&](std::size_t* n) {
+          return qarv_wave_spectrum_json(h, settings.data(), settings.size(), buffer.data(),
+                                         1 << 16, n);
+        },
+        [&](std::size_t* n) {
+          return qarv_wave_judge_json(h, wave.data(), wave.size(), fsamp, nullptr, 0, buffer.data(),
+                                      1 << 16, n);
+        },
+    };
+    for (const auto& call : calls) {
+      SCOPED_TRACE(&call - calls);
+      std::size_t needed = 0;
+      ASSERT_EQ(call(&needed), QARV_WAVE_OK) << qarv_wave_error(h);
+      const std::string whole = buffer.data();
+      for (const auto how : {Starved::How::Once, Starved::How::FromThenOn}) {
+        StarveEveryAllocation(
+            how,
+            [&] {
+              std::size_t unused = 0;
+              return call(&unused);
+            },
+            [&](std::int32_t status) {
+              if (status == QARV_WAVE_OUT_OF_MEMORY) {
+                EXPECT_STREQ(qarv_wave_error(h), "out of memory");
+              } else {
+                EXPECT_EQ(status, QARV_WAVE_OK);
+              }
+              EXPECT_EQ(qarv_wave_size(h), wave.size());
+            });
+        EXPECT_EQ(call(&needed), QARV_WAVE_OK);
+        EXPECT_EQ(buffer.data(), whole);
+      }
+    }
   }
 }
 

@@ -2,7 +2,6 @@
 #include <utility>
 
 #include "family.h"
-#include "json_text.h"
 
 namespace qarv::definition {
 
@@ -30,9 +29,9 @@ void ReadParams(const Json& json, const Place& at, Edit& edit) {
 }
 
 Json WriteParams(const Edit& edit) {
-  Json json = Json::array();
-  for (const double v : edit.GetParams()) json.push_back(WriteValue(v));
-  return json;
+  JsonTree json(Json::array());
+  for (const double v : edit.GetParams()) json.Root().push_back(WriteValue(v));
+  return json.Take();
 }
 
 const FieldTable<Edit> kEditFields{
@@ -94,12 +93,12 @@ Json Write(const ParameterSet& set, const std::string& samplesFile) {
   const auto& measured = std::get<MeasuredSet>(set);
   JsonTree json(WriteFields(kFields, measured.set));
   if (samplesFile.empty()) {
-    Json& samples = json.Root()[kSamples] = Json::array();
+    Json& samples = Member(json.Root(), kSamples) = Json::array();
     for (const double v : measured.samples.values) samples.push_back(WriteValue(v));
   } else {
-    json.Root()[kSamples] = WriteValue(samplesFile);
+    Member(json.Root(), kSamples) = WriteValue(samplesFile);
   }
-  return std::move(json.Root());
+  return json.Take();
 }
 
 std::vector<SetInfo> DescribeAll(const Family& family) {

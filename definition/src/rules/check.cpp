@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "json_fields.h"
+#include "json_tree.h"
 #include "rules/rule_table.h"
 #include "rules/rules.h"
 #include "text/text.h"
@@ -171,17 +172,19 @@ std::string FindingText(const Finding& finding) {
 }
 
 std::string FindingsJson(const Findings& findings) {
-  Json list = Json::array();
+  JsonTree list(Json::array());
   for (const Finding& finding : findings) {
-    Json remedies = Json::array();
+    Json& item = list.Root().emplace_back(Json::object());
+    item["Severity"] = finding.severity == Severity::Fails ? "fails" : "warns";
+    item["Text"] = WriteValue(text::OneLine(finding.text));
+    Json& remedies = item["Remedies"] = Json::array();
     for (const Remedy& remedy : finding.remedies) {
-      remedies.push_back({{"Key", remedy.key}, {"Value", WriteValue(remedy.value)}});
+      Json& one = remedies.emplace_back(Json::object());
+      one["Key"] = remedy.key;
+      one["Value"] = WriteValue(remedy.value);
     }
-    list.push_back({{"Severity", finding.severity == Severity::Fails ? "fails" : "warns"},
-                    {"Text", WriteValue(text::OneLine(finding.text))},
-                    {"Remedies", remedies}});
   }
-  return list.dump();
+  return list.Root().dump();
 }
 
 }  // namespace qarv::definition
