@@ -157,6 +157,16 @@ void BM_SetDefSingleFresh(benchmark::State& state) {
 }
 BENCHMARK(BM_SetDefSingleFresh)->Arg(10000)->Arg(1000000);
 
+/// What a definition costs besides its samples; bench/python_overhead.py does the same.
+void BM_DefineSmall(benchmark::State& state) {
+  for (auto _ : state) {
+    CWaveDef def = Settings();
+    def.SetDefSingle(Single(16));
+    benchmark::DoNotOptimize(def.GetWave().GetData());
+  }
+}
+BENCHMARK(BM_DefineSmall);
+
 void BM_SetDefGradual(benchmark::State& state) {
   CWaveDefGradual set;
   set.SetPeriod(0.001);

@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """Prints how the hot paths stand against their references, from one run of the benchmarks.
 
-    bench_table.py RESULTS.json BASELINE.json
+    bench_table.py RESULTS.json BASELINE.json PYTHON.json
 
 A row compares medians of interleaved repetitions.  R is the reference's time over the library's, x the
-library's over the reference's, ns nanoseconds a sample and line, N bytes over those of a sample."""
+library's over the reference's, ns nanoseconds a sample and line, us microseconds
+beyond the reference, N bytes over those of a sample."""
 import json
 import sys
 
@@ -47,6 +48,7 @@ ROWS = [
     ("record read, 3e6, against a copy", "x", "BM_RecordRead", "BM_Ref_Memcpy/3000000", 1.5, 1.2),
     ("largest magnitude, 1e4", "R", "BM_GetAbsMax/10000", "BM_Ref_ScalarAbsMax/10000", 1.0, 1.0),
     ("shock response spectrum, 65536 x 200", "ns", "BM_CalcSrs", 65536 * 200, 1.0, 0.4),
+    ("definition from Python, 16 samples", "us", "Python_DefineSmall", "BM_DefineSmall", 5.0, 3.0),
 ]
 NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 
@@ -59,14 +61,17 @@ def medians(path):
 
 
 def main():
-    best, baseline = (medians(path) for path in sys.argv[1:])
+    best, baseline, python = (medians(path) for path in sys.argv[1:])
+    best |= python
     print(f"{'metric':<42} {'':>2} {'ratio':>8} {'floor':>6} {'goal':>6}")
     missed = 0
     for what, kind, library, reference, floor, goal in ROWS:
         median = baseline if kind == "R0" else best
         base = reference if kind == "ns" else median[reference]
-        less = kind in ("x", "ns")
+        less = kind in ("x", "ns", "us")
         ratio = median[library] / base if less else base / median[library]
+        if kind == "us":
+            ratio = (median[library] - base) / 1e3
         worse = lambda bound: ratio > bound if less else ratio < bound
         missed += worse(floor)
         verdict = "MISSED" if worse(floor) else "floor met" if worse(goal) else "met"

@@ -14,6 +14,9 @@ test_packages=(clang clang-format libclang-rt-14-dev binutils git googletest lib
 # What scripts/test --all runs programs for other machines with, and makes those for node with.
 all_packages=(qemu-user wine64 wine emscripten nodejs)
 bench_packages=(libbenchmark-dev libfftw3-dev python3)
+# The Python package and its tests.
+python_packages=(python3-dev python3-numpy pybind11-dev python3-pybind11 python3-pytest python3-hypothesis
+  python3-matplotlib mypy python3-pip python3-setuptools python3-venv python3-wheel)
 
 # Runs a command; its output goes to a log, which is shown if it fails.
 #   quietly NAME COMMAND...

@@ -23,7 +23,10 @@ const std::array<const FamilyTable*, 7> kFamilies{
 // Where an editor finds the schema; it says nothing of the waveform.
 constexpr const char* kSchema = "$schema";
 
-const FieldTable<CWaveDef>& Settings() {
+}  // namespace
+
+template <>
+const FieldTable<CWaveDef>& FieldsOf<CWaveDef>() {
   static const FieldTable<CWaveDef> table{
       Value("LongWave", &CWaveDef::GetLongWave, &CWaveDef::SetLongWave,
             {"", "kept for the controller"}),
@@ -45,6 +48,8 @@ const FieldTable<CWaveDef>& Settings() {
   };
   return table;
 }
+
+namespace {
 
 /// The family that a definition names, the only one.
 const FamilyTable& FindFamily(const Json& json) {
@@ -98,7 +103,7 @@ Definition Read(std::string_view text, const SampleSource& source) {
   const FamilyTable& table = FindFamily(json);
   const char* const key = table.family.key;
   Definition out{{}, {}};
-  ReadFields(Settings(), json, at, out.settings, {key, kSchema});
+  ReadFields(FieldsOf<CWaveDef>(), json, at, out.settings, {key, kSchema});
   const bool hasFsamp = json.contains("Fsamp");
   if (table.ownFsamp == nullptr && !hasFsamp) at.Key("Fsamp").Fail("missing");
   out.set = table.read(json[key], at.Key(key), {hasFsamp, source});
@@ -125,7 +130,7 @@ Definition FromJson(std::string_view text, const SampleSource& source) {
 
 std::string ToJson(const Definition& definition, const std::string& samplesFile) {
   const FamilyTable& table = TableOf(definition.set);
-  JsonTree json(WriteFields(Settings(), definition.settings));
+  JsonTree json(WriteFields(FieldsOf<CWaveDef>(), definition.settings));
   JsonTree set(table.write(definition.set, samplesFile));
   Json& member = Member(json.Root(), table.family.key);
   member = set.Take();
@@ -134,7 +139,7 @@ std::string ToJson(const Definition& definition, const std::string& samplesFile)
 
 const std::vector<SetInfo>& AllSets() {
   static const std::vector<SetInfo> sets = [] {
-    std::vector<SetInfo> all{Describe("", "settings", false, Settings())};
+    std::vector<SetInfo> all{Describe("", "settings", false, FieldsOf<CWaveDef>())};
     for (const FamilyTable* table : kFamilies) {
       for (SetInfo& set : table->describe(table->family)) all.push_back(std::move(set));
     }
@@ -165,7 +170,7 @@ std::vector<unsigned char> ToRecord(CWaveDef& def) {
 
 Definition DefinitionOf(const CWaveDef& def) {
   Definition out{{}, TableOf(def).parametersOf(def)};
-  for (const Field<CWaveDef>& field : Settings()) {
+  for (const Field<CWaveDef>& field : FieldsOf<CWaveDef>()) {
     const JsonTree value(field.write(def));
     field.read(value.Root(), Place().Key(field.info.key), out.settings);
   }

@@ -9,6 +9,7 @@
 
 #include "definition/definition.h"
 #include "definition/fields.h"
+#include "field_tables.h"
 #include "json_fields.h"
 
 namespace qarv::definition {

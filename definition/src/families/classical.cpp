@@ -227,6 +227,19 @@ constexpr FamilyTable Table() {
 
 }  // namespace
 
+template <>
+const FieldTable<Set>& FieldsOf<Set>() {
+  return kFields;
+}
+template <>
+const FieldTable<User>& FieldsOf<User>() {
+  return kUserFields;
+}
+template <>
+const FieldTable<Std>& FieldsOf<Std>() {
+  return kStdFields;
+}
+
 const FamilyTable kClassicalFamily = Table();
 
 }  // namespace qarv::definition

@@ -72,6 +72,15 @@ constexpr FamilyTable Table() {
 
 }  // namespace
 
+template <>
+const FieldTable<Set>& FieldsOf<Set>() {
+  return kFields;
+}
+template <>
+const FieldTable<Elm>& FieldsOf<Elm>() {
+  return kElementFields;
+}
+
 const FamilyTable kDampingFamily = Table();
 
 }  // namespace qarv::definition

@@ -34,6 +34,11 @@ const FieldTable<Set> kFields{
 
 }  // namespace
 
+template <>
+const FieldTable<Set>& FieldsOf<Set>() {
+  return kFields;
+}
+
 const FamilyTable kGradualFamily = OneSetFamily<kFields, &CWaveDef::GetDefGradual>(
     {"Gradual", "gradual sine wave", CWaveDef::WAVE_TYPE_GRADUAL});
 

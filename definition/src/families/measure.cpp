@@ -113,6 +113,15 @@ std::vector<SetInfo> DescribeAll(const Family& family) {
 
 }  // namespace
 
+template <>
+const FieldTable<Set>& FieldsOf<Set>() {
+  return kFields;
+}
+template <>
+const FieldTable<Edit>& FieldsOf<Edit>() {
+  return kEditFields;
+}
+
 const FamilyTable kMeasureFamily{
     .family = {"Measure", "measured waveform", CWaveDef::WAVE_TYPE_MEASURE},
     .read = Read,

@@ -58,6 +58,11 @@ const FieldTable<Set> kFields{
 
 }  // namespace
 
+template <>
+const FieldTable<Set>& FieldsOf<Set>() {
+  return kFields;
+}
+
 const FamilyTable kSineBeatBurstFamily = OneSetFamily<kFields, &CWaveDef::GetDefSineBeatBurst>(
     {"SineBeatBurst", "sine beat or burst", CWaveDef::WAVE_TYPE_SINE_BEAT_BURST});
 

@@ -25,6 +25,11 @@ const FieldTable<Set> kFields{
 
 }  // namespace
 
+template <>
+const FieldTable<Set>& FieldsOf<Set>() {
+  return kFields;
+}
+
 const FamilyTable kSingleFamily = OneSetFamily<kFields, &CWaveDef::GetDefSingle>(
     {"Single", "single sine wave", CWaveDef::WAVE_TYPE_SINGLE});
 

@@ -36,6 +36,11 @@ const FieldTable<Set> kFields{
 
 }  // namespace
 
+template <>
+const FieldTable<Set>& FieldsOf<Set>() {
+  return kFields;
+}
+
 const FamilyTable kSymmetryFamily = OneSetFamily<kFields, &CWaveDef::GetDefSymmetry>(
     {"Symmetry", "symmetry wave", CWaveDef::WAVE_TYPE_SYMMETRY});
 
