@@ -1108,6 +1108,9 @@ def judge(
     force: bool,
     /,
 ) -> tuple[bool, str, FloatArray, int, int, _Entries, list[str], str, float]: ...
+def read_signals(bytes: bytes, /) -> list[
+    tuple[FloatArray, float | None, str, str, float]
+]: ...
 def sampled_at(
     samples: npt.ArrayLike, start: float, step: float, count: int, /
 ) -> FloatArray: ...
