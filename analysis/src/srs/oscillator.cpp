@@ -42,6 +42,15 @@ Oscillator::Oscillator(double step, double damping)
   // 0 at half the sampling frequency, where rounding must not make it less.
   impulse = impulse > 1e-15 ? impulse : 1e-15;
   slopeKept = 1.0 - s2 * impulse - h2 * constant;
+
+  byBend_[2] = 0.5;
+  for (std::size_t n = 3; n < terms_; ++n) {
+    byBend_[n] = -h2 * ramp_[n - 1] / static_cast<double>(n);
+  }
+  const double lead = 0.5 - h2 * square;  // by the second derivative; by the third it is ramp
+  const double turn = 1.0 - h2 * ramp;    // and constant
+  const double determinant = lead * constant - turn * ramp;  // 1/12 of soft oscillators
+  bendRule = {constant / determinant, -ramp / determinant, -turn / determinant, lead / determinant};
 }
 
 double Oscillator::ValueAfter(const Arc& arc) const {
@@ -83,33 +92,45 @@ double Oscillator::Zero(const Series& y, double low, double high, F f) const {
   return t;
 }
 
-Oscillator::Bounds Oscillator::CrestBounds(const Arc& arc) const {
-  constexpr double kInfinite = std::numeric_limits<double>::infinity();
-  constexpr double kRounding = 1e-13;
-  const double y1 = ValueAfter(arc);
-  const double p = arc.slope;
-  const double q = SlopeAfter(arc);
-  if (p <= 0.0 && q >= 0.0) return {-kInfinite, -kInfinite};
-  // From the second one on, each derivative is a free response with the next one as its slope, and
-  // stays below the sum of both.
-  const double second = Bend(arc);
-  const double third = arc.rise - s2 * second - h2 * p;
-  const double fourth = -s2 * third - h2 * second;
-  const double fifth = -s2 * fourth - h2 * third;
-  const double rounding = kRounding * (std::fabs(arc.y) + std::fabs(arc.force) + std::fabs(p));
-  if (!(p > 0.0 && q < 0.0)) {
-    // Slopes differ from a straight line by less than t (1 - t) / 2 of the third derivative.
-    const double hidden = 0.5 * (std::fabs(third) + std::fabs(fourth)) + rounding;
-    const bool none = std::max(std::fabs(p), std::fabs(q)) > hidden;
-    return {-kInfinite, none ? -kInfinite : kInfinite};
+/// How far the response that starts with these derivatives is from the straight line through the
+/// ends of an interval, at most.
+double Oscillator::FarthestFromChord(double bend, double third) const {
+  constexpr int kParts = 8;
+  Series y{};
+  for (std::size_t n = 0; n < terms_; ++n) y[n] = bend * byBend_[n] + third * ramp_[n];
+  const double end = At(y, 1.0).value;
+  double most = 0.0;
+  for (int part = 0; part <= kParts; ++part) {
+    const double t = static_cast<double>(part) / kParts;
+    most = std::max(most, std::fabs(At(y, t).value - t * end));
   }
-  const double rise = y1 - arc.y;
-  const double b = 3.0 * rise - 2.0 * p - q;
-  const double c = p + q - 2.0 * rise;
-  const double t = p / (std::sqrt(std::fabs(b * b - 3.0 * c * p)) - b);
-  const double top = arc.y + t * (p + t * (b + t * c));
-  const double error = (std::fabs(fourth) + std::fabs(fifth)) / 384.0 + rounding;
-  return {top - error, top + error};
+  // Between those points by an eighth of the second derivative, a free response, which stays below
+  // the sum of itself and its slope.
+  return most + 0.125 / (kParts * kParts) * (std::fabs(bend) + std::fabs(third));
+}
+
+Oscillator::TurnRule Oscillator::TurnRuleOf() const {
+  constexpr double kAlways = 1e300;
+  constexpr double kRounded = 1.0 + 1e-6;
+  // A response is its chord, and turn times one response and lean times another: the slope is
+  // p (1 - g) + q g + lean f, where p and q are those of the ends, g leads from 0 to 1 and f is
+  // above 0 between.  The derivatives of g and f at both ends:
+  const double g0 = 0.5 * bendRule.bendByLead + bendRule.bendByTurn;
+  const double gThird = 0.5 * bendRule.thirdByLead + bendRule.thirdByTurn;
+  const double f0 = 0.5 * bendRule.bendByLead;
+  const double fThird = 0.5 * bendRule.thirdByLead;
+  const auto after = [&](double bend, double third) {
+    return bend * (1.0 - h2 * constant) + third * impulse;
+  };
+  const double g1 = after(g0, gThird);
+  const double f1 = after(f0, fThird);
+  TurnRule rule{FarthestFromChord(g0, gThird), FarthestFromChord(f0, fThird), kAlways};
+  // Free responses change their sign once at most.  If g only rises, p (1 - g) / f is least at the
+  // second end and q g / f at the first, as the ratio of two free responses only rises or falls.
+  if (g0 > 0.0 && g1 > 0.0 && f0 > 0.0 && f1 < 0.0) {
+    rule.leanest = kRounded / std::min(g0 / f0, -g1 / f1);
+  }
+  return rule;
 }
 
 double Oscillator::Crest(const Arc& arc) const {

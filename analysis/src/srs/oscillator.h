@@ -45,33 +45,54 @@ class Oscillator {
   double SlopeAfter(const Arc& arc) const;
   double Bend(const Arc& arc) const { return arc.force - h2 * arc.y - s2 * arc.slope; }
 
-  /// By how much a response can exceed the higher one of an interval's ends: an eighth of the
-  /// largest second derivative, which is a free response itself.
-  double Margin(double slope, double bend, double rise) const {
-    return 0.125 * (bend + rise + s2 * bend + h2 * slope);
+  /// By how much a response can exceed the higher one of an interval's ends, where its second
+  /// derivative is at most 1 at both.
+  double MarginByBend() const { return FarthestFromChord(1.0, h2 * constant / impulse); }
+
+  /// The second and third derivative at the start of an interval, from its ends:
+  ///
+  ///   turn = y'(1) - y'(0),   lead = y(1) - y(0) - y'(0)
+  ///
+  /// From the second one on the derivatives are free responses: nothing else is needed.
+  struct BendRule {
+    double bendByLead, bendByTurn, thirdByLead, thirdByTurn;
+  };
+  BendRule bendRule;
+  /// The response that starts with these.
+  Arc ArcOf(double y, double slope, double bend, double third) const {
+    return {y, slope, bend + h2 * y + s2 * slope, third + s2 * bend + h2 * slope};
   }
 
-  /// Where a top lies at least and at most; minus infinity if the response has no top.
-  struct Bounds {
-    double least, most;
+  /// Where a response can turn, and how high, by the ends of an interval.
+  struct TurnRule {
+    /// It exceeds the higher end by no more than byTurn |turn| + byLean |lean|, where
+    /// lean = 2 (y(1) - y(0)) - y'(0) - y'(1).
+    double byTurn, byLean;
+    /// If both slopes have the same sign, it turns only if |lean| times this exceeds their sum.
+    double leanest;
   };
-  /// Of the top inside an interval, by a cubic through its ends.
-  Bounds CrestBounds(const Arc& arc) const;
+  TurnRule TurnRuleOf() const;
 
   /// The highest point inside an interval; minus infinity if the response has no top there.
   double Crest(const Arc& arc) const;
 
- private:
   static constexpr std::size_t kMostTerms = 40;  // pi^n / n! is below 1e-19 from 33 on
   using Series = std::array<double, kMostTerms>;
 
+  std::size_t Terms() const { return terms_; }
+  /// What the second derivative at a start, and the third, add to the response: its powers of t.
+  const Series& ByBend() const { return byBend_; }
+  const Series& ByThird() const { return ramp_; }
+
+ private:
   std::size_t terms_;
-  Series impulse_{}, constant_{}, ramp_{};  // the responses' coefficients
+  Series impulse_{}, constant_{}, ramp_{}, byBend_{};  // the responses' coefficients
 
   struct Jet {
     double value, slope, bend;
   };
   Jet At(const Series& y, double t) const;
+  double FarthestFromChord(double bend, double third) const;
   template <class F>
   double Zero(const Series& y, double low, double high, F f) const;
 };

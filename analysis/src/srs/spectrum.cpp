@@ -2,12 +2,17 @@
 //
 // All samples are visited in lanes, in blocks.  A response rises above its samples by less than a
 // margin that follows from the block's extremes; blocks that can hold an extreme of the spectrum
-// are kept with the state before them until more of the shock is known.  Where many are left, as
-// of a shock that grows, they are looked at closely, in lanes again.  What is left then is few, and
-// few intervals in it, whose tops are found in closed form.
+// are kept with the state before them until more of the shock is known.  What is left is looked at
+// closely, in lanes again; where many blocks are left, as of a burst, theirs is the only walk.  The
+// tops that it shows are found by bounds and closed forms, those of a line together.
+//
+// A top's height depends on its own interval alone, and none is left out that could be the highest:
+// the order of the search and the lines beside it change no bit.
 #include "srs/spectrum.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <vector>
@@ -17,6 +22,7 @@
 #include "srs/base_motion.h"
 #include "srs/blocks.h"
 #include "srs/oscillator.h"
+#include "srs/tops.h"
 
 namespace qarv::analysis {
 
@@ -52,15 +58,19 @@ class Search {
     for (std::size_t k = 0; k < lines.size(); ++k) {
       bank_.Set(k, lines[k].oscillator, lines[k].drive);
       rules_.Set(k, lines[k].oscillator, lines[k].drive, bank_.Scale(k));
-      cubic_.Set(k, lines[k].oscillator, lines[k].drive, bank_.Scale(k));
+      turnRules_.Set(k, lines[k].oscillator);
     }
   }
 
   void Run() {
     for (std::size_t first = 0; first < base_.end; first += kBlock) {
       const std::size_t last = std::min(first + kBlock, base_.end);
-      Candidate c{first, last, state_, {}, {}};
-      if (!(eager_ ? PassClosely(&c) : Pass(&c))) continue;
+      Candidate c{first, last, state_, {}};
+      if (eager_ > 0) {
+        PassClosely(&c);
+        continue;
+      }
+      if (!Pass(&c)) continue;
       candidates_.push_back(c);
       if (candidates_.size() == kMostCandidates) Thin();
     }
@@ -99,162 +109,154 @@ class Search {
     return beyond;
   }
 
+  /// At the end of a block: whether it may hold an extreme.
   QARV_LANES_INLINE bool Arrive(Candidate* c) {
     Silence(&state_);
     SetMargins(rules_, peaks_[c->first / kBlock], &c->track);
-    c->within = c->track.margin;
-    margin_ = c->within;
     if (!AnyBeyond(sure_, c->track)) return false;
     RaiseTo(c->track.high, c->track.low, &best_);
     RaiseTo(c->track.high, c->track.low, &sure_);
     return true;
   }
 
-  /// The same where a closer look will be needed anyway: one walk instead of two.
-  bool PassClosely(Candidate* c) {
+  /// Pass, where a closer look will be needed anyway: one walk instead of two.
+  void PassClosely(Candidate* c) {
     bool beyond = false;
-    CloseTrack seen;
     common::RunWith(set_, [&]() QARV_LANES {
-      for (std::size_t k = 0; k < kLanes; ++k) c->within[k] = 1.25 * margin_[k];
-      const Lanes expected = c->within;
-      WalkClosely<kWindow>(bank_, sure_, *c, &seen);
-      state_ = seen.after;
-      c->track.high = seen.sampleHigh;
-      c->track.low = seen.sampleLow;
+      WalkClosely(bank_, turnRules_, sure_, *c, &look_);
+      state_ = look_.after;
+      c->track.high = look_.high;
+      c->track.low = look_.low;
       beyond = Arrive(c);
-      eager_ = beyond;
-      if (!beyond || AnyAbove(c->within, expected)) return;
-      Tighten(cubic_, peaks_[c->first / kBlock], seen, &c->track, &sure_);
-      c->seenClosely = true;
-      beyond = AnyBeyond(sure_, c->track);
     });
     work_->looked += c->last - c->first;
-    if (beyond && IsCrowded(seen, *c)) eager_ = c->seenClosely = false;
-    return beyond;
+    eager_ = beyond ? eager_ - 1 : 0;
+    if (beyond) TakeTurns(*c);
   }
 
-  bool Beyond(std::size_t k, double high, double low, double margin) const {
-    return high + margin > sure_.high[k] || low - margin < sure_.low[k];
-  }
-  bool Beyond(std::size_t k, const Candidate& c) const {
-    return Beyond(k, c.track.high[k], c.track.low[k], c.track.margin[k]);
-  }
-  void Raise(std::size_t k, double high, double low) {
-    best_.high[k] = std::max(best_.high[k], high);
-    best_.low[k] = std::min(best_.low[k], low);
-    sure_.high[k] = std::max(sure_.high[k], high);
-    sure_.low[k] = std::min(sure_.low[k], low);
-  }
-
-  void DropSurpassed() {
-    std::erase_if(candidates_, [&](const Candidate& c) { return !AnyBeyond(sure_, c.track); });
-  }
-
-  /// Drops the candidates that have been surpassed; if too many are left, looks at them closely,
-  /// and if still too many are left, into their intervals.
+  /// Drops the candidates that have been surpassed; if many are left, looks at them closely.
   void Thin() {
-    DropSurpassed();
-    eager_ = eager_ || candidates_.size() > kMostCandidates * 3 / 4;
-    if (candidates_.size() > kMostCandidates / 2) LookClosely();
-    if (candidates_.size() > kMostCandidates / 2) Settle();
-  }
-
-  bool IsCrowded(const CloseTrack& seen, const Candidate& c) const {
-    std::size_t crowded = 0;
-    for (std::size_t k = 0; k < lines_.size(); ++k) {
-      if (seen.missed[k] > 0.0 && Beyond(k, c)) ++crowded;
-    }
-    return crowded > kLanes / 4;
+    std::erase_if(candidates_, [&](const Candidate& c) { return !AnyBeyond(sure_, c.track); });
+    if (candidates_.size() < kMostCandidates / 2) return;
+    const std::size_t most = kMostCandidates / 8 * kLanes / 2;
+    LookClosely();
+    // If not, later blocks surpass earlier ones, and it pays to know them.
+    eager_ = turns_ > most ? 8 * kMostCandidates : 0;
   }
 
   void LookClosely() {
     // From the last one on: the best of a shock that grows.
     for (std::size_t n = candidates_.size(); n-- > 0;) {
-      Candidate& c = candidates_[n];
-      if (c.seenClosely || !AnyBeyond(sure_, c.track)) continue;
-      c.seenClosely = true;
-      if (IsCrowded(LookAt<kWindow>(&c), c)) {
-        eager_ = false;
-        LookAt<1>(&c);
-      }
-    }
-    DropSurpassed();
-  }
-
-  template <std::size_t kIntervals>
-  CloseTrack LookAt(Candidate* c) {
-    CloseTrack seen;
-    common::RunWith(set_, [&]() QARV_LANES {
-      WalkClosely<kIntervals>(bank_, sure_, *c, &seen);
-      Tighten(cubic_, peaks_[c->first / kBlock], seen, &c->track, &sure_);
-    });
-    work_->looked += c->last - c->first;
-    return seen;
-  }
-
-  void Settle() {
-    LookClosely();
-    for (std::size_t n = candidates_.size(); n-- > 0;) {
       const Candidate& c = candidates_[n];
-      for (std::size_t k = 0; k < lines_.size(); ++k) {
-        if (Beyond(k, c)) Examine(k, c);
-      }
+      if (!AnyBeyond(sure_, c.track)) continue;
+      common::RunWith(set_, [&]() QARV_LANES { WalkClosely(bank_, turnRules_, sure_, c, &look_); });
+      work_->looked += c.last - c.first;
+      if (n + 1 == kMostCandidates / 8) turns_ = 0;
+      TakeTurns(c);
+      if (n + 1 == candidates_.size()) Climb();
     }
     candidates_.clear();
   }
 
-  /// Walks through a block again, and into the intervals that may hold an extreme: first by
-  /// bounds, of which the highest leave few intervals for the closed form.
-  void Examine(std::size_t k, const Candidate& c) {
-    const Oscillator& o = lines_[k].oscillator;
-    LaneState from{c.before.a[k], c.before.b[k]};
-    double y = bank_.Response(k, c.first, from.a, from.b);
-    work_->examined += c.last - c.first;
-    for (std::size_t i = c.first; i < c.last; ++i) {
-      const LaneState to = Next(k, i, from);
-      const double next = bank_.Response(k, i + 1, to.a, to.b);
-      const double high = std::max(y, next);
-      const double low = std::min(y, next);
-      // From rest, in the first interval, a response to a straight line only rises or only falls.
-      if (i > 0 && Beyond(k, high, low, c.within[k])) {
-        const Arc arc = ArcOf(k, i, from, to);
-        const double margin =
-            kRounded * o.Margin(std::fabs(arc.slope), std::fabs(o.Bend(arc)), std::fabs(arc.rise));
-        if (high + margin > sure_.high[k]) Expect(k, arc, false);
-        if (low - margin < sure_.low[k]) Expect(k, -arc, true);
-      }
-      from = to;
-      y = next;
-    }
-    for (const Top& top : tops_) {
-      if (!(top.most > (top.mirrored ? -sure_.low[k] : sure_.high[k]))) continue;
-      ++work_->crests;
-      const double crest = o.Crest(top.arc);
-      Raise(k, top.mirrored ? 0.0 : crest, top.mirrored ? -crest : 0.0);
-    }
-    tops_.clear();
+  void Settle() {
+    LookClosely();
+    Climb();
   }
 
-  /// A top, or a mirrored bottom, that may be an extreme.
-  struct Top {
-    Arc arc;
-    bool mirrored;
-    double most;
-  };
-  void Expect(std::size_t k, const Arc& arc, bool mirrored) {
-    const Oscillator::Bounds bounds = lines_[k].oscillator.CrestBounds(arc);
-    double& sure = mirrored ? sure_.low[k] : sure_.high[k];
-    if (!(bounds.most > (mirrored ? -sure : sure))) return;
-    tops_.push_back({arc, mirrored, bounds.most});
-    if (mirrored) {
-      sure = std::min(sure, -bounds.least);
-    } else {
-      sure = std::max(sure, bounds.least);
+  /// The heights of all tops that have been found.
+  void Climb() {
+    for (std::size_t k = 0; k < lines_.size(); ++k) {
+      TakeArches(k);
+      for (const bool mirrored : {false, true}) Climb(k, mirrored);
     }
+  }
+
+  /// Goes through the turns that a closer look has shown.
+  void TakeTurns(const Candidate& c) {
+    for (std::size_t k = 0; k < lines_.size(); ++k) {
+      // From rest, in the first interval, a response to a straight line only rises or only falls.
+      std::uint64_t turns = look_.turns[k] & (c.first == 0 ? ~std::uint64_t{1} : ~std::uint64_t{0});
+      Arches& arches = arches_[k];
+      turns_ += static_cast<std::size_t>(std::popcount(turns));
+      for (; turns != 0; turns &= turns - 1) {
+        const auto n = static_cast<std::size_t>(std::countr_zero(turns));
+        const double slope = look_.slope[n][k];
+        const double next = look_.slope[n + 1][k];
+        if (slope * next < 0.0) {
+          arches.Add(look_.y[n][k], slope, look_.y[n + 1][k], next);
+        } else {
+          Unfold(k, look_.y[n][k], slope, look_.y[n + 1][k], next);
+        }
+        if (arches.size == kTogether) TakeArches(k);
+      }
+    }
+  }
+
+  void TakeArches(std::size_t k) {
+    Arches& arches = arches_[k];
+    if (arches.size == 0) return;
+    common::RunWith(set_, [&]() QARV_LANES { Bound(lines_[k].oscillator, arches, &bounds_); });
+    work_->examined += arches.size;
+    for (std::size_t j = 0; j < arches.size; ++j)
+      RaiseSure(k, arches.mirrored[j], bounds_.least[j]);
+    for (std::size_t j = 0; j < arches.size; ++j) {
+      const bool mirrored = arches.mirrored[j];
+      if (!(bounds_.most[j] > Sure(k, mirrored))) continue;
+      Tops& tops = tops_[k][mirrored ? 1 : 0];
+      tops.Add(arches, bounds_, j);
+      if (tops.size < kTogether) continue;
+      tops.KeepAbove(Sure(k, mirrored));
+      if (tops.size > kTogether / 2) Climb(k, mirrored);
+    }
+    arches.size = 0;
+  }
+
+  /// Of one line.
+  void Climb(std::size_t k, bool mirrored) {
+    Tops& tops = tops_[k][mirrored ? 1 : 0];
+    tops.KeepAbove(Sure(k, mirrored));
+    if (tops.size == 0) return;
+    const Oscillator& o = lines_[k].oscillator;
+    Heights heights;
+    common::RunWith(set_, [&]() QARV_LANES { analysis::Climb(o, tops, &heights); });
+    work_->crests += tops.size;
+    for (std::size_t j = 0; j < tops.size; ++j) {
+      const bool sure = heights.sure[j] != 0.0;
+      Raise(k, mirrored,
+            sure ? heights.top[j]
+                 : o.Crest(o.ArcOf(tops.y[j], tops.slope[j], heights.bend[j], heights.third[j])));
+    }
+    tops.size = 0;
+  }
+
+  /// An interval between slopes of the same sign, which may hide a top and a bottom.
+  void Unfold(std::size_t k, double y0, double slope0, double y1, double slope1) {
+    const Oscillator& o = lines_[k].oscillator;
+    const double lead = y1 - y0 - slope0;
+    const double turn = slope1 - slope0;
+    const Oscillator::BendRule& rule = o.bendRule;
+    const Arc arc = o.ArcOf(y0, slope0, rule.bendByLead * lead + rule.bendByTurn * turn,
+                            rule.thirdByLead * lead + rule.thirdByTurn * turn);
+    for (const bool mirrored : {false, true}) {
+      ++work_->crests;
+      Raise(k, mirrored, o.Crest(mirrored ? -arc : arc));
+    }
+  }
+
+  double Sure(std::size_t k, bool mirrored) const {
+    return mirrored ? -sure_.low[k] : sure_.high[k];
+  }
+  void RaiseSure(std::size_t k, bool mirrored, double height) {
+    if (!(height > Sure(k, mirrored))) return;
+    (mirrored ? sure_.low[k] : sure_.high[k]) = mirrored ? -height : height;
+  }
+  void Raise(std::size_t k, bool mirrored, double height) {
+    RaiseSure(k, mirrored, height);
+    double& best = mirrored ? best_.low[k] : best_.high[k];
+    best = mirrored ? std::min(best, -height) : std::max(best, height);
   }
 
   static constexpr std::size_t kMostCandidates = 64;
-  static constexpr std::size_t kWindow = 4;  // [interval]
 
   common::InstructionSet set_;
   Bank bank_;
@@ -263,14 +265,17 @@ class Search {
   std::span<Line> lines_;
   SearchWork* work_;
   MarginRules rules_;
-  CubicRules cubic_;
+  TurnRules turnRules_;
   BankState state_;
-  BlockTrack best_;  // so far, with 0: samples, and tops in closed form
+  BlockTrack best_;  // so far, with 0
   BlockTrack sure_;  // what the extremes reach at least
   std::vector<Candidate> candidates_;
-  std::vector<Top> tops_;
-  Lanes margin_{};  // of the last block
-  bool eager_ = false;
+  CloseLook look_;
+  std::array<Arches, kLanes> arches_;
+  Bounds bounds_;
+  std::array<std::array<Tops, 2>, kLanes> tops_;  // of each line; the second are mirrored bottoms
+  std::size_t turns_ = 0;
+  std::size_t eager_ = 0;  // so many blocks are walked through closely at once
 };
 
 SrsExtremes Times(const SrsExtremes& e, double factor) {

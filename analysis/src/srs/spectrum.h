@@ -13,8 +13,8 @@ namespace qarv::analysis {
 /// What a search took beside the walk through all samples.
 struct SearchWork {
   std::size_t looked = 0;    // intervals that a bank has looked at closely
-  std::size_t examined = 0;  // intervals that a line has been walked through again
-  std::size_t crests = 0;    // tops in closed form
+  std::size_t examined = 0;  // tops that have been bounded
+  std::size_t crests = 0;    // tops whose height has been found
 };
 
 /// CalcSrs by one instruction set; the arguments are those that it accepts.
