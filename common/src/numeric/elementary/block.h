@@ -35,15 +35,20 @@ QARV_LANES_INLINE uint64 ZeroIf(bool holds) {
 /// One block; x and y may be the same.
 template <class Function>
 QARV_LANES_INLINE void OneBlock(Function& f, const double* x, double* y, std::size_t n) {
+  // Kept per value: a block with one rare value, as every wave's first one that begins with
+  // sin(0), is not reduced again to find it.
+  uint64 rare[kBlock];
   uint64 any = 0;
-  for (std::size_t i = 0; i < n; ++i) any |= f.Reduce(i, x[i]);
+  for (std::size_t i = 0; i < n; ++i) {
+    rare[i] = f.Reduce(i, x[i]);
+    any |= rare[i];
+  }
   double argument[kBlock];
   if (any != 0) std::copy_n(x, n, argument);
   QARV_INDEPENDENT
   for (std::size_t i = 0; i < n; ++i) y[i] = f.Evaluate(i);
-  if (any == 0) return;
-  for (std::size_t i = 0; i < n; ++i) {
-    if (f.Reduce(i, argument[i]) != 0) y[i] = Function::Rare(argument[i]);
+  for (std::size_t i = 0; any != 0 && i < n; ++i) {
+    if (rare[i] != 0) y[i] = Function::Rare(argument[i]);
   }
 }
 
