@@ -8,12 +8,14 @@
 #include "family/damping.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
 #include "common/numeric/constants.h"
 #include "common/numeric/index_conv.h"
 #include "common/numeric/mat_basic.h"
+#include "numeric/elementary/block.h"
 #include "numeric/sample_blocks.h"
 
 namespace qarv::wave_def {
@@ -78,14 +80,23 @@ struct ModifiedSine {
 };
 
 /// Whether every sample is so large that adding anything up to `bound` leaves it as it is: a sum
-/// rounds to its larger part where the other one is below a quarter of its last place.
+/// rounds to its larger part where the other one is below a quarter of its last place.  Sixteen
+/// running minima side by side, because one alone waits for itself at every sample.
 QARV_LANES_INLINE bool Swallows(const double* sample, std::size_t n, double bound) {
-  double least = std::numeric_limits<double>::infinity();
-  for (std::size_t i = 0; i < n; ++i) {
-    const double size = std::fabs(sample[i]);
-    least = size < least ? size : least;  // a NaN stays one whatever is added
+  const auto lower = [](double& m, double v) QARV_LANES {
+    const double size = std::fabs(v);
+    m = size < m ? size : m;  // a NaN stays one whatever is added
+  };
+  const double largest = bound * 0x1p55 + 1e-290;  // subnormal ones are out of the question there
+  if (!(std::fabs(sample[0]) > largest) && !std::isnan(sample[0])) return false;
+  std::array<double, 16> least;
+  least.fill(std::numeric_limits<double>::infinity());
+  std::size_t i = 0;
+  for (; n - i >= least.size(); i += least.size()) {
+    for (std::size_t k = 0; k < least.size(); ++k) lower(least[k], sample[i + k]);
   }
-  return least > bound * 0x1p55 + 1e-290;  // subnormal contributions are out of the question there
+  for (; i < n; ++i) lower(least[0], sample[i]);
+  return *std::min_element(least.begin(), least.end()) > largest;
 }
 
 /// Adds the oscillation to the samples of its extent.
@@ -109,14 +120,14 @@ void AddDecay(double* buffer, Extent extent, const Decay<Kind>& decay, Instructi
     over = falls && std::isinf(e[0]);
     if (over) return;
     decay.kind.Numerator(x, n, v, set);
-    bool vanished = false;
+    uint64 vanished = 0;
     for (std::size_t i = 0; i < n; ++i) {
-      vanished |= e[i] == 0.0;
+      vanished |= ZeroIf(e[i] != 0.0);
       v[i] /= e[i];
     }
     // Deliberate: where e has become 0 (a negative damping) the value before it is held.  A NaN is
     // not 0.
-    for (std::size_t i = 0; vanished && i < n; ++i) {
+    for (std::size_t i = 0; vanished != 0 && i < n; ++i) {
       if (e[i] == 0.0) v[i] = i == 0 ? held : v[i - 1];
     }
     held = v[n - 1];
