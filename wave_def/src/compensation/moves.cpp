@@ -13,6 +13,7 @@
 #include "common/numeric/calc_wave.h"
 #include "common/numeric/constants.h"
 #include "numeric/elementary.h"
+#include "numeric/sample_blocks.h"
 
 namespace qarv::wave_def::compensation {
 
@@ -81,22 +82,22 @@ struct Extremes {
 
 /// The extremes of base + h w.
 Extremes ExtremesOf(const Wave& base, const Wave& w, double h) {
-  constexpr std::size_t kLanes = 8;  // one running extreme alone waits for itself at every sample
-  std::array<double, kLanes> high{};
-  std::array<double, kLanes> low{};
-  high.fill(-HUGE_VAL);
-  low.fill(HUGE_VAL);
-  const auto take = [&](std::size_t lane, std::size_t i) {
-    const double y = base[i] + h * w[i];
-    high[lane] = y > high[lane] ? y : high[lane];
-    low[lane] = y < low[lane] ? y : low[lane];
-  };
-  std::size_t i = 0;
-  for (; i + kLanes <= base.size(); i += kLanes) {
-    for (std::size_t lane = 0; lane < kLanes; ++lane) take(lane, i + lane);
-  }
-  for (; i < base.size(); ++i) take(0, i);
-  return {*std::min_element(low.begin(), low.end()), *std::max_element(high.begin(), high.end())};
+  Extremes found{};
+  common::RunWith(common::BestInstructionSet(), [&]() QARV_LANES {
+    common::Running high;
+    common::Running low;
+    high.fill(-HUGE_VAL);
+    low.fill(HUGE_VAL);
+    common::ForSideBySide(base.size(), [&, a = base.data(), b = w.data(), h](
+                                           std::size_t lane, std::size_t i) QARV_LANES {
+      const double y = a[i] + h * b[i];
+      high[lane] = y > high[lane] ? y : high[lane];
+      low[lane] = y < low[lane] ? y : low[lane];
+    });
+    found = {*std::min_element(low.begin(), low.end()),
+             *std::max_element(high.begin(), high.end())};
+  });
+  return found;
 }
 
 /// The least of a convex function on [a, b], by golden section.

@@ -8,7 +8,6 @@
 #include "family/damping.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 
@@ -80,22 +79,16 @@ struct ModifiedSine {
 };
 
 /// Whether every sample is so large that adding anything up to `bound` leaves it as it is: a sum
-/// rounds to its larger part where the other one is below a quarter of its last place.  Sixteen
-/// running minima side by side, because one alone waits for itself at every sample.
+/// rounds to its larger part where the other one is below a quarter of its last place.
 QARV_LANES_INLINE bool Swallows(const double* sample, std::size_t n, double bound) {
-  const auto lower = [](double& m, double v) QARV_LANES {
-    const double size = std::fabs(v);
-    m = size < m ? size : m;  // a NaN stays one whatever is added
-  };
   const double largest = bound * 0x1p55 + 1e-290;  // subnormal ones are out of the question there
   if (!(std::fabs(sample[0]) > largest) && !std::isnan(sample[0])) return false;
-  std::array<double, 16> least;
+  common::Running least;
   least.fill(std::numeric_limits<double>::infinity());
-  std::size_t i = 0;
-  for (; n - i >= least.size(); i += least.size()) {
-    for (std::size_t k = 0; k < least.size(); ++k) lower(least[k], sample[i + k]);
-  }
-  for (; i < n; ++i) lower(least[0], sample[i]);
+  common::ForSideBySide(n, [&](std::size_t lane, std::size_t i) QARV_LANES {
+    const double size = std::fabs(sample[i]);
+    least[lane] = size < least[lane] ? size : least[lane];  // a NaN stays one whatever is added
+  });
   return *std::min_element(least.begin(), least.end()) > largest;
 }
 
