@@ -2,15 +2,34 @@
 #include "numeric/fft_roots.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
+#include <cstddef>
 #include <utility>
 
 #include "common/numeric/constants.h"
 #include "numeric/elementary.h"
+#include "numeric/sample_blocks.h"
 
 namespace qarv::common {
 
-Complex UnitRoot(uint64 i, uint64 n) {
+namespace {
+
+/// An angle in the first octant, and how the root of the whole angle follows from its own.
+struct OctantAngle {
+  double x;
+  bool steep, diagonal, leftHalf, lowerHalf;
+
+  /// The root, from cosine and sine of x.
+  Complex Unfold(double c, double s) const {
+    if (diagonal) c = s = std::sqrt(0.5);  // on the diagonal the two are one number
+    if (steep) std::swap(c, s);
+    return {leftHalf ? -c : c, lowerHalf ? -s : s};
+  }
+};
+
+OctantAngle ToOctant(uint64 i, uint64 n) {
   // The angle is part num / (n parts) of a turn, parts a power of two.  A multiple of num is only
   // formed where it is at most n, so that 64 bits hold it for every n.
   uint64 num = i;
@@ -30,28 +49,42 @@ Complex UnitRoot(uint64 i, uint64 n) {
     parts = 4.0;
   }
   const double x = kTwoPi * (static_cast<double>(num) / static_cast<double>(n) / parts);
-  double c = elementary::Cos(x);
-  double s = elementary::Sin(x);
-  if (diagonal) c = s = std::sqrt(0.5);  // on the diagonal the two are one number
-  if (steep) std::swap(c, s);
-  return {leftHalf ? -c : c, lowerHalf ? -s : s};
+  return {x, steep, diagonal, leftHalf, lowerHalf};
+}
+
+}  // namespace
+
+Complex UnitRoot(uint64 i, uint64 n) {
+  const OctantAngle angle = ToOctant(i, n);
+  return angle.Unfold(elementary::Cos(angle.x), elementary::Sin(angle.x));
 }
 
 namespace {
 
-/// The first `count` of the n-th roots, conjugated.
-std::vector<Complex> FirstRoots(uint64 count, uint64 n) {
+/// The n-th roots of the indices 0, step, 2 step, ..., conjugated.
+std::vector<Complex> StepRoots(uint64 count, uint64 step, uint64 n) {
   std::vector<Complex> roots(static_cast<std::size_t>(count));
-  for (uint64 k = 0; k < count; ++k) {
-    const Complex root = UnitRoot(k, n);
-    roots.data()[k] = {root.re, -root.im};
+  std::array<OctantAngle, kSampleBlock> angle;
+  SampleBlock c, s;
+  for (uint64 first = 0; first < count; first += kSampleBlock) {
+    const auto size = static_cast<std::size_t>(std::min<uint64>(kSampleBlock, count - first));
+    for (std::size_t k = 0; k < size; ++k) {
+      angle[k] = ToOctant((first + k) * step, n);
+      s[k] = angle[k].x;
+    }
+    elementary::Cos({s.data(), size}, {c.data(), size});
+    elementary::Sin({s.data(), size}, {s.data(), size});
+    for (std::size_t k = 0; k < size; ++k) {
+      const Complex root = angle[k].Unfold(c[k], s[k]);
+      roots.data()[first + k] = {root.re, -root.im};
+    }
   }
   return roots;
 }
 
 /// All n-th roots, conjugated; n a multiple of 8, so that those of one octant show the others.
 std::vector<Complex> MirroredRoots(uint64 n) {
-  std::vector<Complex> roots = FirstRoots(n / 8 + 1, n);
+  std::vector<Complex> roots = StepRoots(n / 8 + 1, 1, n);
   roots.resize(static_cast<std::size_t>(n));
   const uint64 quarter = n / 4;
   for (uint64 k = n / 8 + 1; k <= quarter; ++k) {
@@ -71,17 +104,10 @@ RootTable::RootTable(uint64 n, uint64 widest) : block_(8) {
   // The least number of sines, of which a coarse table with octants takes an eighth.
   const uint64 octants = n % 64 == 0 ? 8 : 1;
   while (widest * block_ * 4 <= n / (block_ * octants)) block_ *= 2;
-  fine_ = FirstRoots(std::min(n, widest * (block_ - 1) + 1), n);
+  shift_ = std::countr_zero(block_);
+  fine_ = StepRoots(std::min(n, widest * (block_ - 1) + 1), 1, n);
   const uint64 count = (n - 1) / block_ + 1;
-  if (n % (8 * block_) == 0) {
-    coarse_ = MirroredRoots(count);
-  } else {
-    coarse_.resize(static_cast<std::size_t>(count));
-    for (uint64 k = 0; k < count; ++k) {
-      const Complex root = UnitRoot(k * block_, n);
-      coarse_.data()[k] = {root.re, -root.im};
-    }
-  }
+  coarse_ = n % (8 * block_) == 0 ? MirroredRoots(count) : StepRoots(count, block_, n);
   rowRe_.resize(static_cast<std::size_t>(block_));
   rowIm_.resize(static_cast<std::size_t>(block_));
 }

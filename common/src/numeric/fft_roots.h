@@ -29,7 +29,7 @@ class RootTable {
 
   /// The root of index k, 0 <= k < n.
   Complex operator()(uint64 k) const {
-    return coarse_.data()[k / block_] * fine_.data()[k % block_];
+    return coarse_.data()[k >> shift_] * fine_.data()[k & (block_ - 1)];
   }
 
   /// The roots of the indices 0, step, 2 step, ... below n.
@@ -37,7 +37,8 @@ class RootTable {
   void FillRow(InstructionSet set, uint64 step, uint64 count, double* re, double* im);
 
  private:
-  uint64 block_;                 // roots from one coarse one to the next
+  uint64 block_;                 // roots from one coarse one to the next, a power of two
+  int shift_;                    // its logarithm: the tables are asked for every twiddle
   std::vector<Complex> fine_;    // as far as `widest` blocks go
   std::vector<Complex> coarse_;  // every block_-th
   std::vector<double> rowRe_;    // the fine roots of one step
