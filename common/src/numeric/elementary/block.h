@@ -31,6 +31,11 @@ double OneValue(double x) {
 QARV_LANES_INLINE uint64 ZeroIf(bool holds) {
   return __builtin_bit_cast(uint64, holds ? 0.0 : 1.0);
 }
+/// 0 if both hold.  A sum, as the compilers would make an integer of one comparison a condition of
+/// the other.
+QARV_LANES_INLINE uint64 ZeroIfBoth(bool a, bool b) {
+  return __builtin_bit_cast(uint64, (a ? 0.0 : 1.0) + (b ? 0.0 : 1.0));
+}
 
 /// One block; x and y may be the same.
 template <class Function>

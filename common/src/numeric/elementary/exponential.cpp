@@ -42,7 +42,7 @@ struct Power {
     high[i] = power.r.high;
     low[i] = power.r.low;
     biased[i] = power.biased;
-    return ZeroIf(x >= kSmallestExpArgument) | ZeroIf(x <= kLargestExpArgument);
+    return ZeroIfBoth(x >= kSmallestExpArgument, x <= kLargestExpArgument);
   }
   QARV_LANES_INLINE double Evaluate(std::size_t i) const {
     const TwoDouble y = PowerOfReduced(biased[i] & 255, {high[i], low[i]});

@@ -34,8 +34,8 @@ struct Angle {
     high[i] = angle.r.high;
     low[i] = angle.r.low;
     row[i] = angle.row;
-    return ZeroIf(std::fabs(x) <= kLargestSineArgument) |
-           ZeroIf(std::fabs(angle.r.high) > std::fabs(k) * 0x1p-70);
+    return ZeroIfBoth(std::fabs(x) <= kLargestSineArgument,
+                      std::fabs(angle.r.high) > std::fabs(k) * 0x1p-70);
   }
   QARV_LANES_INLINE double Evaluate(std::size_t i) const {
     const TwoDouble y = SineOfReduced(Kind::Row(row[i]), {high[i], low[i]});
