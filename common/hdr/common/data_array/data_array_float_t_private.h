@@ -46,12 +46,12 @@ T Magnitude(T x) {
   }
 }
 
-/// The largest magnitude of n elements, at least 0.  Sixteen running maxima side by side, because
-/// one alone waits for itself at every element.
+/// The largest magnitude of n elements, at least 0.  Running maxima side by side, because one alone
+/// waits for itself at every element; of sixteen and fewer GCC makes single values and no lanes.
 template <class T>
 T LargestMagnitude(const T* x, uint64 n) {
   const auto raise = [](T& m, T v) { m = v > m ? v : m; };  // false for a NaN, which is passed over
-  std::array<T, 16> lanes{};
+  std::array<T, 32> lanes{};
   uint64 i = 0;
   for (; n - i >= lanes.size(); i += lanes.size()) {
     for (std::size_t k = 0; k < lanes.size(); ++k) raise(lanes[k], Magnitude(x[i + k]));
