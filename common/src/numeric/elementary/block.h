@@ -31,38 +31,46 @@ double OneValue(double x) {
 QARV_LANES_INLINE uint64 ZeroIf(bool holds) {
   return __builtin_bit_cast(uint64, holds ? 0.0 : 1.0);
 }
-/// 0 if both hold.  A sum, as the compilers would make an integer of one comparison a condition of
-/// the other.
-QARV_LANES_INLINE uint64 ZeroIfBoth(bool a, bool b) {
-  return __builtin_bit_cast(uint64, (a ? 0.0 : 1.0) + (b ? 0.0 : 1.0));
+/// 0 if both are positive, by one comparison; neither may be a NaN without the other.
+QARV_LANES_INLINE uint64 ZeroIfPositive(double a, double b) {
+  return ZeroIf((a < b ? a : b) > 0.0);
 }
 
-/// One block; x and y may be the same.
-template <class Function>
-QARV_LANES_INLINE void OneBlock(Function& f, const double* x, double* y, std::size_t n) {
+/// The function of argument(i), for n values of a block, each handed to put(i, y).  What put writes
+/// may be what argument reads.
+template <class Function, class Argument, class Put>
+QARV_LANES_INLINE void OneBlock(Function& f, std::size_t n, Argument argument, Put put) {
   // Kept per value: a block with one rare value, as every wave's first one that begins with
   // sin(0), is not reduced again to find it.
   uint64 rare[kBlock];
   uint64 any = 0;
   for (std::size_t i = 0; i < n; ++i) {
-    rare[i] = f.Reduce(i, x[i]);
+    rare[i] = f.Reduce(i, argument(i));
     any |= rare[i];
   }
-  double argument[kBlock];
-  if (any != 0) std::copy_n(x, n, argument);
-  QARV_INDEPENDENT
-  for (std::size_t i = 0; i < n; ++i) y[i] = f.Evaluate(i);
+  double rareValue[kBlock];
   for (std::size_t i = 0; any != 0 && i < n; ++i) {
-    if (rare[i] != 0) y[i] = Function::Rare(argument[i]);
+    if (rare[i] != 0) rareValue[i] = Function::Rare(argument(i));
+  }
+  QARV_INDEPENDENT
+  for (std::size_t i = 0; i < n; ++i) put(i, f.Evaluate(i));
+  for (std::size_t i = 0; any != 0 && i < n; ++i) {
+    if (rare[i] != 0) put(i, rareValue[i]);
   }
 }
 
+/// x and y may be the same.
 template <class Function>
 void AllValues(std::span<const double> x, std::span<double> y, InstructionSet set) {
   RunWith(set, [&]() QARV_LANES {
     Function f;
-    for (std::size_t i = 0; i < x.size(); i += kBlock) {
-      OneBlock(f, x.data() + i, y.data() + i, std::min(kBlock, x.size() - i));
+    for (std::size_t first = 0; first < x.size(); first += kBlock) {
+      const double* const from = x.data() + first;
+      double* const to = y.data() + first;
+      OneBlock(
+          f, std::min(kBlock, x.size() - first),
+          [from](std::size_t i) QARV_LANES { return from[i]; },
+          [to](std::size_t i, double value) QARV_LANES { to[i] = value; });
     }
   });
 }

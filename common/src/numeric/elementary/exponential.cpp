@@ -34,19 +34,22 @@ double ScaleDown(TwoDouble y, int n) {
 struct Power {
   double high[kBlock];
   double low[kBlock];
-  uint64 biased[kBlock];
+  uint64 row[kBlock];
+  double scale[kBlock];
 
   /// @return not 0 if x is rare: no number, or its power not safely a normal number.
   QARV_LANES_INLINE uint64 Reduce(std::size_t i, double x) {
     const ReducedPower power = ReducePower(x);
     high[i] = power.r.high;
     low[i] = power.r.low;
-    biased[i] = power.biased;
-    return ZeroIfBoth(x >= kSmallestExpArgument, x <= kLargestExpArgument);
+    row[i] = power.biased & 255;
+    scale[i] = __builtin_bit_cast(double, (power.biased >> 8) << 52);
+    constexpr double kMiddle = 0.5 * (kLargestExpArgument + kSmallestExpArgument);
+    return ZeroIf(std::fabs(x - kMiddle) < kLargestExpArgument - kMiddle);
   }
   QARV_LANES_INLINE double Evaluate(std::size_t i) const {
-    const TwoDouble y = PowerOfReduced(biased[i] & 255, {high[i], low[i]});
-    return (y.high + y.low) * __builtin_bit_cast(double, (biased[i] >> 8) << 52);
+    const TwoDouble y = PowerOfReduced(row[i], {high[i], low[i]});
+    return (y.high + y.low) * scale[i];
   }
   static double Rare(double x) {
     if (std::isnan(x)) return std::numeric_limits<double>::quiet_NaN();
