@@ -151,32 +151,44 @@ struct Candidate {
   std::span<const double> travel;
 };
 
-/// The best factors for one pair of moves; `gap` is what they have to add at the end, `scale` the
-/// largest |displacement| without them.
-MovesFound Pair(const Candidate& pre, const Candidate& post, double gap, double scale,
-                const MoveRules& rules, MoveMemory* memory) {
-  MovesFound found{.pre = pre.reach.move, .post = post.reach.move};
+/// A move on either side, and the factors of the first one that the limits allow.
+struct Pair {
+  const Candidate *pre, *post;
+  double low, high;
+  double miss;  // how far from home they leave the table, if they do
+  bool home;
+};
+
+/// @param[in] gap    what the moves have to add at the end
+/// @param[in] scale  the largest |displacement| without them
+Pair MakePair(const Candidate& pre, const Candidate& post, double gap, double scale) {
   double low = std::max(pre.reach.down, post.reach.down + gap);
   double high = std::min(pre.reach.up, post.reach.up + gap);
-  found.miss = std::max(low - high, 0.0);
-  found.home = found.miss <= 1e-9 * scale;
+  const double miss = std::max(low - high, 0.0);
   if (low > high) low = high = 0.5 * (low + high);
+  return {&pre, &post, low, high, miss, miss <= 1e-9 * scale};
+}
 
+/// The best factors for a pair.
+MovesFound BestFactors(const Pair& pair, double gap, double scale, const MoveRules& rules,
+                       MoveMemory* memory) {
+  MovesFound found{.pre = pair.pre->reach.move,
+                   .post = pair.post->reach.move,
+                   .home = pair.home,
+                   .miss = pair.miss};
   // With h2 = h1 - gap the displacement is base + h1 w.
   Wave& base = memory->base;
   Wave& w = memory->w;
   for (std::size_t k = 0; k < base.size(); ++k) {
-    base[k] = memory->atKnots[k] - gap * post.travel[k];
-    w[k] = pre.travel[k] + post.travel[k];
+    base[k] = memory->atKnots[k] - gap * pair.post->travel[k];
+    w[k] = pair.pre->travel[k] + pair.post->travel[k];
   }
   const auto strokeAt = [&](double h) { return ExtremesOf(base, w, h).Stroke(rules.lead); };
   // Between the moves w is 1, so that a factor far above what the stroke comes to without need not
   // be looked at: in a long frame the limits allow a million times that, and the search would end
   // before it is near.
-  const double useful = strokeAt(std::clamp(0.0, low, high)) + scale;
-  low = std::max(low, -useful);
-  high = std::min(high, useful);
-  found.h1 = Minimise(low, high, strokeAt);
+  const double useful = strokeAt(std::clamp(0.0, pair.low, pair.high)) + scale;
+  found.h1 = Minimise(std::max(pair.low, -useful), std::min(pair.high, useful), strokeAt);
   found.h2 = found.h1 - gap;
   const Extremes reached = ExtremesOf(base, w, found.h1);
   found.stroke = reached.Stroke(rules.lead);
@@ -258,22 +270,30 @@ MovesFound BestMoves(const Wave& c, const Limits& limits, const MoveSet& moves,
   };
   const auto pres = side(preReaches, false);
   const auto posts = side(postReaches, true);
-  std::vector<MovesFound> pairs;
+  const double gap = -d.back();
+  std::vector<Pair> pairs;
   pairs.reserve(pres.size() * posts.size());
   for (const Candidate& pre : pres) {
-    for (const Candidate& post : posts) {
-      pairs.push_back(Pair(pre, post, -d.back(), scale, rules, memory));
-    }
+    for (const Candidate& post : posts) pairs.push_back(MakePair(pre, post, gap, scale));
   }
-  const auto better = [](const MovesFound& a, const MovesFound& b) {
-    if (a.home != b.home) return a.home;
-    return a.home ? a.stroke < b.stroke : a.miss < b.miss;
-  };
-  const MovesFound best = *std::min_element(pairs.begin(), pairs.end(), better);
-  if (!best.home) return best;
+  // Where none comes home, the factors of the nearest are all that is asked for; where one does,
+  // those that do not are out of the question.
+  const auto nearer = [](const Pair& a, const Pair& b) { return a.miss < b.miss; };
+  const auto isHome = [](const Pair& pair) { return pair.home; };
+  if (std::none_of(pairs.begin(), pairs.end(), isHome)) {
+    return BestFactors(*std::min_element(pairs.begin(), pairs.end(), nearer), gap, scale, rules,
+                       memory);
+  }
+  std::vector<MovesFound> all;
+  all.reserve(pairs.size());
+  for (const Pair& pair : pairs) {
+    if (pair.home) all.push_back(BestFactors(pair, gap, scale, rules, memory));
+  }
+  const auto better = [](const MovesFound& a, const MovesFound& b) { return a.stroke < b.stroke; };
+  const MovesFound best = *std::min_element(all.begin(), all.end(), better);
   MovesFound gentlest = best;
-  for (const MovesFound& pair : pairs) {
-    if (pair.home && pair.stroke <= best.stroke * (1.0 + rules.gentle) &&
+  for (const MovesFound& pair : all) {
+    if (pair.stroke <= best.stroke * (1.0 + rules.gentle) &&
         AccelerationOf(pair) < AccelerationOf(gentlest)) {
       gentlest = pair;
     }
