@@ -130,6 +130,21 @@ void RunWarm(benchmark::State& state, bool (CWaveDef::*define)(const Set&), cons
   CountSamples(state, static_cast<double>(def.GetNsamp()));
 }
 
+/// Defines on an object that is new each time.
+template <class Set>
+void RunFresh(benchmark::State& state, bool (CWaveDef::*define)(const Set&), const Set& set) {
+  const bench::AllocationCounter allocations;
+  double samples = 0.0;
+  for (auto _ : state) {
+    CWaveDef def = Settings();
+    (def.*define)(set);
+    benchmark::DoNotOptimize(def.GetWave().GetData());
+    samples = static_cast<double>(def.GetNsamp());
+  }
+  allocations.Report(state);
+  CountSamples(state, samples);
+}
+
 CWaveDefSingle Single(unsigned int n) {
   CWaveDefSingle set;
   set.SetPeriod(0.001);
@@ -145,15 +160,7 @@ void BM_SetDefSingle(benchmark::State& state) {
 BENCHMARK(BM_SetDefSingle)->Arg(1000)->Arg(10000)->Arg(100000)->Arg(1000000)->Arg(10000000);
 
 void BM_SetDefSingleFresh(benchmark::State& state) {
-  const CWaveDefSingle set = Single(static_cast<unsigned int>(state.range(0)));
-  const bench::AllocationCounter allocations;
-  for (auto _ : state) {
-    CWaveDef def = Settings();
-    def.SetDefSingle(set);
-    benchmark::DoNotOptimize(def.GetWave().GetData());
-  }
-  allocations.Report(state);
-  CountSamples(state, static_cast<double>(state.range(0)));
+  RunFresh(state, &CWaveDef::SetDefSingle, Single(static_cast<unsigned int>(state.range(0))));
 }
 BENCHMARK(BM_SetDefSingleFresh)->Arg(10000)->Arg(1000000);
 
@@ -272,7 +279,7 @@ void BM_SetDefClassical(benchmark::State& state) {
 BENCHMARK(BM_SetDefClassical)->Arg(10000)->Arg(1000000);
 
 /// A half-sine in a frame of 128 widths, compensated.
-void BM_SetDefCompensated(benchmark::State& state) {
+CWaveDefClassical Compensated(int64_t type) {
   CWaveDefClassical set;
   set.SetWaveKind(wave_def_sub::HALF_SINE);
   set.SetTolKind(CWaveDefClassical::TOL_FIXED_4);
@@ -281,14 +288,26 @@ void BM_SetDefCompensated(benchmark::State& state) {
   set.SetNsamp(8192);
   set.SetMainWidth(0.064);
   set.SetAddCmp(true);
-  set.SetCmpType(static_cast<CWaveDefClassical::COMP_TYPE>(state.range(0)));
+  set.SetCmpType(static_cast<CWaveDefClassical::COMP_TYPE>(type));
   set.SetCmpNonSym(true);
   set.SetCmpPre(1.0);
   set.SetCmpPost(1.0);
   set.SetOptRatLevel(1.0);
-  RunWarm(state, &CWaveDef::SetDefClassical, set);
+  return set;
+}
+
+void BM_SetDefCompensated(benchmark::State& state) {
+  RunWarm(state, &CWaveDef::SetDefClassical, Compensated(state.range(0)));
 }
 BENCHMARK(BM_SetDefCompensated)->ArgName("type")->DenseRange(1, 4)->Unit(benchmark::kMillisecond);
+
+void BM_SetDefCompensatedFresh(benchmark::State& state) {
+  RunFresh(state, &CWaveDef::SetDefClassical, Compensated(state.range(0)));
+}
+BENCHMARK(BM_SetDefCompensatedFresh)
+    ->ArgName("type")
+    ->DenseRange(1, 4)
+    ->Unit(benchmark::kMillisecond);
 
 void BM_SetDefMeasure(benchmark::State& state) {
   const common::CDataArrayFloatT<double> samples(static_cast<common::uint64>(state.range(0)));
