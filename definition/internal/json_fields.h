@@ -151,9 +151,9 @@ SetInfo Describe(const char* key, const char* title, bool family, const FieldTab
   SetInfo out{key, title, family, {}};
   for (const Field<Set>& field : table) {
     FieldInfo& info = out.fields.emplace_back(field.info);
-    if (info.required) continue;
-    const Json standard = field.write(Set());
-    if (!standard.is_null()) info.standard = standard.dump();
+    const Json initial = field.write(Set());
+    if (!initial.is_null()) info.initial = initial.dump();
+    if (!info.required) info.standard = info.initial;
   }
   return out;
 }

@@ -18,11 +18,16 @@ enum class SrsResponse {
 /// The recursive filter of one oscillator, ramp invariant: exact at the samples for an input that
 /// is straight in between (ISO 18431-4).
 ///
-///   y[k] = b0 x[k] + b1 x[k - 1] + b2 x[k - 2] - a1 y[k - 1] - a2 y[k - 2]
+///     y[k] = b0 x[k] + b1 x[k - 1] + b2 x[k - 2] - a1 y[k - 1] - a2 y[k - 2]
 struct SrsFilter {
-  double b0, b1, b2, a1, a2;
+  double b0;  ///< of the input
+  double b1;  ///< of the input before
+  double b2;  ///< of the input before that
+  double a1;  ///< of the response before
+  double a2;  ///< of the response before that
 };
 
+/// The filter of one oscillator.
 /// @param[in] frequency  natural frequency [Hz], above 0 and below fsamp / 2
 /// @param[in] zeta       damping ratio, 0 <= zeta < 1
 SrsFilter MakeSrsFilter(double frequency, double zeta, double fsamp, SrsResponse response);
@@ -30,16 +35,18 @@ SrsFilter MakeSrsFilter(double frequency, double zeta, double fsamp, SrsResponse
 /// The largest responses of a stretch of time: to the positive side and to the negative, 0 if there
 /// is none.
 struct SrsExtremes {
-  double positive = 0.0;
-  double negative = 0.0;  // as a negative number
+  double positive = 0.0;  ///< [unit of the response]
+  double negative = 0.0;  ///< as a negative number [unit of the response]
+  /// The larger magnitude of the two.
   double Maximax() const { return positive > -negative ? positive : -negative; }
 };
 
 /// One line of a spectrum.
 struct SrsPoint {
-  double frequency;      // [Hz]
-  SrsExtremes primary;   // while the shock lasts, the lines that lead to it and from it included
-  SrsExtremes residual;  // afterwards, of the free decay
+  double frequency;      ///< [Hz]
+  SrsExtremes primary;   ///< while the shock lasts, the lines that lead to it and from it included
+  SrsExtremes residual;  ///< afterwards, of the free decay
+  /// Of both.
   SrsExtremes Total() const;
 };
 
@@ -50,10 +57,21 @@ struct SrsPoint {
 /// primary response ends, and the residual begins, one interval behind the last sample.  The
 /// oscillators start at rest.
 ///
+/// @code
+/// const std::vector<double> shock(11, 1.0);  // a step up, and down after 11 ms
+/// const auto lines = SrsFrequencies(10.0, 100.0, 6.0);
+/// const auto srs = CalcSrs(shock, 1000.0, lines, 0.05, SrsResponse::AbsoluteAcceleration);
+/// const bool whole = srs.size() == lines.size();              // true
+/// const bool amplified = srs.back().Total().Maximax() > 1.0;  // true
+/// @endcode
+///
 /// For that input every extreme, also between samples, is within 1e-9 of the exact one up to a
 /// quarter of the sampling frequency and down to 1e-6 Hz.  Whether straight lines are the shock is
 /// another question: below 10 samples per cycle of an oscillator its answer to what they leave out
 /// is felt.  The results have the same bits on every machine.
+///
+/// Source: ISO 18431-4, Shock-response spectrum analysis.
+///
 /// @param[in] shock        acceleration of the base, taken at fsamp [Hz]
 /// @param[in] frequencies  natural frequencies [Hz]
 /// @return a point for each frequency; none if fsamp is not a positive number, zeta is not within

@@ -7,7 +7,9 @@
 
 namespace qarv::common {
 
+/// A signed whole number of 64 bits.
 using int64 = long long;
+/// An unsigned whole number of 64 bits: sizes, counts, indices.
 using uint64 = unsigned long long;
 static_assert(sizeof(int64) == 8 && sizeof(uint64) == 8);
 

@@ -45,6 +45,7 @@ struct FieldInfo {
   EnumNames names{};     // of an enumeration
   std::string set{};     // whose fields a Set or List has
   std::string standard;  // the default, as JSON; empty where there is none
+  std::string initial;   // what a new set has, as JSON, also of a field that has to be given
 };
 
 /// A set of fields.

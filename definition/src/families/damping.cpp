@@ -21,7 +21,7 @@ const FieldTable<Elm> kElementFields{
     Value("Zeta", &Elm::GetZeta, &Elm::SetZeta,
           {"", "damping ratio of the component; without effect on a wavelet", kFromZero}),
     Value("NumHalf", &Elm::GetNumHalf, &Elm::SetNumHalf,
-          {"half cycles", "length of a wavelet; odd, at least 3", kFromZero}),
+          {"half cycles", "length of a wavelet; odd, 3 or more", kFromZero}),
     Value("Delay", &Elm::GetDelay, &Elm::SetDelay, {"s", "beginning of the component", kFromZero}),
 };
 

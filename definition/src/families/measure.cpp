@@ -37,11 +37,11 @@ Json WriteParams(const Edit& edit) {
 const FieldTable<Edit> kEditFields{
     Enumeration("Kind", kEditKinds, &Edit::GetKind, &Edit::SetKind, {"", "what was done"},
                 Need::Required),
-    Value("First", &Edit::GetFirst, &Edit::SetFirst, {"samples", "first sample of it"}),
-    Value("Last", &Edit::GetLast, &Edit::SetLast, {"samples", "last sample of it"}),
+    Value("First", &Edit::GetFirst, &Edit::SetFirst, {"samples", "first sample that was edited"}),
+    Value("Last", &Edit::GetLast, &Edit::SetLast, {"samples", "last sample that was edited"}),
     Special<Edit>("Params", ValueKind::Numbers, "", ReadParams, WriteParams,
-                  {"", "its parameters"}),
-    Value("Note", &Edit::GetNote, &Edit::SetNote, {"", "what was noted"}),
+                  {"", "parameters of the edit, as its kind has them"}),
+    Value("Note", &Edit::GetNote, &Edit::SetNote, {"", "note to the edit, free text"}),
 };
 
 const FieldTable<Set> kFields{

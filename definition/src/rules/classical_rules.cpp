@@ -5,6 +5,7 @@
 #include <cmath>
 #include <vector>
 
+#include "band/tol_kind.h"
 #include "com_def/com_def_system_const.h"
 #include "common/numeric/index_conv.h"
 #include "compensation/refusal.h"
@@ -49,6 +50,18 @@ Offer OfferOf(const Set& set) {
     default:
       return {true, "all"};
   }
+}
+
+/// Whether the pulse has a shape: one that has a name.
+bool HasShape(const Set& set) {
+  return std::any_of(kPulseShapes.begin(), kPulseShapes.end(),
+                     [&](const auto& shape) { return shape.first == set.GetWaveKind(); });
+}
+
+/// Whether it is drawn by a formula, and not by straight lines: then it is drawn for a negative
+/// amplitude too, and its band needs no sample to be scaled to.
+bool IsRounded(const Set& set) {
+  return set.GetWaveKind() == HALF_SINE || set.GetWaveKind() == HAVERSINE;
 }
 
 const char* ShapeName(const Set& set) {
@@ -114,7 +127,7 @@ Placing PlacingOf(const Set& set, bool complete) {
   if (!out.placed) return out;
   const uint64 half = common::FloorToIndex(set.GetMainWidth() * 0.5 / out.dt + 0.01);
   const bool user = set.GetTolKind() == Set::TOL_USER_DEF;
-  const bool rounded = set.GetWaveKind() == HALF_SINE || set.GetWaveKind() == HAVERSINE;
+  const bool rounded = IsRounded(set);
   out.fits = FitsFrame(set);
   out.clamped = half >= span->N / 2;
   out.pointLike = span->start == span->end && (rounded || user);
@@ -201,8 +214,8 @@ Findings BrokenRules(const Set& set, double fsamp) {
   const auto shape = set.GetWaveKind();
   const auto kind = set.GetTolKind();
   const Std& std = set.GetDefTolSpecify();
-  const bool hasShape = shape >= HALF_SINE && shape <= HAVERSINE;
-  const bool hasKind = kind >= Set::TOL_FIXED_1 && kind <= Set::TOL_SPECIFY;
+  const bool hasShape = HasShape(set);
+  const bool hasKind = wave_def::IsTolKind(kind);
   const Offer offer = OfferOf(set);
   const bool standard = kind == Set::TOL_SPECIFY && shape != HAVERSINE && offer.offered;
   const bool hasBase =
@@ -213,7 +226,7 @@ Findings BrokenRules(const Set& set, double fsamp) {
   const Placing at = PlacingOf(set, complete);
   const bool misfit = at.placed && !at.fits;
   const bool negative = set.GetMainAmpl() < 0.0;
-  const bool rounded = shape == HALF_SINE || shape == HAVERSINE;
+  const bool rounded = IsRounded(set);
   const double implied = ConvFmaxToFsampByVal(set.GetFmax());
   return Broken({
       {Fails, !hasShape, "WaveKind is not set"},

@@ -27,6 +27,25 @@ namespace qarv::wave_def {
 /// `SetDef...` operation, which drops the definition before it, generates the waveform and builds
 /// the bands.  The settings survive a definition and take effect at the next one.
 ///
+///     TolU[i] = Wave[i] + peak TolUpperRat,   TolL[i] = Wave[i] + peak TolLowerRat
+///     peak the largest magnitude of Wave [amplitude unit];   a classical pulse has its own bands
+///
+/// @code
+/// CWaveDefSingle sine;
+/// sine.SetPeriod(0.01);
+/// sine.SetPeakLevel(2.0);
+/// sine.SetNsamp(1000);
+/// CWaveDef def;
+/// def.SetFsamp(1000.0);
+/// def.SetTolUpperRat(0.1);
+/// def.SetTolLowerRat(-0.1);  // below the waveform: negative
+/// const bool defined = def.SetDefSingle(sine);              // true
+/// const auto n = def.GetNsamp();                            // 1000
+/// const bool within = def.GetTolL()[3] < def.GetWave()[3];  // true
+/// @endcode
+///
+/// The samples have the same bits on every machine, compiler and operating system.
+///
 /// The object is either undefined (`WAVE_TYPE_NONE`: fresh, cleared, after a failed definition or
 /// load) or defined.  It is a plain value that owns all it holds, and it is used from one thread at
 /// a time.  No setter checks.  Failures are reported by false; only the standard allocation, length
@@ -37,14 +56,14 @@ class QARV_WAVE_DEF_EXPORT CWaveDef {
  public:
   /// Which family is defined.  The values stand in records.
   enum WAVE_TYPE : std::int32_t {
-    WAVE_TYPE_NONE = 0,
-    WAVE_TYPE_CLASSICAL = 1,
-    WAVE_TYPE_SYMMETRY = 2,
-    WAVE_TYPE_SINE_BEAT_BURST = 3,
-    WAVE_TYPE_MEASURE = 4,
-    WAVE_TYPE_GRADUAL = 5,
-    WAVE_TYPE_SINGLE = 6,
-    WAVE_TYPE_DAMPING = 7,
+    WAVE_TYPE_NONE = 0,             ///< undefined
+    WAVE_TYPE_CLASSICAL = 1,        ///< CWaveDefClassical
+    WAVE_TYPE_SYMMETRY = 2,         ///< CWaveDefSymmetry
+    WAVE_TYPE_SINE_BEAT_BURST = 3,  ///< CWaveDefSineBeatBurst
+    WAVE_TYPE_MEASURE = 4,          ///< CWaveDefMeasure
+    WAVE_TYPE_GRADUAL = 5,          ///< CWaveDefGradual
+    WAVE_TYPE_SINGLE = 6,           ///< CWaveDefSingle
+    WAVE_TYPE_DAMPING = 7,          ///< CWaveDefDamping
   };
 
  private:
@@ -107,29 +126,31 @@ class QARV_WAVE_DEF_EXPORT CWaveDef {
   // Deliberate: an undefined object cannot be stored.  Only a defined waveform is a record.
   bool Serialize(common::CSerialData* stream);
 
+  /// Which family is defined.  Default WAVE_TYPE_NONE; no setter, as a definition sets it.
   WAVE_TYPE GetWaveType() const { return head_->WaveType; }
-  /// Long-wave mode of the caller; default false; kept, not generated from.
+  /// Long-wave mode; kept for the controller.  Default false.  Not generated from.
   bool GetLongWave() const { return head_->LongWave; }
   void SetLongWave(bool v) { head_->LongWave = v; }
-  /// Largest length that the caller allows [sample]; default 0; kept, not generated from.
+  /// Largest length that is allowed; kept for the controller. [sample]  Default 0.  Not generated
+  /// from.
   common::uint64 GetMaxNsamp() const { return head_->MaxNsamp; }
   void SetMaxNsamp(common::uint64 v) { head_->MaxNsamp = v; }
-  /// Automatic sampling of the caller; default false; has no effect on any waveform.
+  /// Automatic sampling; kept for the controller.  Default false.  Not generated from.
   bool GetAutoFsamp() const { return head_->AutoFsamp; }
   void SetAutoFsamp(bool v) { head_->AutoFsamp = v; }
-  /// Sampling frequency [Hz]; default 0; above 0.  A classical pulse is drawn at 2.56 Fmax instead;
-  /// set it to that all the same, for GetMainPulsPos.
+  /// Sampling frequency; a classical pulse has its own, 2.56 Fmax. [Hz]  Default 0; above 0.  Set
+  /// it to that all the same, for GetMainPulsPos.
   double GetFsamp() const { return head_->Fsamp; }
   void SetFsamp(double v) { head_->Fsamp = v; }
-  /// Unit of the amplitude; default none; kept, not generated from.
+  /// Unit of the amplitude.  Default none.  Not generated from.
   const common::CUnitCtrl& GetUnitAmpl() const { return head_->UnitAmpl; }
   void SetUnitAmpl(const common::CUnitCtrl& v) { head_->UnitAmpl = v; }
-  /// Upper band over the waveform, of its largest magnitude [ratio]; default 0; 0 or above.  Not
-  /// used by a classical pulse.
+  /// Distance of the upper band from the waveform. [ratio]  Default 0; from 0.  To the waveform's
+  /// largest magnitude.  A classical pulse has bands of its own.
   double GetTolUpperRat() const { return head_->TolUpperRat; }
   void SetTolUpperRat(double v) { head_->TolUpperRat = v; }
-  /// Lower band, applied with its sign [ratio]; default 0; 0 or below.  Not used by a classical
-  /// pulse.
+  /// Distance of the lower band from the waveform; negative. [ratio]  Default 0; up to 0.  Added
+  /// with its sign, as the upper one.
   double GetTolLowerRat() const { return head_->TolLowerRat; }
   void SetTolLowerRat(double v) { head_->TolLowerRat = v; }
 
@@ -156,7 +177,7 @@ class QARV_WAVE_DEF_EXPORT CWaveDef {
 
   /// Defines a sine of one frequency with linear edges.
   ///
-  ///   wave[k] = envelope(k) sin(k / (Period / dt) 2 pi),   dt = 1 / Fsamp
+  ///     wave[k] = envelope(k) sin(k / (Period / dt) 2 pi),   dt = 1 / Fsamp
   ///
   /// The envelope rises by PeakLevel / E per sample over the first E = EdgeTime / dt samples
   /// (truncated), stays at PeakLevel, and falls by as much per sample over the last E.
@@ -246,7 +267,7 @@ class QARV_WAVE_DEF_EXPORT CWaveDef {
   /// Builds both bands of a waveform that is not classical: the waveform moved up or down by the
   /// ratio times its largest absolute sample.
   ///
-  ///   TolU[i] = Wave[i] + peak TolUpperRat,   TolL[i] = Wave[i] + peak TolLowerRat
+  ///     TolU[i] = Wave[i] + peak TolUpperRat,   TolL[i] = Wave[i] + peak TolLowerRat
   ///
   /// @return false, with nothing changed, if nothing is defined; true, with nothing changed, for a
   ///         classical waveform, which has its own bands

@@ -16,16 +16,26 @@ namespace qarv::wave_def {
 
 /// A shock made of decaying sines, each with its own frequency, amplitude, damping and start.
 ///
-///   x(t) = sum A_i e^(-z_i w_i (t - d_i)) sin(w_i (t - d_i)),   t >= d_i,   w_i = 2 pi Freq_i
+///     x(t) = sum A_i e^(-z_i w_i (t - d_i)) sin(w_i (t - d_i)),   t >= d_i
+///     of component i: A = Ampl [amplitude unit], z = Zeta [1], d = Delay [s], w = 2 pi Freq
 ///
 /// Take it for a required shock response spectrum, where a classical pulse has the wrong shape.
 /// With SYNC_WAVE_DAMPED_SINE one more component brings velocity and displacement back to 0; with
 /// the two other methods (SYNC_WAVE_WAVELET among them) every component does so by itself.
 ///
-///     CWaveDefDamping shock;
-///     shock.SetSyncWaveType(com_def::comdefconst::SYNC_WAVE_WAVELET);
-///     shock.SetNsamp(4096);
-///     shock.Add(component);  // a CWaveDefDampingElm
+/// @code
+/// CWaveDefDampingElm component;
+/// component.SetFreq(50.0);
+/// component.SetAmpl(10.0);
+/// component.SetNumHalf(7);
+/// CWaveDefDamping shock;
+/// shock.SetSyncWaveType(com_def::comdefconst::SYNC_WAVE_WAVELET);
+/// shock.SetNsamp(4096);
+/// shock.Add(component);
+/// CWaveDef def;
+/// def.SetFsamp(4096.0);
+/// const bool defined = def.SetDefDamping(shock);  // true
+/// @endcode
 ///
 /// At rest at the end as far as the components have died away by then: Nsamp cuts what has not.  A
 /// value that owns its elements; no setter checks.
@@ -61,23 +71,24 @@ class QARV_WAVE_DEF_EXPORT CWaveDefDamping {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
-  /// Length of the wave [sample]; default 0; not 0.
+  /// Length of the waveform. [sample]  Default 0; from 1.
   common::uint64 GetNsamp() const { return set_->Nsamp; }
   void SetNsamp(common::uint64 v) { set_->Nsamp = v; }
-  /// How the components are summed; default SYNC_WAVE_NONE, which is refused.
+  /// Method of the synthesis.  Default SYNC_WAVE_NONE.  That is refused.
   com_def::comdefconst::SYNC_WAVE_TYPE GetSyncWaveType() const { return set_->SyncWaveType; }
   void SetSyncWaveType(com_def::comdefconst::SYNC_WAVE_TYPE v) { set_->SyncWaveType = v; }
-  /// Frequency of the compensating component [Hz], SYNC_WAVE_DAMPED_SINE only; default 0; below
-  /// that of the components.
+  /// Frequency of the compensating component, for SYNC_WAVE_DAMPED_SINE. [Hz]  Default 0; from 0.
+  /// Below those of the components.
   double GetFreq() const { return set_->Freq; }
   void SetFreq(double v) { set_->Freq = v; }
-  /// Its damping ratio [1]; default 0; above 0.
+  /// Damping ratio of the compensating component, for SYNC_WAVE_DAMPED_SINE. [1]  Default 0; from
+  /// 0.  Not 0, or it never dies away.
   double GetZeta() const { return set_->Zeta; }
   void SetZeta(double v) { set_->Zeta = v; }
 
   /// The number of elements.
   common::uint64 GetElmNum() const { return set_->Elms.size(); }
-  /// All elements, in the caller's order.
+  /// The components.  Default none.  In the caller's order.
   const std::list<CWaveDefDampingElm>& GetDefDampingElmList() const { return set_->Elms; }
   /// Replaces all elements by copies of the given ones.
   void SetDefDampingElmList(const std::list<CWaveDefDampingElm>& v) { set_->Elms = v; }

@@ -16,9 +16,14 @@ namespace qarv::wave_def {
 ///
 /// Take it to run a recorded shock or vibration again; all other families make their samples.
 ///
-///     CWaveDefMeasure origin;
-///     origin.SetMeasPath("drop_test.csv");
-///     def.SetDefMeasure(origin, samples);
+/// @code
+/// CWaveDefMeasure origin;
+/// origin.SetMeasPath("drop_test.csv");
+/// CWaveDef def;
+/// def.SetFsamp(1000.0);
+/// const bool defined = def.SetDefMeasure(origin, {0.0, 3.1, 7.4, 2.9});  // true
+/// const auto n = def.GetNsamp();                                         // 4
+/// @endcode
 ///
 /// A value; no setter checks.
 class QARV_WAVE_DEF_EXPORT CWaveDefMeasure {
@@ -45,10 +50,11 @@ class QARV_WAVE_DEF_EXPORT CWaveDefMeasure {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
-  /// Path of the measured data, as the caller gave it; default empty; never opened.
+  /// File that was measured; the samples are read from it, unless there are Samples.  Default
+  /// empty.  Not by this library, which opens no file: they are handed over beside the set.
   const std::string& GetMeasPath() const { return set_->MeasPath; }
   void SetMeasPath(const std::string& v) { set_->MeasPath = v; }
-  /// The edits applied to the measured data; default none.
+  /// Edits that were made to the samples.  Default none.
   const data_edit_log::CDataEditLog& GetDataEditLog() const { return set_->DataEditLog; }
   void SetDataEditLog(const data_edit_log::CDataEditLog& v) { set_->DataEditLog = v; }
 };

@@ -13,22 +13,31 @@ namespace qarv::wave_def {
 /// A sine packet, repeated with a silent rest in between: a beat, whose amplitude follows one half
 /// sine over the packet, or a burst of constant amplitude, whose ends may be tapered.
 ///
-///   beat:   x(t) = Ampl sin(2 pi Freq t) sin(pi Freq t / Cycle),   0 <= t < Cycle / Freq
-///   burst:  x(t) = Ampl sin(2 pi Freq t)
+///     beat:   x(t) = Ampl sin(2 pi Freq t) sin(pi Freq t / Cycle),   0 <= t < Cycle / Freq
+///     burst:  x(t) = Ampl sin(2 pi Freq t)
+///     Ampl [amplitude unit],   Freq [Hz],   Cycle [cycles],   t [s] from the start of the packet
 ///
 /// Take it for tests of equipment at its resonances, as for earthquakes; the beat is the gentler
 /// one.  CWaveDefSingle goes on without a rest.
 ///
-///     CWaveDefSineBeatBurst beats;
-///     beats.SetWaveKind(CWaveDefSineBeatBurst::SINE_BEAT);
-///     beats.SetAmpl(1.0);
-///     beats.SetFreq(5.0);
-///     beats.SetCycle(10);
-///     beats.SetFrame(5);
-///     beats.SetRestTime(2.0);
+/// @code
+/// CWaveDefSineBeatBurst beats;
+/// beats.SetWaveKind(CWaveDefSineBeatBurst::SINE_BEAT);
+/// beats.SetAmpl(1.0);
+/// beats.SetFreq(5.0);
+/// beats.SetCycle(10);
+/// beats.SetFrame(5);
+/// beats.SetRestTime(2.0);
+/// CWaveDef def;
+/// def.SetFsamp(256.0);
+/// const bool defined = def.SetDefSineBeatBurst(beats);  // true
+/// const auto n = def.GetNsamp();                        // 4608
+/// @endcode
 ///
 /// Packet and rest are whole samples, each rounded half up, so a packet may begin up to half a
 /// sample per packet and rest before it beside its time.  A value; no setter checks.
+///
+/// Source: IEC 60068-2-57, Test Ff: Time-history and sine-beat method.
 class QARV_WAVE_DEF_EXPORT CWaveDefSineBeatBurst {
  public:
   /// The kind of packet.
@@ -80,31 +89,31 @@ class QARV_WAVE_DEF_EXPORT CWaveDefSineBeatBurst {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
-  /// Beat or burst; default WAVE_KIND_NONE, which is refused.
+  /// Beat or burst.  Default WAVE_KIND_NONE.  That is refused.
   WAVE_KIND GetWaveKind() const { return set_->WaveKind; }
   void SetWaveKind(WAVE_KIND v) { set_->WaveKind = v; }
-  /// Peak amplitude [amplitude unit]; default 0; not 0.
+  /// Amplitude of the sine; not 0. [amplitude unit]  Default 0; any.
   double GetAmpl() const { return set_->Ampl; }
   void SetAmpl(double v) { set_->Ampl = v; }
-  /// Frequency of the sine [Hz]; default 0; above 0, up to half the sampling frequency.
+  /// Frequency of the sine. [Hz]  Default 0; above 0.  Up to half the sampling frequency.
   double GetFreq() const { return set_->Freq; }
   void SetFreq(double v) { set_->Freq = v; }
-  /// Length of a packet [cycles]; default 0; 1 or more.
+  /// Length of a packet. [cycles]  Default 0; from 1.
   unsigned int GetCycle() const { return set_->Cycle; }
   void SetCycle(unsigned int v) { set_->Cycle = v; }
-  /// Number of packets [1]; default 0; 1 or more.
+  /// Number of packets. [packets]  Default 0; from 1.
   unsigned int GetFrame() const { return set_->Frame; }
   void SetFrame(unsigned int v) { set_->Frame = v; }
-  /// Silence between two packets [s]; default 0; 0 or above, a negative one makes packets overlap.
+  /// Rest between packets. [s]  Default 0; from 0.  A negative one makes packets overlap.
   double GetRestTime() const { return set_->RestTime; }
   void SetRestTime(double v) { set_->RestTime = v; }
-  /// Whether the ends of a burst are tapered; default false.
+  /// Whether the packets of a burst are tapered.  Default false.
   bool GetEdging() const { return set_->Edging; }
-  /// Length of the rising taper [cycles]; default 0.
+  /// Length of the taper at the beginning, with Edging. [cycles]  Default 0; from 0.
   unsigned int GetEdgeRise() const { return set_->EdgeRise; }
-  /// Length of the falling taper [cycles]; default 0.
+  /// Length of the taper at the end, with Edging. [cycles]  Default 0; from 0.
   unsigned int GetEdgeFall() const { return set_->EdgeFall; }
-  /// Shape of the tapers; default WINDOW_NONE.
+  /// Shape of the tapers, with Edging.  Default WINDOW_NONE.
   WINDOW_TYPE GetEdgeWindow() const { return set_->EdgeWindow; }
 
   /// Sets the edges of a burst.  With @p edging false the lengths and the window become 0, whatever

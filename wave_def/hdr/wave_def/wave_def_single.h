@@ -13,17 +13,24 @@ namespace qarv::wave_def {
 /// A sine of one frequency: its amplitude rises from 0 over the edge time, stays at the peak level,
 /// and falls again over the edge time at the end.
 ///
-///   x(t) = e(t) sin(2 pi t / Period),   e = PeakLevel t / EdgeTime  in the first EdgeTime,
-///                                       e = PeakLevel               between the edges,
-///                                       e = PeakLevel (T - t) / EdgeTime  in the last, T the end
+///     x(t) = e(t) sin(2 pi t / Period),   e = PeakLevel t / EdgeTime  in the first EdgeTime,
+///                                         e = PeakLevel               between the edges,
+///                                         e = PeakLevel (T - t) / EdgeTime  in the last, T the end
+///     Period, EdgeTime, t [s],   PeakLevel [amplitude unit]
 ///
 /// Take it for a dwell at one frequency.  CWaveDefGradual changes the amplitude on the way,
 /// CWaveDefSineBeatBurst repeats short packets.
 ///
-///     CWaveDefSingle sine;
-///     sine.SetPeriod(0.01);
-///     sine.SetPeakLevel(2.0);
-///     sine.SetNsamp(1000);
+/// @code
+/// CWaveDefSingle sine;
+/// sine.SetPeriod(0.01);
+/// sine.SetPeakLevel(2.0);
+/// sine.SetNsamp(1000);
+/// CWaveDef def;
+/// def.SetFsamp(1000.0);
+/// const bool defined = def.SetDefSingle(sine);  // true
+/// const auto n = def.GetNsamp();                // 1000
+/// @endcode
 ///
 /// Phase and amplitude come from the sample's index, so that no error builds up in a long wave.  A
 /// value; no setter checks.  `Period`, `PeakLevel`, `EdgeTime` and `Nsamp` make the wave.
@@ -66,25 +73,26 @@ class QARV_WAVE_DEF_EXPORT CWaveDefSingle {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
-  /// Period of the sine [s]; default 0; at least two sampling intervals.
+  /// Period of the sine. [s]  Default 0; above 0.  At least two sampling intervals.
   double GetPeriod() const { return set_->Period; }
   void SetPeriod(double v) { set_->Period = v; }
-  /// Amplitude between the edges [amplitude unit]; default 0; any, also negative.
+  /// Amplitude of the sine. [amplitude unit]  Default 0; any.  A negative one begins downwards.
   double GetPeakLevel() const { return set_->PeakLevel; }
   void SetPeakLevel(double v) { set_->PeakLevel = v; }
-  /// How the caller stated the length; default LENGTH_TYPE_NONE; kept, not generated from.
+  /// How the length was stated; kept for the controller.  Default 0.  Not generated from.
   LENGTH_TYPE GetLengthType() const { return set_->LengthType; }
   void SetLengthType(LENGTH_TYPE v) { set_->LengthType = v; }
-  /// Duration as the caller stated it [s]; default 0; kept, not generated from.
+  /// Duration as it was stated; kept for the controller. [s]  Default 0.  Not generated from.
   double GetWaveTime() const { return set_->WaveTime; }
   void SetWaveTime(double v) { set_->WaveTime = v; }
-  /// A length in the caller's own terms and unit; default 0; kept, not generated from.
+  /// Length in terms of its own; kept for the controller. [1]  Default 0.  Not generated from.
   double GetWavePeriod() const { return set_->WavePeriod; }
   void SetWavePeriod(double v) { set_->WavePeriod = v; }
-  /// Duration of each edge [s]; default 0, no edges; up to half the duration of the wave.
+  /// Length of each linear edge. [s]  Default 0; from 0.  Up to half the duration of the wave; 0 is
+  /// no edges.
   double GetEdgeTime() const { return set_->EdgeTime; }
   void SetEdgeTime(double v) { set_->EdgeTime = v; }
-  /// Length of the wave [sample]; default 0; not 0.
+  /// Length of the waveform. [sample]  Default 0; from 1.
   unsigned int GetNsamp() const { return set_->Nsamp; }
   void SetNsamp(unsigned int v) { set_->Nsamp = v; }
 };

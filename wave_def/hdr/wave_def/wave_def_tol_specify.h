@@ -15,21 +15,30 @@ namespace qarv::wave_def {
 /// A tolerance band that follows a test standard: the standard, the pulse shape it is written for,
 /// the levels before, on and after the pulse, and the widths of the regions.
 ///
+///     before and after the pulse  upper = Hi A,           lower = -Lo A
+///     at its peak                 upper = MainPulseHi A,  lower = MainPulseLo A
+///     A the peak of the pulse [amplitude unit],   levels [ratio],   widths [width]
+///
 /// Take it for a half-sine, a terminal-peak sawtooth or a trapezoid, whose standards are all of one
 /// figure with other numbers; the kinds TOL_FIXED_1 to 9 of CWaveDefClassical have the usual ones
 /// built in, and CWaveDefTolUserDef serves every shape.
 ///
-///     CWaveDefTolSpecify levels;
-///     levels.SetWaveKind(wave_def_sub::HALF_SINE);
-///     levels.SetBaseStandard(CWaveDefTolSpecify::BASE_STD_1);
-///     levels.SetMainPulseHi(1.15);
-///     levels.SetMainPulseLo(0.85);  // and the other levels
-///     pulse.SetTolKind(CWaveDefClassical::TOL_SPECIFY);  // before the levels
-///     pulse.SetDefTolSpecify(levels);
+/// @code
+/// CWaveDefTolSpecify levels;
+/// levels.SetWaveKind(wave_def_sub::HALF_SINE);
+/// levels.SetBaseStandard(CWaveDefTolSpecify::BASE_STD_1);
+/// levels.SetMainPulseHi(1.15);
+/// levels.SetMainPulseLo(0.85);  // and the other levels
+/// CWaveDefClassical pulse;
+/// pulse.SetTolKind(CWaveDefClassical::TOL_SPECIFY);   // before the levels
+/// const bool taken = pulse.SetDefTolSpecify(levels);  // true
+/// @endcode
 ///
 /// Levels are ratios to the peak amplitude; lower levels are entered positive and applied negated,
 /// except MainPulseLo, which like MainPulseHi is a multiple of the nominal pulse.  A value; no
 /// setter checks.
+///
+/// Source: IEC 60068-2-27, Test Ea: Shock, figures 1 to 3.
 class QARV_WAVE_DEF_EXPORT CWaveDefTolSpecify {
  public:
   /// The family of standards that a band follows.
@@ -86,57 +95,57 @@ class QARV_WAVE_DEF_EXPORT CWaveDefTolSpecify {
   /// Writes or reads the record, by the direction of the stream; false as FieldSet::Serialize.
   bool Serialize(common::CSerialData* stream);
 
-  /// Name of the standard, free text; default empty; kept, not generated from.
+  /// Name of the standard.  Default empty.  Free text, not generated from.
   const std::string& GetStdName() const { return set_->StdName; }
   void SetStdName(const std::string& v) { set_->StdName = v; }
-  /// The pulse shape that the levels were written for; default 0; a pulse of another shape is
-  /// refused.
+  /// Shape that the levels are written for; that of the pulse.  Default 0.  A pulse of another
+  /// shape is refused.
   wave_def_sub::WAVE_KIND GetWaveKind() const { return set_->WaveKind; }
   void SetWaveKind(wave_def_sub::WAVE_KIND v) { set_->WaveKind = v; }
-  /// The family of standards that the band follows; default BASE_STD_NONE.
+  /// Family of standards that shapes the band.  Default BASE_STD_NONE.
   BASE_STANDARD_TYPE GetBaseStandard() const { return set_->BaseStandard; }
   void SetBaseStandard(BASE_STANDARD_TYPE v) { set_->BaseStandard = v; }
-  /// Upper level before the front region [ratio]; default 0; 0 or above.
+  /// Upper level at the beginning of the frame. [ratio]  Default 0; from 0.
   double GetTolBeginHi() const { return set_->TolBeginHi; }
   void SetTolBeginHi(double v) { set_->TolBeginHi = v; }
-  /// Lower level there [ratio]; default 0; 0 or above, applied negated.
+  /// Lower level at the beginning of the frame, entered positive. [ratio]  Default 0; from 0.
   double GetTolBeginLo() const { return set_->TolBeginLo; }
   void SetTolBeginLo(double v) { set_->TolBeginLo = v; }
-  /// Upper level at the start of the pulse [ratio]; default 0; 0 or above.
+  /// Upper level just before the pulse. [ratio]  Default 0; from 0.
   double GetPulseBeforeHi() const { return set_->PulseBeforeHi; }
   void SetPulseBeforeHi(double v) { set_->PulseBeforeHi = v; }
-  /// Lower level there [ratio]; default 0; 0 or above, applied negated.
+  /// Lower level just before the pulse, entered positive. [ratio]  Default 0; from 0.
   double GetPulseBeforeLo() const { return set_->PulseBeforeLo; }
   void SetPulseBeforeLo(double v) { set_->PulseBeforeLo = v; }
-  /// Upper level on the slopes [ratio]; default 0; 0 or above.
+  /// Upper level along the slopes of the pulse. [ratio]  Default 0; from 0.
   double GetPulseSlopeHi() const { return set_->PulseSlopeHi; }
   void SetPulseSlopeHi(double v) { set_->PulseSlopeHi = v; }
-  /// Lower level on the slopes [ratio]; default 0; 0 or above, applied negated.
+  /// Lower level along the slopes of the pulse, entered positive. [ratio]  Default 0; from 0.
   double GetPulseSlopeLo() const { return set_->PulseSlopeLo; }
   void SetPulseSlopeLo(double v) { set_->PulseSlopeLo = v; }
-  /// Upper limit on the main pulse [multiple of the nominal pulse]; default 0; 1 or above.
+  /// Upper limit over the top of the pulse; 1 or more. [multiples of the pulse]  Default 0; from 0.
   double GetMainPulseHi() const { return set_->MainPulseHi; }
   void SetMainPulseHi(double v) { set_->MainPulseHi = v; }
-  /// Lower limit on the main pulse [multiple of the nominal pulse]; default 0; 0 to 1, applied as
-  /// it is.
+  /// Lower limit over the top of the pulse; up to 1. [multiples of the pulse]  Default 0; from 0.
+  /// Applied as it is.
   double GetMainPulseLo() const { return set_->MainPulseLo; }
   void SetMainPulseLo(double v) { set_->MainPulseLo = v; }
-  /// Upper level after the pulse [ratio]; default 0; 0 or above.
+  /// Upper level after the pulse. [ratio]  Default 0; from 0.
   double GetTolEndHi() const { return set_->TolEndHi; }
   void SetTolEndHi(double v) { set_->TolEndHi = v; }
-  /// Lower level after the pulse [ratio]; default 0; 0 or above, applied negated.
+  /// Lower level after the pulse, entered positive. [ratio]  Default 0; from 0.
   double GetTolEndLo() const { return set_->TolEndLo; }
   void SetTolEndLo(double v) { set_->TolEndLo = v; }
-  /// Front region before the pulse [width]; default 0; 0 or above.
+  /// Length of the region before the pulse. [width]  Default 0; from 0.
   double GetPulseBeforeWidth() const { return set_->PulseBeforeWidth; }
   void SetPulseBeforeWidth(double v) { set_->PulseBeforeWidth = v; }
-  /// Region after the pulse, the fall of a sawtooth [width]; default 0; 0 or above.
+  /// Length of the region after the pulse. [width]  Default 0; from 0.
   double GetPulseAfterWidth() const { return set_->PulseAfterWidth; }
   void SetPulseAfterWidth(double v) { set_->PulseAfterWidth = v; }
-  /// Rise of a trapezoid [width]; default 0; 0 or above.
+  /// Rise of the pulse that the standard asks for. [width]  Default 0; 0 to 1.
   double GetPulseRiseWidth() const { return set_->PulseRiseWidth; }
   void SetPulseRiseWidth(double v) { set_->PulseRiseWidth = v; }
-  /// Fall of a trapezoid [width]; default 0; 0 or above.
+  /// Fall of the pulse that the standard asks for. [width]  Default 0; 0 to 1.
   double GetPulseFallWidth() const { return set_->PulseFallWidth; }
   void SetPulseFallWidth(double v) { set_->PulseFallWidth = v; }
 };

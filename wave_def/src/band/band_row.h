@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "band/band_pen.h"
+#include "band/tol_kind.h"
 #include "common/int_types.h"
 #include "wave_def/wave_def_classical.h"
 
@@ -22,8 +23,7 @@ struct BandTask {
   /// Whether there is anything to build: a sample interval, both arrays, a kind that exists.
   bool IsComplete() const {
     return dt != 0.0 && wave.data() != nullptr && out.data() != nullptr &&
-           def.GetTolKind() >= CWaveDefClassical::TOL_FIXED_1 &&
-           def.GetTolKind() <= CWaveDefClassical::TOL_SPECIFY;
+           IsTolKind(def.GetTolKind());
   }
   /// The level of this band, of a pair that is entered as two positive ratios.
   double Signed(double upperLevel, double lowerLevel) const {

@@ -13,6 +13,7 @@
 #include <span>
 #include <utility>
 
+#include "band/tol_kind.h"
 #include "com_def/com_def_system_const.h"
 #include "common/numeric/index_conv.h"
 #include "compensation/tolerance.h"
@@ -152,8 +153,7 @@ bool HasCompensationType(const Def& params) {
 bool GenerateClassical(Def& params, double fsamp, Samples* wave, Samples* tolU, Samples* tolL,
                        bool /*autoFsamp*/, compensation::Refusal* refusal) {
   if (wave == nullptr || tolU == nullptr || tolL == nullptr) return false;
-  if (params.GetTolKind() < Def::TOL_FIXED_1 || params.GetTolKind() > Def::TOL_SPECIFY)
-    return false;
+  if (!IsTolKind(params.GetTolKind())) return false;
   const auto at = Place(params);
   if (!at || (params.GetAddCmp() && !HasCompensationType(params))) return false;
 

@@ -41,6 +41,13 @@ struct UnsetAllocator : std::allocator<T> {
 /// A value: a copy copies the elements (into the target's storage where that is large enough), a
 /// move takes the storage over and leaves the source empty, assignment to itself does nothing.
 ///
+/// @code
+/// CDataArrayFloatT<double> wave{1.0, -3.0, 2.0};
+/// const double peak = wave.GetAbsMax(0, 0);  // 3
+/// wave.Resize(4);
+/// const double added = wave[3];  // 0
+/// @endcode
+///
 /// Failing range checks of `GetAbsMax` and `RingCopy` print one line each on the standard error
 /// stream, "[Error] " and the place of the check, with a Japanese message in the Shift-JIS code
 /// page. The arrays throw the standard errors only: out of range, length, allocation.
@@ -52,6 +59,7 @@ class DataArray {
   DataArray() = default;
   /// n zeros.  Throws as `Resize`.
   explicit DataArray(uint64 n) { Resize(n); }
+  /// These values.
   DataArray(std::initializer_list<T> values) : data_(values) {}
   DataArray(const DataArray&) = default;
   DataArray(DataArray&& other) noexcept : data_(std::exchange(other.data_, {})) {}
@@ -66,9 +74,12 @@ class DataArray {
   /// itself.
   bool operator==(const DataArray& other) const { return data_ == other.data_; }
 
+  /// The number of elements.
   uint64 GetSize() const { return data_.size(); }
+  /// The elements, GetSize() of them, until the size changes.
   T* GetData() { return data_.data(); }
   const T* GetData() const { return data_.data(); }
+  /// Of the first element, and behind the last.
   T* begin() { return data_.data(); }
   T* end() { return data_.data() + data_.size(); }
   const T* begin() const { return data_.data(); }

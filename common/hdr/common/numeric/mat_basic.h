@@ -6,6 +6,14 @@
 namespace qarv::common {
 
 /// Array arithmetic on raw buffers of doubles.
+///
+/// @code
+/// double p[3] = {1.0, -2.0, 4.0};
+/// CMatBasic::MulArr(p, 0.5, 3);
+/// double least = 0.0, most = 0.0;
+/// const bool found = CMatBasic::GetMinMax(3, p, 0, &least, &most);  // true
+/// const double top = most;                                          // 2
+/// @endcode
 class CMatBasic {
  public:
   /// Sets n doubles to 0; does nothing if p is null.

@@ -13,6 +13,12 @@ namespace qarv::common {
 /// A taper lies on the samples first .. last, both included, and multiplies them by a weight that
 /// is 0 at its outer end (`first` where it rises, `last` where it falls) and `level` at its inner
 /// one. An end outside the array keeps the taper's shape; only samples that exist are touched.
+///
+/// @code
+/// CDataArrayFloatT<double> wave{1.0, 1.0, 1.0};
+/// const bool done = CMatEdit::RampFunction(1000.0, &wave, true, 1.0, 0, 2);  // true
+/// const double middle = wave[1];                                             // 0.5
+/// @endcode
 class CMatEdit {
  public:
   /// Which end of a wave a half Hanning taper is for.

@@ -12,21 +12,35 @@ class RealFft;
 
 /// Real Fourier transforms of one length n.
 ///
-///   spec1[k] + i spec2[k] = sum over j of wave[j] exp(-2 pi i j k / n),   0 <= k <= n / 2
+///     spec1[k] + i spec2[k] = sum over j of wave[j] exp(-2 pi i j k / n),   0 <= k <= n / 2
 ///
 /// The forward transform is not scaled, the inverse divides by n.  The n / 2 + 1 lines (n / 2
 /// rounded down) are the whole spectrum of a real wave: line 0 and, for even n, line n / 2 have no
 /// imaginary part.  Any n from 1 takes O(n log n); lengths with prime factors up to 31 are the
 /// quick ones.
 ///
+/// @code
+/// const FftPlan plan(4);
+/// std::vector<double> work(plan.GetWorkSize());
+/// const double wave[4] = {1.0, 0.0, -1.0, 0.0};  // one cosine
+/// double re[3], im[3];
+/// const bool done = plan.Forward(wave, work.data(), re, im);  // true
+/// const double line1 = re[1];                                 // 2
+/// @endcode
+///
 /// A plan owns its tables, never changes and can be copied cheaply.  Several threads may use one at
 /// a time, each with its own buffers.  The root mean square error is about 4e-16 of that of the
 /// spectrum.
+///
+/// Source: J. W. Cooley, J. W. Tukey, An algorithm for the machine calculation of complex Fourier
+/// series (1965); for large primes L. I. Bluestein, A linear filtering approach to the computation
+/// of the discrete Fourier transform (1970).
 class FftPlan {
  public:
   /// Throws the standard allocation or length error where the tables do not fit into memory.
   explicit FftPlan(uint64 n);
 
+  /// The length n. [sample]
   uint64 GetSize() const { return n_; }
   /// The number of doubles that the transforms need for `work`: n for even n with small factors, a
   /// few n otherwise.

@@ -28,6 +28,7 @@ class FieldSet {
 
  public:
   FieldSet() = default;
+  /// These fields.
   explicit FieldSet(F fields) : fields_(std::move(fields)) {}
   FieldSet(const FieldSet&) = default;
   FieldSet(FieldSet&& other) noexcept(kNoThrow) : fields_(std::exchange(other.fields_, F{})) {}
@@ -47,6 +48,7 @@ class FieldSet {
     return this == &other || fields_ == other.fields_;
   }
 
+  /// Every field back to its default.
   void Clear() { fields_ = F{}; }
 
   /// Writes or reads the record, by the direction of the stream.
@@ -55,6 +57,7 @@ class FieldSet {
   ///         (cleared)
   bool Serialize(CSerialData* stream);
 
+  /// The fields.
   F* operator->() { return &fields_; }
   const F* operator->() const { return &fields_; }
 

@@ -20,6 +20,15 @@ namespace qarv::common {
 /// anywhere: no read looks outside them or allocates more than they hold.  docs/formats.md has the
 /// layout.
 ///
+/// @code
+/// CSerialData out;
+/// out.Write(0.5);
+/// CSerialData in(out.GetData(), out.GetSize());
+/// double value = 0.0;
+/// const bool read = in.Read(&value);  // true
+/// const bool end = in.IsAtEnd();      // true
+/// @endcode
+///
 /// A plain value; not for use from several threads at once.
 class CSerialData {
  public:

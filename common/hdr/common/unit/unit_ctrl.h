@@ -14,6 +14,12 @@ class CSerialData;
 /// A physical unit: up to four factors, each a unit that is multiplied or divided, and a suffix
 /// that says how the quantity is meant.  m/s^2 is m multiplied, s divided, s divided.
 ///
+/// @code
+/// CUnitCtrl unit;
+/// const bool known = CUnitCtrl::FromText("m/s^2", &unit);  // true
+/// const std::string text = unit.GetText();                 // "m/s^2"
+/// @endcode
+///
 /// A value; it checks nothing, so that any record can be held.  By default it is without unit.
 class CUnitCtrl {
  public:
@@ -63,12 +69,13 @@ class CUnitCtrl {
 
   /// How the quantity is meant.
   enum UNIT_SUFFIX : std::int32_t {
-    UNIT_SUFFIX_NONE = 0,
-    UNIT_SUFFIX_RMS = 1,
-    UNIT_SUFFIX_PEAK = 2,
-    UNIT_SUFFIX_PEAK_TO_PEAK = 3,
+    UNIT_SUFFIX_NONE = 0,          ///< not said
+    UNIT_SUFFIX_RMS = 1,           ///< root mean square
+    UNIT_SUFFIX_PEAK = 2,          ///< from 0 to the peak
+    UNIT_SUFFIX_PEAK_TO_PEAK = 3,  ///< from the lowest to the highest value
   };
 
+  /// The most factors of a unit.
   static constexpr int kFactors = 4;
 
  private:
@@ -92,6 +99,7 @@ class CUnitCtrl {
 
  public:
   CUnitCtrl() = default;
+  /// Factor by factor; one that is not there is UNIT_CODE_NONE, UNIT_CALC_MUL.
   CUnitCtrl(UNIT_CODE code1, UNIT_CALC calc1, UNIT_CODE code2, UNIT_CALC calc2, UNIT_CODE code3,
             UNIT_CALC calc3, UNIT_CODE code4, UNIT_CALC calc4, UNIT_SUFFIX suffix);
   CUnitCtrl(const CUnitCtrl&) = default;
@@ -106,9 +114,11 @@ class CUnitCtrl {
   /// Writes or reads the record; false as FieldSet::Serialize.
   bool Serialize(CSerialData* stream);
 
-  /// Factor i, 0 <= i < kFactors; outside that, none and multiplied.
+  /// The unit of factor i, 0 <= i < kFactors; outside that, none.  Default UNIT_CODE_NONE.
   UNIT_CODE GetCode(int i) const;
+  /// How factor i enters; outside 0 <= i < kFactors it is multiplied.  Default UNIT_CALC_MUL.
   UNIT_CALC GetCalc(int i) const;
+  /// How the quantity is meant.  Default UNIT_SUFFIX_NONE.
   UNIT_SUFFIX GetSuffix() const { return set_->Suffix; }
 
   /// The unit as it is printed: "m/s^2", "g", "1/s", "N*m", "kg/(m*s)", "mm p-p".  Without unit it
