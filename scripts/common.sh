@@ -13,17 +13,29 @@ test_packages=(clang clang-format libclang-rt-14-dev binutils git googletest lib
   groff-base abigail-tools doxygen libmpfr-dev libgmp-dev g++-mingw-w64-x86-64 g++-aarch64-linux-gnu g++-i686-linux-gnu)
 # What scripts/test --all runs programs for other machines with, and makes those for node with.
 all_packages=(qemu-user wine64 wine emscripten nodejs)
+# And the Debian packages are made and tried with these.
+all_packages+=(dpkg-dev file lintian debootstrap)
 bench_packages=(libbenchmark-dev libfftw3-dev python3)
 # The Python package and its tests.
 python_packages=(python3-dev python3-numpy pybind11-dev python3-pybind11 python3-pytest python3-hypothesis
   python3-matplotlib mypy python3-pip python3-setuptools python3-venv python3-wheel)
 
-# Runs a command; its output goes to a log, which is shown if it fails.
+# The C++ sources, each ended by a null byte: those that git knows, in an unpacked tarball all.
+sources() {
+  if [ -e .git ]; then
+    git ls-files -z -- '*.h' '*.cpp'
+  else
+    find . '(' -path ./build -o -path ./out ')' -prune -o -name '*.h' -printf '%P\0' -o -name '*.cpp' -printf '%P\0'
+  fi
+}
+
+# Runs a command; its output goes to a log, which is shown if it fails.  77 says that it was skipped.
 #   quietly NAME COMMAND...
 quietly() {
-  local log=$logs/$1.log
+  local log=$logs/$1.log code=0
   shift
-  if "$@" >"$log" 2>&1 </dev/null; then return 0; fi
+  "$@" >"$log" 2>&1 </dev/null || code=$?
+  if [ $code -eq 0 ] || [ $code -eq 77 ]; then return $code; fi
   echo "failed: $*" >&2
   tail -n 60 "$log" >&2
   echo "the whole log: $log" >&2

@@ -29,7 +29,8 @@ LIBRARIES = {
     "assess": ["fmt/", "nlohmann/"],
     "capi": ["nlohmann/", "stddef.h", "stdint.h"],
     "python": ["fmt/", "nlohmann/", "pybind11/", "Python.h"],
-    "command": ["fmt/", "nlohmann/", "CLI/", "sys/", "fcntl.h", "signal.h", "spawn.h", "unistd.h"],
+    "command": ["fmt/", "nlohmann/", "CLI/", "sys/", "fcntl.h", "spawn.h", "unistd.h", "direct.h", "io.h", "process.h",
+                "windows.h"],
 }
 # What is internal to a floor and meant for those above it.
 SHARED = {"common": ["common/src/numeric"], "wave_def": ["wave_def/internal"], "definition": ["definition/internal"]}

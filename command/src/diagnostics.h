@@ -6,10 +6,6 @@
 
 namespace qarv::command {
 
-/// Gives standard streams that are closed at the start something to refuse their use, so that no
-/// output file takes a descriptor that messages go to.
-void FillStandardStreams();
-
 /// Writes a text to standard error.  Where that is closed or full the text is lost, and the run
 /// ends as it would have.
 void Diagnose(std::string_view text);

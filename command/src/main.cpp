@@ -1,7 +1,6 @@
 // The command qarv-wave: its exit codes, its one-line errors.
 #include <fmt/format.h>
 
-#include <csignal>
 #include <new>
 
 #include "arguments/command_line.h"
@@ -9,6 +8,7 @@
 #include "diagnostics.h"
 #include "files/interruption.h"
 #include "files/output_files.h"
+#include "platform/platform.h"
 #include "text/text.h"
 
 namespace {
@@ -33,10 +33,8 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  FillStandardStreams();
-  // A reader that goes away early is an error of the write, not the end of the command.
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);  // so is a file that gets too large
+  platform::PrepareStandardStreams();
+  platform::FailWhereNobodyReads();
   CleanUpWhenInterrupted();
   try {
     return Run(argc, argv);

@@ -2,10 +2,10 @@
 #include "progress.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include "command_error.h"
 #include "diagnostics.h"
+#include "platform/platform.h"
 #include "text/text.h"
 
 namespace qarv::command {
@@ -20,7 +20,7 @@ constexpr std::chrono::milliseconds kPause{100};  // work that ends sooner says 
 
 Progress::Progress(std::size_t total)
     : total_(total),
-      terminal_(isatty(STDERR_FILENO) != 0),
+      terminal_(platform::IsTerminal(platform::kError)),
       last_(std::chrono::steady_clock::now()) {}
 
 Progress::~Progress() {

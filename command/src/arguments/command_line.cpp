@@ -85,6 +85,7 @@ CommandLine::CommandLine()
     : app("Test waveforms of a shock and vibration test, with their tolerance bands", "qarv-wave") {
   app.set_version_flag("--version", "qarv-wave " QARV_VERSION, "print the version and exit");
   app.set_help_flag("-h,--help", "print this help and exit");
+  app.allow_windows_style_options(false);  // a name that begins with a slash is a name everywhere
   app.require_subcommand(1);
   app.footer(kExitStatus);
   AddGenerate();

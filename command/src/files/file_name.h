@@ -1,11 +1,11 @@
 // What the name of a file stands for: its kind by its ending, an open descriptor, a stream.
 #pragma once
 
-#include <sys/types.h>
-
 #include <optional>
 #include <string>
 #include <utility>
+
+#include "platform/platform.h"
 
 namespace qarv::command {
 
@@ -13,8 +13,7 @@ inline constexpr const char* kStandardInput = "/dev/stdin";
 inline constexpr const char* kStandardOutput = "/dev/stdout";
 inline constexpr const char* kStandardError = "/dev/stderr";
 
-/// What tells a file from every other one, whatever it is called.
-using FileId = std::pair<dev_t, ino_t>;
+using platform::FileId;
 
 /// The extension in lower case (".json"); empty if there is none.
 std::string ExtensionOf(const std::string& name);
@@ -38,8 +37,7 @@ class Descriptor {
 };
 
 /// Opens a file by its name; what stands for an open descriptor is that one again.
-/// @param[in] flags  of open
-Descriptor OpenByName(const std::string& name, int flags);
+Descriptor OpenByName(const std::string& name, platform::Access access);
 
 /// Whether a name stands for an open descriptor, a FIFO or a device: what is read once, written
 /// as it comes, and has no folder of its own.

@@ -1,10 +1,7 @@
 // Input files.
 #include "files/input_file.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -15,6 +12,7 @@
 namespace qarv::command {
 
 using common::uint64;
+using platform::FileKind;
 
 namespace {
 
@@ -32,15 +30,18 @@ std::set<FileId>& Inputs() {
 }
 
 Descriptor Opened(const std::string& name) {
-  Descriptor file = OpenByName(name, O_RDONLY);
-  struct stat status {};
-  if (file.Get() < 0 || fstat(file.Get(), &status) != 0) FailWithErrno(name);
-  if (S_ISDIR(status.st_mode)) Fail(name, "is a folder");
-  const bool device = S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode);
-  const bool readable = (fcntl(file.Get(), F_GETFL) & O_ACCMODE) != O_WRONLY;
-  if (device && readable && isatty(file.Get()) == 0) Fail(name, "is a device");
-  const bool isNew = Inputs().insert({status.st_dev, status.st_ino}).second;
-  if (!isNew && (DescriptorOf(name) || !S_ISREG(status.st_mode))) Fail(name, "is read twice");
+  Descriptor file = OpenByName(name, platform::Access::Read);
+  const auto facts = file.Get() < 0 ? std::nullopt : platform::FactsOf(file.Get());
+  if (!facts) FailWithErrno(name);
+  if (facts->kind == FileKind::Folder) Fail(name, "is a folder");
+  const bool device =
+      facts->kind == FileKind::CharacterDevice || facts->kind == FileKind::BlockDevice;
+  const bool readable = platform::IsOpenForReading(file.Get());
+  if (device && readable && !platform::IsTerminal(file.Get())) Fail(name, "is a device");
+  const bool isNew = Inputs().insert(facts->id).second;
+  if (!isNew && (DescriptorOf(name) || facts->kind != FileKind::Regular)) {
+    Fail(name, "is read twice");
+  }
   return file;
 }
 
@@ -51,8 +52,8 @@ InputFile::InputFile(const std::string& name) : name_(name), file_(Opened(name))
 bool InputFile::Append() {
   const std::size_t before = buffer_.size();
   buffer_.resize(before + kPiece);
-  ssize_t n = 0;
-  while ((n = read(file_.Get(), buffer_.data() + before, kPiece)) < 0) {
+  std::ptrdiff_t n = 0;
+  while ((n = platform::Read(file_.Get(), buffer_.data() + before, kPiece)) < 0) {
     if (errno != EINTR) FailWithErrno(name_);
   }
   buffer_.resize(before + static_cast<std::size_t>(n));

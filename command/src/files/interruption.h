@@ -1,9 +1,6 @@
 // What an interrupted run leaves behind: nothing.
 #pragma once
 
-#include <sys/types.h>
-
-#include <csignal>
 #include <string>
 
 namespace qarv::command {
@@ -32,21 +29,5 @@ class Perishable {
  private:
   PerishableNode* node_;
 };
-
-/// Holds interruptions back for as long as the object lives.
-class Uninterrupted {
- public:
-  Uninterrupted();
-  Uninterrupted(const Uninterrupted&) = delete;
-  Uninterrupted& operator=(const Uninterrupted&) = delete;
-  ~Uninterrupted();
-
- private:
-  sigset_t before_;
-};
-
-/// Remembers the process that an interruption has to end first, because it writes to a perishable
-/// file; 0 for none.
-void NoteChild(pid_t child);
 
 }  // namespace qarv::command

@@ -1,10 +1,7 @@
 // The files that a command writes: all of them appear complete, or none does.
 #include "files/output_files.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -18,6 +15,8 @@
 namespace qarv::command {
 
 namespace fs = std::filesystem;
+using platform::FileKind;
+using platform::Uninterrupted;
 
 namespace {
 
@@ -38,7 +37,7 @@ fs::path WhereLinksLead(const fs::path& name) {
 
 void WriteAll(int fd, const char* data, std::size_t n, const std::string& name) {
   while (n != 0) {
-    const ssize_t written = write(fd, data, n);
+    const std::ptrdiff_t written = platform::Write(fd, data, n);
     if (written < 0 && errno != EINTR) FailWithErrno(name);
     if (written <= 0) continue;
     data += written;
@@ -47,12 +46,12 @@ void WriteAll(int fd, const char* data, std::size_t n, const std::string& name) 
 }
 
 void CopyTo(const std::string& target, const std::string& source) {
-  const Descriptor from(open(source.c_str(), O_RDONLY | O_CLOEXEC));
-  const Descriptor to = OpenByName(target, O_WRONLY);
+  const Descriptor from(platform::Open(source, platform::Access::Read));
+  const Descriptor to = OpenByName(target, platform::Access::Write);
   if (from.Get() < 0 || to.Get() < 0) FailWithErrno(target);
   std::vector<char> piece(std::size_t{1} << 16);
   for (;;) {
-    const ssize_t n = read(from.Get(), piece.data(), piece.size());
+    const std::ptrdiff_t n = platform::Read(from.Get(), piece.data(), piece.size());
     if (n < 0) FailWithErrno(source);
     if (n == 0) return;
     WriteAll(to.Get(), piece.data(), static_cast<std::size_t>(n), target);
@@ -64,15 +63,13 @@ void CopyTo(const std::string& target, const std::string& source) {
 /// What is known of a target before it is written.
 struct OutputFiles::Target {
   explicit Target(const std::string& name);
-  bool IsRegular() const { return there && S_ISREG(status.st_mode); }
-  FileId Id() const { return {status.st_dev, status.st_ino}; }
+  bool IsRegular() const { return facts && facts->kind == FileKind::Regular; }
 
   std::string path;  // where links lead; of a stream its name
   bool stream = false;
   bool standardOutput = false;
-  bool there = false;  // and what it is
-  struct stat status {};
-  std::string problem;  // empty if there is none
+  std::optional<platform::FileFacts> facts;  // none if there is no such file
+  std::string problem;                       // empty if there is none
 };
 
 OutputFiles::Target::Target(const std::string& name) {
@@ -83,22 +80,21 @@ OutputFiles::Target::Target(const std::string& name) {
   const std::optional<int> descriptor = DescriptorOf(name);
   stream = IsStream(name);
   path = stream ? name : WhereLinksLead(name).string();
-  there = (descriptor ? fstat(*descriptor, &status) : stat(path.c_str(), &status)) == 0;
-  if (!there && errno != ENOENT) problem = std::strerror(errno);
+  facts = descriptor ? platform::FactsOf(*descriptor) : platform::FactsOf(path);
+  if (!facts && errno != ENOENT) problem = std::strerror(errno);
   if (path.ends_with('/')) problem = "cannot be written";
-  standardOutput = descriptor == STDOUT_FILENO;
+  standardOutput = descriptor == platform::kOutput;
   // A file that standard output or standard error goes to: it would be lost to them if another took
   // its name.
   for (const char* const open : {kStandardOutput, kStandardError}) {
-    struct stat other {};
-    if (!IsRegular() || fstat(*DescriptorOf(open), &other) != 0) continue;
-    if (FileId{other.st_dev, other.st_ino} != Id()) continue;
+    const auto other = IsRegular() ? platform::FactsOf(*DescriptorOf(open)) : std::nullopt;
+    if (!other || other->id != facts->id) continue;
     stream = true;
     path = open;
     standardOutput = path == kStandardOutput;
     return;
   }
-  if (there && !stream && !S_ISREG(status.st_mode)) problem = "is not a regular file";
+  if (facts && !stream && !IsRegular()) problem = "is not a regular file";
 }
 
 OutputFiles::~OutputFiles() {
@@ -118,19 +114,14 @@ std::string OutputFiles::FolderOf(const Target& target) {
 /// Makes an empty file that was not there before.
 std::unique_ptr<Perishable> OutputFiles::MakeTemporary(const std::string& folder,
                                                        const std::string& target,
-                                                       std::optional<mode_t> mode) {
+                                                       std::optional<unsigned> mode) {
   const Uninterrupted guard;  // from here until the file is known to be perishable
   for (std::size_t number = entries_.size();; ++number) {
     // Short, because the target's name may be as long as a name can be.
-    const std::string name = fmt::format(".qarv-wave.{}-{}", getpid(), number);
+    const std::string name = fmt::format(".qarv-wave.{}-{}", platform::ProcessNumber(), number);
     const std::string path = (fs::path(folder) / name).string();
-    const int fd = open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, mode ? 0600 : 0666);
-    if (fd >= 0) {
-      const Descriptor file(fd);
-      auto temporary = std::make_unique<Perishable>(path, Perishable::Kind::File);
-      if (mode && fchmod(fd, *mode & 0777U) != 0) FailWithErrno(target);
-      return temporary;
-    }
+    const Descriptor file(platform::Create(path, mode));
+    if (file.Get() >= 0) return std::make_unique<Perishable>(path, Perishable::Kind::File);
     if (errno != EEXIST) FailWithErrno(target);
   }
 }
@@ -138,11 +129,11 @@ std::unique_ptr<Perishable> OutputFiles::MakeTemporary(const std::string& folder
 std::string OutputFiles::WhyNot(const std::string& target) const {
   const Target found(target);
   if (!found.problem.empty()) return found.problem;
-  if (found.IsRegular() && IsInput(found.Id())) return "is an input";
-  if (paths_.contains(found.path) || (found.there && files_.contains(found.Id()))) {
+  if (found.IsRegular() && IsInput(found.facts->id)) return "is an input";
+  if (paths_.contains(found.path) || (found.facts && files_.contains(found.facts->id))) {
     return "is written twice";
   }
-  if (!DescriptorOf(found.path) && found.there && access(found.path.c_str(), W_OK) != 0) {
+  if (!DescriptorOf(found.path) && found.facts && !platform::IsWritable(found.path)) {
     return std::strerror(errno);
   }
   return "";
@@ -153,12 +144,11 @@ std::string OutputFiles::Reserve(const std::string& target) {
   if (!problem.empty()) Fail(target, problem);
   const Target found(target);
   // Where there was a file already, its mode stays.
-  const auto mode =
-      found.there && !found.stream ? std::optional(found.status.st_mode) : std::nullopt;
+  const auto mode = found.facts && !found.stream ? std::optional(found.facts->mode) : std::nullopt;
   entries_.push_back({found.stream ? Way::Copy : Way::Rename, found.path,
                       MakeTemporary(FolderOf(found), target, mode)});
   paths_.insert(found.path);
-  if (found.there) files_.insert(found.Id());
+  if (found.facts) files_.insert(found.facts->id);
   standardOutput_ = standardOutput_ || found.standardOutput;
   return entries_.back().temporary->GetPath();
 }
@@ -177,7 +167,7 @@ void OutputFiles::MakeFolder(const std::string& folder) {
   }
   for (auto it = missing.rbegin(); it != missing.rend(); ++it) {
     const Uninterrupted guard;
-    if (mkdir(it->c_str(), 0777) != 0) FailWithErrno(folder);
+    if (!platform::MakeFolder(it->string())) FailWithErrno(folder);
     folders_.push_back(std::make_unique<Perishable>(it->string(), Perishable::Kind::Folder));
   }
   if (!fs::is_directory(folder, error)) Fail(folder, "is not a folder");
@@ -187,7 +177,7 @@ void OutputFiles::Commit(const std::string& text) {
   for (const Entry& entry : entries_) {  // what was read after it was reserved
     if (entry.way != Way::Rename) continue;
     const Target target(entry.target);
-    if (target.IsRegular() && IsInput(target.Id())) Fail(entry.target, "is an input");
+    if (target.IsRegular() && IsInput(target.facts->id)) Fail(entry.target, "is an input");
   }
   // Streams first: they may fail, and wait for their reader as long as it likes.
   for (const Entry& entry : entries_) {
@@ -201,7 +191,7 @@ void OutputFiles::Commit(const std::string& text) {
   const Uninterrupted guard;  // all of them or none
   for (const Entry& entry : entries_) {
     if (entry.way != Way::Rename) continue;
-    if (std::rename(entry.temporary->GetPath().c_str(), entry.target.c_str()) != 0) {
+    if (!platform::Replace(entry.temporary->GetPath(), entry.target)) {
       FailWithErrno(entry.target);
     }
     entry.temporary->Keep();

@@ -57,7 +57,7 @@ class OutputFiles {
 
   static std::string FolderOf(const Target& target);
   std::unique_ptr<Perishable> MakeTemporary(const std::string& folder, const std::string& target,
-                                            std::optional<mode_t> mode);
+                                            std::optional<unsigned> mode);
 
   std::vector<Entry> entries_;
   // Of the targets, to find one again: by its name, and what was there by itself.

@@ -15,12 +15,13 @@ namespace fs = std::filesystem;
 namespace {
 
 /// The samples' file as the definition names it: from the definition's folder, or wherever the
-/// definition is going to be put, if that is not known here.
+/// definition is going to be put, if that is not known here.  With slashes, which every system
+/// reads.
 std::string NameInDefinition(const std::string& samples, const std::string& definition) {
   const fs::path file = fs::absolute(samples).lexically_normal();
-  if (IsStream(definition)) return file.string();
+  if (IsStream(definition)) return file.generic_string();
   return file.lexically_proximate(fs::absolute(definition).parent_path().lexically_normal())
-      .string();
+      .generic_string();
 }
 
 std::string SamplesFileOf(const ShowOptions& options) {
