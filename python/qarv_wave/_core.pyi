@@ -110,8 +110,8 @@ A frozen value.  Keyword arguments and properties:
     tol_left_u: Upper level before the pulse [ratio to the peak]; default 0.0
     tol_left_l: Lower level before the pulse, entered positive [ratio to the peak]; default 0.0
     tol_front_a: Length of the transition before the pulse [widths]; default 0.0
-    tol_main_u: Upper level over the pulse [ratio to the peak]; default 0.0
-    tol_main_l: Lower level over the pulse, entered positive [ratio to the peak]; default 0.0
+    tol_main_u: Upper margin at the peak of the pulse [ratio to the peak]; default 0.0
+    tol_main_l: Lower margin at the peak of the pulse, entered positive [ratio to the peak]; default 0.0
     tol_right_u: Upper level after the pulse [ratio to the peak]; default 0.0
     tol_right_l: Lower level after the pulse, entered positive [ratio to the peak]; default 0.0
     tol_rear_a: Length of the transition after the pulse [widths]; default 0.0
@@ -149,10 +149,10 @@ A frozen value.  Keyword arguments and properties:
         """Length of the transition before the pulse [widths]; default 0.0"""
     @property
     def tol_main_u(self) -> float:
-        """Upper level over the pulse [ratio to the peak]; default 0.0"""
+        """Upper margin at the peak of the pulse [ratio to the peak]; default 0.0"""
     @property
     def tol_main_l(self) -> float:
-        """Lower level over the pulse, entered positive [ratio to the peak]; default 0.0"""
+        """Lower margin at the peak of the pulse, entered positive [ratio to the peak]; default 0.0"""
     @property
     def tol_right_u(self) -> float:
         """Upper level after the pulse [ratio to the peak]; default 0.0"""
@@ -211,8 +211,8 @@ A frozen value.  Keyword arguments and properties:
     pulse_before_lo: Lower level just before the pulse, entered positive [ratio to the peak]; default 0.0
     pulse_slope_hi: Upper level along the slopes of the pulse [ratio to the peak]; default 0.0
     pulse_slope_lo: Lower level along the slopes of the pulse, entered positive [ratio to the peak]; default 0.0
-    main_pulse_hi: Upper limit over the top of the pulse [multiples of the pulse]; default 0.0
-    main_pulse_lo: Lower limit over the top of the pulse [multiples of the pulse]; default 0.0
+    main_pulse_hi: Upper limit over the top of the pulse; 1 or more [multiples of the pulse]; default 0.0
+    main_pulse_lo: Lower limit over the top of the pulse; up to 1 [multiples of the pulse]; default 0.0
     tol_end_hi: Upper level after the pulse [ratio to the peak]; default 0.0
     tol_end_lo: Lower level after the pulse, entered positive [ratio to the peak]; default 0.0
     pulse_before_width: Length of the region before the pulse [widths]; default 0.0
@@ -270,10 +270,10 @@ A frozen value.  Keyword arguments and properties:
         """Lower level along the slopes of the pulse, entered positive [ratio to the peak]; default 0.0"""
     @property
     def main_pulse_hi(self) -> float:
-        """Upper limit over the top of the pulse [multiples of the pulse]; default 0.0"""
+        """Upper limit over the top of the pulse; 1 or more [multiples of the pulse]; default 0.0"""
     @property
     def main_pulse_lo(self) -> float:
-        """Lower limit over the top of the pulse [multiples of the pulse]; default 0.0"""
+        """Lower limit over the top of the pulse; up to 1 [multiples of the pulse]; default 0.0"""
     @property
     def tol_end_hi(self) -> float:
         """Upper level after the pulse [ratio to the peak]; default 0.0"""
@@ -501,12 +501,12 @@ class Symmetry:
 A frozen value.  Keyword arguments and properties:
 
     wave_kind: Shape of the pulses: HALF_SINE, TRIANGLE or HAVERSINE; required
-    peak: Peak of the main pulse [amplitude unit]; required
+    peak: Peak of the main pulse; not 0 [amplitude unit]; required
     width: Width of every pulse [s]; required
     peak_pos: Place of the peak of a triangle [widths]; default 0.0
-    pre_zero: Silence before everything [s]; default 0.0
+    pre_zero: Silence before the first pulse [s]; default 0.0
     mid_zero: Silence between pulse and compensation, or before the divided pulse [s]; default 0.0
-    post_zero: Silence behind everything [s]; default 0.0
+    post_zero: Silence after the last pulse [s]; default 0.0
     devide_comp: Whether the compensation is divided into halves before and after the pulse; default False
     comp_forward: Whether the compensation comes first, where it is not divided; default False
     mid_backward: Kept for the controller; default False
@@ -532,7 +532,7 @@ A frozen value.  Keyword arguments and properties:
         """Shape of the pulses: HALF_SINE, TRIANGLE or HAVERSINE; required"""
     @property
     def peak(self) -> float:
-        """Peak of the main pulse [amplitude unit]; required"""
+        """Peak of the main pulse; not 0 [amplitude unit]; required"""
     @property
     def width(self) -> float:
         """Width of every pulse [s]; required"""
@@ -541,13 +541,13 @@ A frozen value.  Keyword arguments and properties:
         """Place of the peak of a triangle [widths]; default 0.0"""
     @property
     def pre_zero(self) -> float:
-        """Silence before everything [s]; default 0.0"""
+        """Silence before the first pulse [s]; default 0.0"""
     @property
     def mid_zero(self) -> float:
         """Silence between pulse and compensation, or before the divided pulse [s]; default 0.0"""
     @property
     def post_zero(self) -> float:
-        """Silence behind everything [s]; default 0.0"""
+        """Silence after the last pulse [s]; default 0.0"""
     @property
     def devide_comp(self) -> bool:
         """Whether the compensation is divided into halves before and after the pulse; default False"""
@@ -584,7 +584,7 @@ class SineBeatBurst:
 A frozen value.  Keyword arguments and properties:
 
     wave_kind: Beat or burst; required
-    ampl: Amplitude [amplitude unit]; required
+    ampl: Amplitude of the sine; not 0 [amplitude unit]; required
     freq: Frequency of the sine [Hz]; required
     cycle: Length of a packet [cycles]; required
     frame: Number of packets [packets]; required
@@ -613,7 +613,7 @@ A frozen value.  Keyword arguments and properties:
         """Beat or burst; required"""
     @property
     def ampl(self) -> float:
-        """Amplitude [amplitude unit]; required"""
+        """Amplitude of the sine; not 0 [amplitude unit]; required"""
     @property
     def freq(self) -> float:
         """Frequency of the sine [Hz]; required"""
@@ -661,10 +661,10 @@ class DataEdit:
 A frozen value.  Keyword arguments and properties:
 
     kind: What was done; required
-    first: First sample of it [samples]; default 0
-    last: Last sample of it [samples]; default 0
-    params: Its parameters; default []
-    note: What was noted; default ''"""
+    first: First sample that was edited [samples]; default 0
+    last: Last sample that was edited [samples]; default 0
+    params: Parameters of the edit, as its kind has them; default []
+    note: Note to the edit, free text; default ''"""
 
     def __init__(
         self,
@@ -680,16 +680,16 @@ A frozen value.  Keyword arguments and properties:
         """What was done; required"""
     @property
     def first(self) -> int:
-        """First sample of it [samples]; default 0"""
+        """First sample that was edited [samples]; default 0"""
     @property
     def last(self) -> int:
-        """Last sample of it [samples]; default 0"""
+        """Last sample that was edited [samples]; default 0"""
     @property
     def params(self) -> tuple[float, ...]:
-        """Its parameters; default []"""
+        """Parameters of the edit, as its kind has them; default []"""
     @property
     def note(self) -> str:
-        """What was noted; default ''"""
+        """Note to the edit, free text; default ''"""
     def replace(
         self,
         *,
@@ -744,10 +744,10 @@ A frozen value.  Keyword arguments and properties:
 
     period: Period of the sine [s]; required
     level_beg: Amplitude at the beginning of the ramp [amplitude unit]; required
-    level_end: Amplitude at its end [amplitude unit]; required
+    level_end: Amplitude at the end of the ramp [amplitude unit]; required
     length_type: What gives the length of the ramp; required
     wave_time: Length of the ramp, for LENGTH_BY_TIME [s]; default 0.0
-    wave_slope: Change of the amplitude, for LENGTH_BY_SLOPE [amplitude unit/s]; default 0.0
+    wave_slope: Change of the amplitude, for LENGTH_BY_SLOPE; not 0 [amplitude unit/s]; default 0.0
     pre_time: Length of the rise from 0 to LevelBeg [s]; default 0.0
     edge_time: Kept for the controller [s]; default 0.0
     nsamp: Length of the waveform [samples]; required"""
@@ -773,7 +773,7 @@ A frozen value.  Keyword arguments and properties:
         """Amplitude at the beginning of the ramp [amplitude unit]; required"""
     @property
     def level_end(self) -> float:
-        """Amplitude at its end [amplitude unit]; required"""
+        """Amplitude at the end of the ramp [amplitude unit]; required"""
     @property
     def length_type(self) -> LengthType:
         """What gives the length of the ramp; required"""
@@ -782,7 +782,7 @@ A frozen value.  Keyword arguments and properties:
         """Length of the ramp, for LENGTH_BY_TIME [s]; default 0.0"""
     @property
     def wave_slope(self) -> float:
-        """Change of the amplitude, for LENGTH_BY_SLOPE [amplitude unit/s]; default 0.0"""
+        """Change of the amplitude, for LENGTH_BY_SLOPE; not 0 [amplitude unit/s]; default 0.0"""
     @property
     def pre_time(self) -> float:
         """Length of the rise from 0 to LevelBeg [s]; default 0.0"""
@@ -815,9 +815,9 @@ A frozen value.  Keyword arguments and properties:
 
     period: Period of the sine [s]; required
     peak_level: Amplitude of the sine [amplitude unit]; required
-    length_type: Kept for the controller; default 0
-    wave_time: Kept for the controller [s]; default 0.0
-    wave_period: Kept for the controller; default 0.0
+    length_type: How the length was stated; kept for the controller; default 0
+    wave_time: Duration as it was stated; kept for the controller [s]; default 0.0
+    wave_period: Length in terms of its own; kept for the controller; default 0.0
     edge_time: Length of each linear edge [s]; default 0.0
     nsamp: Length of the waveform [samples]; required"""
 
@@ -840,13 +840,13 @@ A frozen value.  Keyword arguments and properties:
         """Amplitude of the sine [amplitude unit]; required"""
     @property
     def length_type(self) -> int:
-        """Kept for the controller; default 0"""
+        """How the length was stated; kept for the controller; default 0"""
     @property
     def wave_time(self) -> float:
-        """Kept for the controller [s]; default 0.0"""
+        """Duration as it was stated; kept for the controller [s]; default 0.0"""
     @property
     def wave_period(self) -> float:
-        """Kept for the controller; default 0.0"""
+        """Length in terms of its own; kept for the controller; default 0.0"""
     @property
     def edge_time(self) -> float:
         """Length of each linear edge [s]; default 0.0"""
@@ -875,7 +875,7 @@ A frozen value.  Keyword arguments and properties:
     freq: Frequency of the component [Hz]; required
     ampl: Amplitude of the component [amplitude unit]; required
     zeta: Damping ratio of the component; without effect on a wavelet; default 0.0
-    num_half: Length of a wavelet; odd, at least 3 [half cycles]; default 0
+    num_half: Length of a wavelet; odd, 3 or more [half cycles]; default 0
     delay: Beginning of the component [s]; default 0.0"""
 
     def __init__(
@@ -898,7 +898,7 @@ A frozen value.  Keyword arguments and properties:
         """Damping ratio of the component; without effect on a wavelet; default 0.0"""
     @property
     def num_half(self) -> int:
-        """Length of a wavelet; odd, at least 3 [half cycles]; default 0"""
+        """Length of a wavelet; odd, 3 or more [half cycles]; default 0"""
     @property
     def delay(self) -> float:
         """Beginning of the component [s]; default 0.0"""
@@ -971,25 +971,25 @@ keep it alive.  It is made by define, from_json and from_record."""
 
     @property
     def long_wave(self) -> bool:
-        """Kept for the controller; default False"""
+        """Long-wave mode; kept for the controller; default False"""
     @property
     def max_nsamp(self) -> int:
-        """Kept for the controller [samples]; default 0"""
+        """Largest length that is allowed; kept for the controller [samples]; default 0"""
     @property
     def auto_fsamp(self) -> bool:
-        """Kept for the controller; default False"""
+        """Automatic sampling; kept for the controller; default False"""
     @property
     def fsamp(self) -> float:
-        """Sampling frequency; Classical implies it, and Measure has it from its samples' times [Hz]; default 0.0"""
+        """Sampling frequency; a classical pulse has its own, 2.56 Fmax [Hz]; default 0.0"""
     @property
     def unit_ampl(self) -> str | dict[str, Any]:
-        """Amplitude unit; default ''"""
+        """Unit of the amplitude; default ''"""
     @property
     def tol_upper_rat(self) -> float:
-        """Is added to the waveform for the upper band [ratio to the peak]; default 0.0"""
+        """Distance of the upper band from the waveform [ratio to the peak]; default 0.0"""
     @property
     def tol_lower_rat(self) -> float:
-        """Is added to the waveform for the lower band; negative [ratio to the peak]; default 0.0"""
+        """Distance of the lower band from the waveform; negative [ratio to the peak]; default 0.0"""
     @property
     def time(self) -> FloatArray: ...
     @property
