@@ -13,13 +13,14 @@ FLOORS = {
     "common": [],
     "wave_def": ["common"],
     "analysis": ["common"],
+    "synthesis": ["wave_def", "analysis", "common"],
     "text": [],
     "definition": ["text", "analysis", "wave_def", "common"],
     "exchange": ["text", "common"],
-    "assess": ["definition", "text", "analysis", "wave_def", "common"],
-    "capi": ["assess", "exchange", "definition", "text", "analysis", "wave_def", "common"],
-    "python": ["assess", "exchange", "definition", "text", "analysis", "wave_def", "common"],
-    "command": ["assess", "exchange", "definition", "text", "analysis", "wave_def", "common"],
+    "assess": ["definition", "synthesis", "text", "analysis", "wave_def", "common"],
+    "capi": ["assess", "exchange", "definition", "synthesis", "text", "analysis", "wave_def", "common"],
+    "python": ["assess", "exchange", "definition", "synthesis", "text", "analysis", "wave_def", "common"],
+    "command": ["assess", "exchange", "definition", "synthesis", "text", "analysis", "wave_def", "common"],
 }
 # Libraries beside the C++ standard library, by the folder or name of their headers.
 LIBRARIES = {

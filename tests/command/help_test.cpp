@@ -8,9 +8,9 @@
 namespace qarv::test {
 namespace {
 
-const std::vector<std::string> kSubcommands{"generate", "check",          "report", "judge",
-                                            "srs",      "batch",          "show",   "schema",
-                                            "man-page", "bash-completion"};
+const std::vector<std::string> kSubcommands{"generate", "check",      "report",         "judge",
+                                            "srs",      "synthesize", "batch",          "show",
+                                            "schema",   "man-page",   "bash-completion"};
 
 std::vector<std::string> LinesOf(const std::string& text) {
   std::vector<std::string> lines;

@@ -29,11 +29,13 @@ constexpr const char* kMakeShock =
 
 constexpr const char* kExitStatus =
     "Exit status:\n"
-    "  0  done; for judge: the record passes\n"
-    "  1  the definition is refused; for judge: the record fails; for batch: a definition fails\n"
+    "  0  done; for judge: the record passes; for srs --requirement: the spectrum is inside\n"
+    "  1  the definition is refused; for judge: the record fails; for batch: a definition fails;\n"
+    "     for srs --requirement: the spectrum is outside; for synthesize: no waveform meets the "
+    "requirement\n"
     "  2  the input cannot be used or judged, or an output cannot be written; nothing has been "
     "written\n"
-    "  3  for check and batch: it works, with warnings";
+    "  3  for check, batch and synthesize: it works, with warnings";
 
 /// An option with a value.
 template <class T>
@@ -59,6 +61,12 @@ CLI::Option* AddFile(CLI::App* command, const char* name, std::string* value,
 void AddFsamp(CLI::App* command, std::optional<double>* fsamp) {
   Add(command, "--fsamp", fsamp, kHertz, "sampling frequency of samples without a time column");
 }
+
+/// A required spectrum that an example begins with.
+constexpr const char* kMakeRequirement =
+    R"(  echo '{"Q": 10, "Points": [[45, 20], [90, 40], [500, 40]],
+    "TolUpper": 3, "TolLower": -1.5}' >required.json
+)";
 
 /// The example of a subcommand, below its options.
 void SetExample(CLI::App* command, const std::string& lines) {
@@ -93,6 +101,7 @@ CommandLine::CommandLine()
   AddReport();
   AddJudge();
   AddSrs();
+  AddSynthesize();
   AddBatch();
   AddShow();
   AddTexts();
@@ -168,25 +177,64 @@ void CommandLine::AddSrs() {
           "definition (.json), measured samples (.csv, .uff) or record, - for standard input")
       ->required();
   AddFsamp(command, &srs.fsamp);
-  Add(command, "--response", &srs.settings.response, ResponseNames("|"),
-      "absolute acceleration, relative displacement or pseudo velocity");
+  auto* const response = Add(command, "--response", &srs.settings.response, ResponseNames("|"),
+                             "absolute acceleration, relative displacement or pseudo velocity");
   auto* const q = Add(command, "--q", &srs.settings.q, kNumber, "quality factor (10)");
-  Add(command, "--damping", &srs.settings.damping, kNumber, "damping ratio, instead of --q")
-      ->excludes(q);
-  Add(command, "--from", &srs.settings.from, kHertz, "lowest natural frequency (5)");
-  Add(command, "--to", &srs.settings.to, kHertz, "highest (a tenth of the sampling frequency)");
+  auto* const damping =
+      Add(command, "--damping", &srs.settings.damping, kNumber, "damping ratio, instead of --q")
+          ->excludes(q);
+  auto* const from =
+      Add(command, "--from", &srs.settings.from, kHertz, "lowest natural frequency (5)");
+  auto* const to =
+      Add(command, "--to", &srs.settings.to, kHertz, "highest (a tenth of the sampling frequency)");
   auto* const perOctave =
       Add(command, "--per-octave", &srs.settings.perOctave, kNumber, "lines per octave (12)");
-  Add(command, "--points", &srs.settings.points, kNumber,
-      "number of lines, instead of --per-octave")
-      ->excludes(perOctave);
-  command->add_flag("--tripartite", srs.tripartite,
-                    "pseudo velocity, with lines of displacement and acceleration in the plot");
+  auto* const points = Add(command, "--points", &srs.settings.points, kNumber,
+                           "number of lines, instead of --per-octave")
+                           ->excludes(perOctave);
+  auto* const tripartite =
+      command->add_flag("--tripartite", srs.tripartite,
+                        "pseudo velocity, with lines of displacement and acceleration in the plot");
+  auto* const requirement =
+      AddFile(command, "--requirement", &srs.requirement,
+              "required spectrum (.json), with its damping and lines: the verdict");
+  for (CLI::Option* option : {response, q, damping, from, to, perOctave, points, tripartite}) {
+    requirement->excludes(option);
+  }
   AddFile(command, "--csv", &srs.csv, "write all responses over frequency");
   AddFile(command, "--plot", &srs.plot, "write a picture, .png or .svg");
-  command->callback([this] { job = Job(Srs, srs); });
+  command->callback([this] { job = [this] { return Srs(srs); }; });
   SetShockExample(command,
                   "  qarv-wave srs shock.json --damping 0.05 --per-octave 6 --plot srs.png");
+}
+
+void CommandLine::AddSynthesize() {
+  auto* const command = app.add_subcommand(
+      "synthesize", "Find a waveform that has a required shock response spectrum");
+  AddFile(command, "REQ", &synthesize.requirement,
+          "required spectrum (.json), - for standard input")
+      ->required();
+  AddFile(command, "-o,--output", &synthesize.output, "write the definition of the waveform");
+  Add(command, "--shape", &synthesize.shape, ShapeNames("|"),
+      "all frequencies at once (shock), one after the other, or at any time");
+  Add(command, "--method", &synthesize.method, MethodNames("|"),
+      "wavelets end at rest; damped sines leave a little");
+  Add(command, "--minimize", &synthesize.minimize, AimNames("|"),
+      "the least peak of it instead of the best match");
+  Add(command, "--within", &synthesize.within, kNumber,
+      "with --minimize: within so many dB (the tolerance)");
+  Add(command, "--seed", &synthesize.seed, kNumber, "of what is drawn at random (1)");
+  command->add_flag("--quick", synthesize.quick,
+                    "a first look: a quarter of a dB, in a third of the time");
+  command->add_flag("--force", synthesize.force,
+                    "write the best waveform if none meets the requirement");
+  AddFile(command, "--csv", &synthesize.csv, "write time, waveform, lower and upper band");
+  AddFile(command, "--json", &synthesize.json, "write the figures as JSON");
+  AddFile(command, "--plot", &synthesize.plot, "write a picture, .png or .svg");
+  command->callback([this] { job = [this] { return Synthesize(synthesize); }; });
+  SetExample(command, std::string(kMakeRequirement) +
+                          "  qarv-wave synthesize required.json -o shock.json --plot shock.png\n"
+                          "  qarv-wave srs shock.json --requirement required.json");
 }
 
 void CommandLine::AddBatch() {

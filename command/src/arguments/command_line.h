@@ -12,6 +12,7 @@
 #include "jobs/report.h"
 #include "jobs/show.h"
 #include "jobs/srs.h"
+#include "jobs/synthesize.h"
 
 namespace qarv::command {
 
@@ -34,6 +35,7 @@ struct CommandLine {
   ReportOptions report;
   JudgeOptions judge;
   SrsOptions srs;
+  SynthesizeOptions synthesize;
 
  private:
   void AddGenerate();
@@ -41,6 +43,7 @@ struct CommandLine {
   void AddReport();
   void AddJudge();
   void AddSrs();
+  void AddSynthesize();
   void AddShow();
   void AddBatch();
   void AddTexts();

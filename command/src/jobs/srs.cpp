@@ -8,17 +8,23 @@
 #include <filesystem>
 #include <iterator>
 #include <optional>
+#include <vector>
 
 #include "analysis/srs.h"
+#include "assess/motion.h"
+#include "assess/requirement.h"
 #include "assess/spectrum.h"
+#include "assess/synthesis.h"
 #include "assessment.h"
 #include "definition/definition.h"
 #include "diagnostics.h"
 #include "files/input_wave.h"
 #include "files/output_files.h"
+#include "files/requirement_file.h"
 #include "pictures/gnuplot.h"
 #include "pictures/spectrum_plot.h"
 #include "progress.h"
+#include "synthesis/comparison.h"
 #include "text/text.h"
 
 namespace qarv::command {
@@ -80,6 +86,42 @@ Spectrum SpectrumOf(const std::string& input, const InputWave& wave,
   });
 }
 
+/// The settings of a requirement's lines.
+assess::SpectrumSettings SettingsOf(const assess::Requirement& requirement) {
+  const synthesis::SrsRequirement& required = requirement.spectrum;
+  assess::SpectrumSettings settings;
+  settings.damping = required.zeta;
+  settings.from = required.points.front().frequency;
+  settings.to = required.points.back().frequency;
+  settings.perOctave = required.perOctave;
+  return settings;
+}
+
+/// The waveform in the unit of the requirement.
+std::vector<double> SamplesIn(const std::string& unit, const InputWave& wave,
+                              const std::string& input) {
+  std::vector<double> samples(wave.samples.begin(), wave.samples.end());
+  if (wave.unit.empty() || wave.unit == unit) return samples;
+  const assess::MotionUnits from = assess::MotionUnitsOf(wave.unit);
+  const assess::MotionUnits to = assess::MotionUnitsOf(unit);
+  if (!from.known || !to.known) {
+    Fail(input, fmt::format("its unit {} does not go with the requirement's, {}", wave.unit, unit));
+  }
+  for (double& v : samples) v *= from.velocity / to.velocity;
+  return samples;
+}
+
+synthesis::SrsComparison Compare(const assess::Requirement& requirement, const InputWave& wave,
+                                 const std::string& input) {
+  const auto comparison = synthesis::CompareSrs(
+      requirement.spectrum, SamplesIn(requirement.unit, wave, input), wave.fsamp);
+  if (comparison.onGrid.lines == 0) {
+    Fail(input, fmt::format("its sampling frequency of {:g} Hz is too low for {:g} Hz", wave.fsamp,
+                            requirement.spectrum.points.back().frequency));
+  }
+  return comparison;
+}
+
 }  // namespace
 
 std::optional<Spectrum> SpectrumOf(const wave_def::CWaveDef& def, const std::string& name) {
@@ -89,9 +131,11 @@ std::optional<Spectrum> SpectrumOf(const wave_def::CWaveDef& def, const std::str
   return SpectrumOf(name, wave, {});
 }
 
-void Srs(const SrsOptions& options) {
+ExitCode Srs(const SrsOptions& options) {
+  std::optional<assess::Requirement> requirement;
+  if (!options.requirement.empty()) requirement = LoadRequirement(options.requirement);
   const InputWave wave = LoadInputWave(options.input, options.fsamp);
-  assess::SpectrumSettings settings = options.settings;
+  assess::SpectrumSettings settings = requirement ? SettingsOf(*requirement) : options.settings;
   if (options.tripartite) settings.response = "pseudo-velocity";
   const Spectrum spectrum = SpectrumOf(options.input, wave, settings);
   OutputFiles files;
@@ -106,7 +150,15 @@ void Srs(const SrsOptions& options) {
   if (assess::IsCoarse(spectrum, wave.fsamp)) {
     Warn(options.input, assess::CoarseText(wave.fsamp));
   }
-  files.Commit(Summary(spectrum));
+  std::string text = Summary(spectrum);
+  bool meets = true;
+  if (requirement) {
+    const synthesis::SrsComparison comparison = Compare(*requirement, wave, options.input);
+    meets = comparison.Meets(requirement->spectrum);
+    text += assess::AsText(assess::VerdictEntries(*requirement, comparison));
+  }
+  files.Commit(text);
+  return meets ? kDone : kRefused;
 }
 
 }  // namespace qarv::command

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "assess/spectrum.h"
+#include "command_error.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::command {
@@ -14,6 +15,7 @@ struct SrsOptions {
   std::optional<double> fsamp;  // [Hz] of samples without times
   assess::SpectrumSettings settings;
   bool tripartite = false;  // pseudo velocity on axes of displacement and acceleration too
+  std::string requirement;  // required spectrum (.json); empty for none
   std::string csv, plot;    // files to write; empty for none
 };
 
@@ -21,7 +23,9 @@ struct SrsOptions {
 /// @return nothing where a sample is no number
 std::optional<assess::Spectrum> SpectrumOf(const wave_def::CWaveDef& def, const std::string& name);
 
-/// Calculates the spectrum, writes the files that are asked for, and prints a short summary.
-void Srs(const SrsOptions& options);
+/// Calculates the spectrum, writes the files that are asked for, and prints a short summary; with a
+/// requirement, its lines and the verdict.
+/// @return kRefused where the spectrum is not what is required
+ExitCode Srs(const SrsOptions& options);
 
 }  // namespace qarv::command
