@@ -7,7 +7,7 @@ mkdir -p "$logs"
 
 # What is built and run stands on these Debian packages.
 build_packages=(cmake g++ ninja-build pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev
-  libsndfile1-dev gnuplot-nox fonts-dejavu-core)
+  libsndfile1-dev libmatio-dev gnuplot-nox fonts-dejavu-core)
 test_packages=(clang clang-format libclang-rt-14-dev binutils git googletest libgtest-dev
   libgmock-dev libfftw3-dev python3 python3-numpy python3-jsonschema chromium chromium-driver python3-selenium
   groff-base abigail-tools doxygen libmpfr-dev libgmp-dev g++-mingw-w64-x86-64 g++-aarch64-linux-gnu g++-i686-linux-gnu)

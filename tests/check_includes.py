@@ -26,7 +26,7 @@ FLOORS = {
 LIBRARIES = {
     "text": ["fmt/"],
     "definition": ["fmt/", "nlohmann/"],
-    "exchange": ["fmt/", "sndfile.h"],
+    "exchange": ["fmt/", "sndfile.h", "matio.h", "hdf5.h", "stdlib.h", "unistd.h"],
     "assess": ["fmt/", "nlohmann/"],
     "capi": ["nlohmann/", "stddef.h", "stdint.h"],
     "python": ["fmt/", "nlohmann/", "pybind11/", "Python.h"],

@@ -62,18 +62,6 @@ Range RecognisedBy(const CWaveDef& def) {
           Index(std::min(static_cast<double>(pulse.last) + width, last))};
 }
 
-/// The factor from a record that says its unit to the definition's.
-double UnitFactor(const CWaveDef& def, const Record& measured) {
-  const std::string unit = def.GetUnitAmpl().GetText();
-  if (measured.unit.empty() || unit.empty() || measured.unit == unit) return 1.0;
-  const MotionUnits from = MotionUnitsOf(measured.unit);
-  const MotionUnits to = MotionUnitsOf(unit);
-  if (!from.known || !to.known) {
-    throw Error("", fmt::format("its unit is {}, not {}", measured.unit, unit));
-  }
-  return from.velocity / to.velocity;
-}
-
 /// What the record covers of a definition that starts there.
 struct Covered {
   double first, last;
@@ -94,10 +82,13 @@ struct Match {
 Match MatchOf(const CWaveDef& def, const GridRecord& record, std::span<const double> samples) {
   const Range reference = ReferenceOf(def);
   const auto wave = SpanOf(def.GetWave());
+  const auto searched =
+      samples.subspan(record.searchFirst, record.searchLast - record.searchFirst + 1);
   const double lag =
-      analysis::Align(wave.subspan(reference.first, reference.last - reference.first + 1), samples)
+      analysis::Align(wave.subspan(reference.first, reference.last - reference.first + 1), searched)
           .lag;
-  const double start = lag - static_cast<double>(reference.first);
+  const double start =
+      lag + static_cast<double>(record.searchFirst) - static_cast<double>(reference.first);
   const Range wide = RecognisedBy(def);
   const Covered covered = CoveredBy(record, def, start);
   const double first = std::max(static_cast<double>(wide.first), covered.first);
@@ -110,7 +101,19 @@ Match MatchOf(const CWaveDef& def, const GridRecord& record, std::span<const dou
 
 }  // namespace
 
-GridRecord OnGridOf(const CWaveDef& def, const Record& measured) {
+double UnitFactor(const CWaveDef& def, const Record& measured) {
+  const std::string unit = def.GetUnitAmpl().GetText();
+  if (measured.unit.empty() || unit.empty() || measured.unit == unit) return 1.0;
+  const MotionUnits from = MotionUnitsOf(measured.unit);
+  const MotionUnits to = MotionUnitsOf(unit);
+  if (!from.known || !to.known) {
+    throw Error("", fmt::format("its unit is {}, not {}", measured.unit, unit));
+  }
+  return from.velocity / to.velocity;
+}
+
+GridRecord OnGridOf(const CWaveDef& def, const Record& measured,
+                    const std::optional<Stretch>& search) {
   constexpr double kLongest = 1e9;  // [sample] that are worth an attempt
   const auto record = measured.samples;
   RequireNumbers(measured.samples);
@@ -122,12 +125,18 @@ GridRecord OnGridOf(const CWaveDef& def, const Record& measured) {
                                 measured.fsamp, fsamp));
   }
   const bool sameRate = std::fabs(ratio - 1.0) < 1e-9;
-  GridRecord out{{}, end, fsamp, measured.begin};
+  GridRecord out{{}, end, fsamp, measured.begin, 0, 0};
   out.samples = sameRate
                     ? std::vector<double>(record.begin(), record.end())
                     : analysis::SampledAt(record, 0.0, ratio, Index(std::ceil(end - kSlack)) + 1);
   const double factor = UnitFactor(def, measured);
   for (double& v : out.samples) v *= factor;
+  const std::size_t last = out.samples.size() - 1;
+  const auto onGrid = [&](std::size_t i) {
+    return std::min(Index(std::floor(static_cast<double>(i) / ratio)), last);
+  };
+  out.searchFirst = search ? onGrid(search->first) : 0;
+  out.searchLast = search ? std::max(onGrid(search->last), out.searchFirst) : last;
   return out;
 }
 
@@ -171,9 +180,10 @@ Overlay LayOver(const CWaveDef& def, const GridRecord& record, double start) {
   return out;
 }
 
-analysis::Places PlacesAround(const CWaveDef& def, const GridRecord& record, double start) {
+analysis::Places PlacesAround(const CWaveDef& def, const GridRecord& record, double start,
+                              double share) {
   const Range pulse = ReferenceOf(def);
-  const double reach = 0.1 * std::fabs(PulseWidth(def));
+  const double reach = share * std::fabs(PulseWidth(def));
   return {start, std::min(start, std::max(start - reach, -static_cast<double>(pulse.first))),
           std::max(start, std::min(start + reach, record.end - static_cast<double>(pulse.last)))};
 }

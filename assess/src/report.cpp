@@ -8,6 +8,7 @@
 
 #include "analysis/shock.h"
 #include "assess/motion.h"
+#include "assess/transient.h"
 #include "definition/definition.h"
 #include "definition/main_pulse.h"
 
@@ -115,6 +116,8 @@ Entries ReportOf(const CWaveDef& def) {
   AddWave(def, scale, &entries);
   if (def.GetWaveType() == CWaveDef::WAVE_TYPE_CLASSICAL) AddClassical(def, scale, &entries);
   AddMotion(def, scale, &entries);
+  const Entries transient = TransientEntries(SpanOf(def.GetWave()), scale.fsamp, scale.unit);
+  entries.insert(entries.end(), transient.begin(), transient.end());
   return entries;
 }
 

@@ -6,6 +6,7 @@
 
 #include "exchange/csv.h"
 #include "exchange/error.h"
+#include "exchange/mat.h"
 #include "exchange/npy.h"
 #include "exchange/uff.h"
 #include "exchange/wav.h"
@@ -37,6 +38,10 @@ Kind DetectKind(Bytes bytes) {
   std::string_view head = TextOf(bytes).substr(0, kHead);
   if (head.starts_with(kNpyMagic)) return Kind::Npy;
   if (IsWav(head)) return Kind::Wav;
+  if (head.starts_with("MATLAB 5.0 MAT-file") || head.starts_with("MATLAB 7.3 MAT-file")) {
+    return Kind::Mat;
+  }
+  if (head.starts_with("\xFF\xFE") || head.starts_with("\xFE\xFF")) return Kind::Csv;
   if (head.starts_with(kByteOrderMark)) head.remove_prefix(kByteOrderMark.size());
   const std::string_view line = head.substr(0, head.find('\n'));
   if (line.starts_with(kUffDelimiter) && Trimmed(line) == Trimmed(kUffDelimiter)) return Kind::Uff;
@@ -58,6 +63,8 @@ std::vector<Signal> ReadSignals(Bytes bytes) {
       return ReadNpy(bytes);
     case Kind::Wav:
       return ReadWav(bytes);
+    case Kind::Mat:
+      return ReadMat(bytes);
     case Kind::Unknown:
       break;
   }

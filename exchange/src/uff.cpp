@@ -2,14 +2,18 @@
 //
 // A dataset stands between two lines of -1.  58 has eleven header lines in fixed columns: five of
 // identification, one of function and nodes, one of numbers, four of axes; then the values, four of
-// 20 columns (double) or six of 13 columns (single precision) a line.
+// 20 columns (double) or six of 13 columns (single precision) a line.  58b has the same header, and
+// as many bytes of values as the line of its number says.
 #include "exchange/uff.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <string>
 #include <utility>
 
+#include "common/numeric/index_conv.h"
 #include "exchange/error.h"
 #include "piece_writer.h"
 #include "text/text.h"
@@ -73,6 +77,16 @@ class Lines {
   explicit Lines(std::string_view text) : rest_(text) {}
 
   bool AtEnd() const { return rest_.empty(); }
+  /// The bytes that come next, which are no lines.
+  std::string_view Take(double count) {
+    if (!(count >= 0.0 && count <= static_cast<double>(rest_.size()))) {
+      throw Error(fmt::format("ends within a dataset, behind line {}", number_));
+    }
+    const auto size = static_cast<std::size_t>(common::TruncToIndex(count));
+    const std::string_view bytes = rest_.substr(0, size);
+    rest_.remove_prefix(size);
+    return bytes;
+  }
   std::string_view Next() {
     if (AtEnd()) throw Error(fmt::format("ends within a dataset, behind line {}", number_));
     ++number_;
@@ -109,9 +123,13 @@ double RateOf(double increment, std::string_view line) {
   return std::fabs(exact * increment - 1.0) < 1e-5 ? exact : 1.0 / increment;
 }
 
-/// A function, behind the line of its dataset's number.
-Signal ReadFunction(Lines* lines) {
-  Signal out;
+/// What the header of a function says of its values.
+struct Numbers {
+  double type, count;
+};
+
+Numbers ReadHeader(Lines* lines, Signal* signal) {
+  Signal& out = *signal;
   out.name = Trimmed(lines->Next());
   lines->Next();
   lines->Next();
@@ -133,9 +151,16 @@ Signal ReadFunction(Lines* lines) {
   if (out.unit == "NONE") out.unit.clear();
   lines->Next();  // denominator
   lines->Next();  // third axis
+  return {type, count};
+}
+
+/// A function, behind the line of its dataset's number.
+Signal ReadFunction(Lines* lines) {
+  Signal out;
+  const auto [type, count] = ReadHeader(lines, &out);
   const std::size_t width = type == 4.0 ? 20 : 13;
   const std::size_t perLine = type == 4.0 ? 4 : 6;
-  const auto isWhole = [&] { return static_cast<double>(out.values.size()) >= count; };
+  const auto isWhole = [&, n = count] { return static_cast<double>(out.values.size()) >= n; };
   while (!isWhole()) {
     const std::string_view line = lines->Next();
     for (std::size_t i = 0; i < perLine && !isWhole(); ++i) {
@@ -143,6 +168,48 @@ Signal ReadFunction(Lines* lines) {
     }
   }
   if (Trimmed(lines->Next()) != "-1") throw Error("has more values than it says");
+  return out;
+}
+
+template <class Word, class Number>
+double NumberAt(std::string_view bytes, std::size_t i, bool bigEndian) {
+  Word word = 0;
+  for (std::size_t k = 0; k < sizeof(Word); ++k) {
+    const std::size_t place = bigEndian ? sizeof(Word) - 1 - k : k;
+    word |= Word{static_cast<unsigned char>(bytes[i * sizeof(Word) + place])} << (8 * k);
+  }
+  return std::bit_cast<Number>(word);
+}
+
+/// A function of binary values, behind the line of its dataset's number.
+/// @param[in] line  that has byte order, floating-point format, lines of the header, bytes of
+/// values
+Signal ReadBinaryFunction(std::string_view line, Lines* lines) {
+  constexpr double kHeaderLines = 11.0;
+  constexpr double kIeee = 2.0;
+  const double order = lines->Number(line, 7, 6);
+  const double format = lines->Number(line, 13, 6);
+  if (order != 1.0 && order != 2.0) throw Error("has a byte order that is none");
+  if (format != kIeee) throw Error("its values are not of IEEE 754");
+  const double headerLines = lines->Number(line, 19, 12);
+  if (headerLines != kHeaderLines) throw Error("its header has not eleven lines");
+  Signal out;
+  const double size = lines->Number(line, 31, 12);
+  const auto [type, count] = ReadHeader(lines, &out);
+  const double width = type == 4.0 ? 8.0 : 4.0;
+  if (size < count * width) throw Error("has fewer values than it says");
+  const std::string_view bytes = lines->Take(size);
+  const auto n = static_cast<std::size_t>(common::TruncToIndex(count));
+  out.values.resize(n);
+  const bool bigEndian = order == 2.0;
+  for (std::size_t i = 0; i < n; ++i) {
+    out.values[i] = type == 4.0 ? NumberAt<std::uint64_t, double>(bytes, i, bigEndian)
+                                : NumberAt<std::uint32_t, float>(bytes, i, bigEndian);
+  }
+  // Some programs end the values with a line end of their own.
+  std::string_view end = lines->Next();
+  if (Trimmed(end).empty()) end = lines->Next();
+  if (Trimmed(end) != "-1") throw Error("has more values than it says");
   return out;
 }
 
@@ -172,12 +239,16 @@ std::vector<Signal> ReadUff(Bytes bytes) {
   std::vector<Signal> functions;
   while (!lines.AtEnd()) {
     if (Trimmed(lines.Next()) != "-1") continue;
-    const std::string_view dataset = Trimmed(lines.Next());
+    const std::string_view line = lines.Next();
+    const std::string_view dataset = Trimmed(line);
     if (dataset == "58") {
       functions.push_back(ReadFunction(&lines));
       continue;
     }
-    if (dataset.starts_with("58b")) throw Error("has a binary dataset, which is not read");
+    if (dataset.starts_with("58b")) {
+      functions.push_back(ReadBinaryFunction(line, &lines));
+      continue;
+    }
     while (Trimmed(lines.Next()) != "-1") {
     }
   }

@@ -70,6 +70,44 @@ TEST(SrsCommand, TakesRecordsAndMeasuredSamplesToo) {
   EXPECT_NE(measured.out.find("from 5 to 479.458 Hz"), std::string::npos) << measured.out;
 }
 
+TEST(SrsCommand, TheStaticEquivalentIsTheDisplacementTimesTheSquaredFrequency) {
+  const TempFolder folder;
+  const auto rows = [&](const std::string& response) {
+    EXPECT_EQ(RunCommand({"srs", kHalfSine, "--response", response, "--points", "20", "--csv",
+                          folder / "s.csv"})
+                  .code,
+              0);
+    return Rows(folder / "s.csv");
+  };
+  const auto displacement = rows("displacement");  // [mm]
+  const auto equivalent = rows("static-equivalent");
+  ASSERT_EQ(equivalent.size(), 20U);
+  for (std::size_t i = 0; i < 20; ++i) {
+    const double w = 2 * std::acos(-1.0) * equivalent[i][0];
+    for (std::size_t k = 1; k < 8; ++k) {
+      const double expected = displacement[i][k] * 1e-3 * w * w / 9.80665;
+      EXPECT_NEAR(equivalent[i][k], expected, 1e-9 * std::fabs(expected));
+    }
+  }
+}
+
+TEST(SrsCommand, TakesLoggersFilesAndStepsAsJudgeDoes) {
+  const TempFolder folder;
+  std::ostringstream text;
+  text << "Zeit [ms];x [g];y [g]\n";
+  for (int i = 0; i < 2000; ++i) {
+    text << i / 10.0 << ";0;" << (i > 500 && i < 600 ? -20.0 : 0.0) + 1.0 << "\n";
+  }
+  WriteText(folder / "m.txt", text.str());
+  const auto result = RunCommand({"srs", folder / "m.txt", "--channel", "y", "--offset", "0,0.04",
+                                  "--invert", "--csv", folder / "s.csv"});
+  ASSERT_EQ(result.code, 0) << result.err;
+  EXPECT_NE(result.out.find("record:    offset of 1 g taken off"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("record:    inverted\n"), std::string::npos) << result.out;
+  EXPECT_GT(Rows(folder / "s.csv").back()[2], 20.0);
+  EXPECT_EQ(RunCommand({"srs", folder / "m.txt", "--channel", "x,y"}).code, 2);
+}
+
 TEST(SrsCommand, ConvertsDisplacementsAndVelocities) {
   const TempFolder folder;
   const auto largest = [&](const std::string& response) {

@@ -1,9 +1,12 @@
 // Universal files: what is written in their fixed columns, and what is read of those of others.
 #include "exchange/uff.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 
 #include "sample_files.h"
@@ -131,10 +134,65 @@ TEST(Uff, RefusesWhatIsNoFunctionOfEvenlySpacedRealNumbers) {
   refused("1.00000E-03", "0.00000E+00", "has no time increment");
   refused("1.00000E-03", "-1.0000E-03", "has no time increment");
   refused("  2.000000000000E+00", "  2.0000000#0000E+00", "no number in columns 21 to 40", 14);
-  refused("    58\n", "   58b     1     2          11        64     0     0           0\n",
-          "has a binary dataset, which is not read");
+  const auto binary = [&](int order, int format, int lines, int size, const std::string& what) {
+    refused("    58\n",
+            fmt::format("   58b{:6}{:6}{:12}{:12}{:6}{:6}{:12}{:12}\n", order, format, lines, size,
+                        0, 0, 0, 0),
+            what);
+  };
+  binary(1, 2, 11, 64, "has more values than it says");
+  binary(1, 2, 11, 39, "has fewer values than it says");
+  binary(1, 2, 12, 40, "its header has not eleven lines");
+  binary(1, 1, 11, 40, "its values are not of IEEE 754");
+  binary(3, 2, 11, 40, "has a byte order that is none");
+  binary(1, 2, 11, 99999, "ends within a dataset, behind line 13");
   ExpectError([] { Read(""); }, "has no function (dataset 58)");
   ExpectError([] { Read("time,value\n0,1\n"); }, "has no function (dataset 58)");
+}
+
+/// A function of binary values, of the type 2 (float) or 4 (double).
+std::string Binary(const std::string& name, int type, bool big, const std::vector<double>& values) {
+  std::string bytes;
+  for (const double v : values) {
+    const std::uint64_t word = type == 4 ? std::bit_cast<std::uint64_t>(v)
+                                         : std::bit_cast<std::uint32_t>(static_cast<float>(v));
+    const int width = type == 4 ? 8 : 4;
+    for (int k = 0; k < width; ++k) {
+      bytes += static_cast<char>(word >> (8 * (big ? width - 1 - k : k)) & 0xFF);
+    }
+  }
+  return fmt::format(
+      "    -1\n    58b{:6}{:6}{:12}{:12}{:6}{:6}{:12}{:12}\n{}\nNONE\nNONE\nNONE\nNONE\n"
+      "    1         1    0         0 NONE               1   0 NONE               0   0\n"
+      "{:10}{:10}         1  1.50000E+00  1.00000E-03  0.00000E+00\n"
+      "        17    0    0    0 Time                 s                   \n"
+      "        12    0    0    0 Acceleration         g                   \n"
+      "         0    0    0    0 NONE                 NONE                \n"
+      "         0    0    0    0 NONE                 NONE                \n{}    -1\n",
+      big ? 2 : 1, 2, 11, bytes.size(), 0, 0, 0, 0, name, type, values.size(), bytes);
+}
+
+TEST(Uff, ReadsBinaryFunctionsOfBothByteOrdersAndWidths) {
+  const std::vector<double> values{1.5, -2.25, 0.0, 1e10, 0.1};
+  std::string all;
+  for (const int type : {2, 4}) {
+    for (const bool big : {false, true}) {
+      all += Binary(fmt::format("{} {}", type, big), type, big, values);
+    }
+  }
+  const auto functions = Read(all + WriteUff(kShort));
+  ASSERT_EQ(functions.size(), 7U);
+  for (std::size_t f = 0; f < 4; ++f) {
+    EXPECT_EQ(functions[f].name, fmt::format("{} {}", f < 2 ? 2 : 4, f % 2 == 1));
+    EXPECT_EQ(functions[f].fsamp, 1000.0);
+    EXPECT_EQ(functions[f].begin, 1.5);
+    EXPECT_EQ(functions[f].unit, "g");
+    ASSERT_EQ(functions[f].values.size(), values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      EXPECT_EQ(functions[f].values[i], f < 2 ? static_cast<float>(values[i]) : values[i]);
+    }
+  }
+  EXPECT_EQ(functions[4].name, "waveform");
 }
 
 TEST(Uff, NoTruncationIsTakenForTheWhole) {

@@ -15,9 +15,21 @@
 
 namespace qarv::assess {
 
+/// What the velocity change of a record is held against.
+enum class VelocityReference {
+  Usual,     ///< the nominal pulse, but the waveform of a compensated one, which is reshaped
+  Nominal,   ///< the area of the nominal pulse
+  Waveform,  ///< the definition's own waveform
+  Both,      ///< each of them
+};
+
 struct JudgeSettings {
   double dvTol = 10.0;  // [%] of the velocity change of the definition
   bool force = false;   // judge whatever the sampling does not show
+  VelocityReference dvOf = VelocityReference::Usual;
+  double move = 10.0;               // [%] of the width by which the bands may be moved
+  std::optional<Stretch> search{};  // of the record, where the waveform is looked for
+  bool mirrored = false;            // by the mirrored bands
 };
 
 /// The record on the samples of the definition.
@@ -31,9 +43,11 @@ struct Overlay {
 struct VelocityVerdict {
   double measured, defined, deviation;  // [amplitude unit x s], [%] of the defined one
   bool passes;
+  const char* reference;  // what the defined one is of, for people
 };
 
-/// What a record shows where the bands lie over it.
+/// What a record shows where the bands lie over it.  Of a mirrored one the overlay is the record
+/// turned over, as it lies in the bands; the entries have the record's own signs.
 struct Judgement {
   Overlay overlay;
   analysis::Verdict bands;
@@ -51,7 +65,7 @@ struct Judgement {
 ///
 /// The main pulse of a classical definition, otherwise the whole waveform, is found by
 /// cross-correlation.  The standards let the bands of a pulse be laid over the record where they
-/// fit best: one that leaves them is moved by up to a tenth of the pulse's width.  Where they fit
+/// fit best: one that leaves them is moved by up to a share of the pulse's width.  Where they fit
 /// nowhere the judgement is that of the best correlation, which shows people what is wrong.
 /// @throws Error where there is no verdict: the definition has no bands, the record does not show
 ///         the waveform, shows it upside down or not wholly, its sampling does not show enough of

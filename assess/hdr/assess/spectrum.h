@@ -24,7 +24,8 @@ struct SpectrumSettings {
   std::optional<int> points{};  // in the place of perOctave
 };
 
-/// The names of the responses: "acceleration", "displacement", "pseudo-velocity".
+/// The names of the responses: "acceleration", "displacement", "pseudo-velocity",
+/// "static-equivalent".
 std::string ResponseNames(const std::string& separator);
 
 /// A shock response spectrum with what it is a spectrum of.

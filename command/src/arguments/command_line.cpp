@@ -18,7 +18,10 @@ namespace {
 constexpr const char* kFile = "FILE";
 constexpr const char* kFolder = "FOLDER";
 constexpr const char* kHertz = "HZ";
+constexpr const char* kSeconds = "SECONDS";
 constexpr const char* kNumber = "NUMBER";
+constexpr const char* kColumn = "COLUMN";
+constexpr const char* kTimes = "FROM,TO";
 
 /// A definition that the examples begin with, so that they work wherever they are pasted.
 constexpr const char* kMakeShock =
@@ -44,18 +47,22 @@ CLI::Option* Add(CLI::App* command, const char* name, T* value, const std::strin
   return command->add_option(name, *value, description)->type_name(type);
 }
 
-/// A file or a folder: a positional argument is read, an option is written.  "-" is the standard
-/// stream, and what has no name is an error.
-CLI::Option* AddFile(CLI::App* command, const char* name, std::string* value,
-                     const char* description, const std::string& type = kFile) {
-  const char* const stream = *name == '-' ? kStandardOutput : kStandardInput;
-  const CLI::Validator nameOf(
+/// "-" is a standard stream, and what has no name is an error.
+CLI::Validator NameOf(const char* stream, const std::string& type) {
+  return CLI::Validator(
       [stream, type](std::string& text) {
         if (text == "-" && type == kFile) text = stream;
         return text.empty() ? std::string("an empty name") : std::string();
       },
       "");
-  return Add(command, name, value, type, description)->transform(nameOf);
+}
+
+/// A file or a folder: a positional argument is read, an option is written.  "-" is the standard
+/// stream, and what has no name is an error.
+CLI::Option* AddFile(CLI::App* command, const char* name, std::string* value,
+                     const char* description, const std::string& type = kFile) {
+  const char* const stream = *name == '-' ? kStandardOutput : kStandardInput;
+  return Add(command, name, value, type, description)->transform(NameOf(stream, type));
 }
 
 void AddFsamp(CLI::App* command, std::optional<double>* fsamp) {
@@ -67,6 +74,34 @@ constexpr const char* kMakeRequirement =
     R"(  echo '{"Q": 10, "Points": [[45, 20], [90, 40], [500, 40]],
     "TolUpper": 3, "TolLower": -1.5}' >required.json
 )";
+
+/// What tells how a file of measured samples is read.
+void AddChoice(CLI::App* command, MeasuredChoice* choice) {
+  AddFsamp(command, &choice->fsamp);
+  Add(command, "--time", &choice->time, kColumn, "column of the times, by name or number");
+  Add(command, "--channel", &choice->channels, kColumn,
+      "columns or functions of the values, by name or number, separated by commas (the first)");
+  command->add_flag("--resultant", choice->resultant,
+                    "the root of the sum of squares of the channels, as one");
+  Add(command, "--skip-bad", &choice->skipBad, kNumber,
+      "so many lines without a value are bridged by straight lines (0)");
+  Add(command, "--unit", &choice->unit, "UNIT", "unit of values whose file names none");
+  Add(command, "--scale", &choice->scale, kNumber, "units in a number of the file");
+}
+
+/// What is done to a record before anything else; nothing of it without being asked.
+void AddSteps(CLI::App* command, StepOptions* steps) {
+  Add(command, "--trim", &steps->trim, kTimes, "keep this stretch of the record [s]");
+  Add(command, "--offset", &steps->offset, "quiet|FROM,TO",
+      "take the mean of the quiet part, or of a stretch [s], off");
+  command->add_flag("--invert", steps->invert, "turn the record over");
+  Add(command, "--highpass", &steps->highPass, kHertz, "high pass, forward and backward");
+  Add(command, "--lowpass", &steps->lowPass, kHertz, "low pass, forward and backward");
+  Add(command, "--filter", &steps->filter, "butterworth|bessel", "shape of both (butterworth)");
+  Add(command, "--order", &steps->order, kNumber, "order of each of their two passes (4)");
+  Add(command, "--cfc", &steps->cfc, "60|180|600|1000",
+      "low pass of a channel frequency class (ISO 6487)");
+}
 
 /// The example of a subcommand, below its options.
 void SetExample(CLI::App* command, const std::string& lines) {
@@ -156,13 +191,33 @@ void CommandLine::AddJudge() {
       app.add_subcommand("judge", "Say whether a measured record passes its tolerance bands");
   AddFile(command, "INPUT", &judge.definition, "definition (.json) or record, - for standard input")
       ->required();
-  AddFile(command, "MEASURED", &judge.measured,
-          "measured samples (.csv, .uff), - for standard input")
+  command
+      ->add_option("MEASURED", judge.measured,
+                   "measured samples (text, .uff, .npy, .mat, .wav), or folders of them, - for "
+                   "standard input")
+      ->type_name(kFile)
+      ->transform(NameOf(kStandardInput, kFile))
       ->required();
-  AddFsamp(command, &judge.fsamp);
-  Add(command, "--dv-tol", &judge.dvTol, kNumber, "tolerance of the velocity change [%] (10)");
-  command->add_flag("--force", judge.force,
+  AddChoice(command, &judge.choice);
+  AddSteps(command, &judge.steps);
+  Add(command, "--threshold", &judge.series.threshold, kNumber,
+      "what a shock passes [% of the definition's peak] (25)");
+  Add(command, "--min-gap", &judge.series.minGap, kSeconds,
+      "least time between two shocks (three widths of the pulse)");
+  Add(command, "--count", &judge.series.count, kNumber, "how many shocks there have to be");
+  Add(command, "--at", &judge.at, kSeconds, "judge only the shocks at these times, as T1,T2,...");
+  Add(command, "--polarity", &judge.polarity, "both|own",
+      "judge negative shocks by the mirrored bands, or none (both, where there are several)");
+  Add(command, "--move", &judge.series.judge.move, kNumber,
+      "how far the bands may be moved [% of the pulse's width] (10)");
+  Add(command, "--dv-tol", &judge.series.judge.dvTol, kNumber,
+      "tolerance of the velocity change [%] (10)");
+  Add(command, "--dv-of", &judge.dvOf, "nominal|waveform|both",
+      "what it is of (nominal; waveform, where that is compensated)");
+  command->add_flag("--force", judge.series.judge.force,
                     "judge a record that is sampled too coarsely for a verdict");
+  AddFile(command, "--html", &judge.html, "write one page to file, with a picture of every shock");
+  Add(command, "--date", &judge.date, "TEXT", "date on the page (that of the first record)");
   AddFile(command, "--json", &judge.json, "write the verdict as JSON");
   AddFile(command, "--plot", &judge.plot, "write a picture with the violations, .png or .svg");
   command->callback([this] { job = [this] { return Judge(judge); }; });
@@ -174,11 +229,14 @@ void CommandLine::AddJudge() {
 void CommandLine::AddSrs() {
   auto* const command = app.add_subcommand("srs", "Calculate a shock response spectrum");
   AddFile(command, "INPUT", &srs.input,
-          "definition (.json), measured samples (.csv, .uff) or record, - for standard input")
+          "definition (.json), measured samples (text, .uff, .npy, .mat, .wav) or record, - for "
+          "standard input")
       ->required();
-  AddFsamp(command, &srs.fsamp);
-  auto* const response = Add(command, "--response", &srs.settings.response, ResponseNames("|"),
-                             "absolute acceleration, relative displacement or pseudo velocity");
+  AddChoice(command, &srs.choice);
+  AddSteps(command, &srs.steps);
+  auto* const response = Add(
+      command, "--response", &srs.settings.response, ResponseNames("|"),
+      "absolute acceleration, relative displacement, pseudo velocity or static equivalent");
   auto* const q = Add(command, "--q", &srs.settings.q, kNumber, "quality factor (10)");
   auto* const damping =
       Add(command, "--damping", &srs.settings.damping, kNumber, "damping ratio, instead of --q")

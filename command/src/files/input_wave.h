@@ -3,8 +3,10 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "common/data_array/data_array_float_t.h"
+#include "common/int_types.h"
 #include "files/input_file.h"
 #include "wave_def/wave_def.h"
 
@@ -12,10 +14,23 @@ namespace qarv::command {
 
 struct InputWave {
   common::CDataArrayFloatT<double> samples;
-  double fsamp;            // [Hz]
-  std::string unit;        // of the samples; empty if the file does not say
-  double begin = 0.0;      // [s] time of the first sample, as the file counts it
-  std::string title = {};  // what they are, where they have a definition
+  double fsamp;                           // [Hz]
+  std::string unit;                       // of the samples; empty if the file does not say
+  double begin = 0.0;                     // [s] time of the first sample, as the file counts it
+  std::string title = {};                 // what they are, where they have a definition
+  std::string channel = {};               // what the file calls it, where there are several
+  std::vector<std::string> remarks = {};  // every choice and conversion that was made, a line each
+};
+
+/// What is said of a file of measured samples.
+struct MeasuredChoice {
+  std::optional<double> fsamp{};  // [Hz] in the place of what the file says
+  std::string time{};             // column of the times, by number or name
+  std::string channels{};         // by number or name, separated by commas; empty: the first one
+  bool resultant = false;         // of the channels
+  common::uint64 skipBad = 0;     // lines without a value that are bridged
+  std::string unit{};             // of files that say none, or of what is scaled
+  std::optional<double> scale{};  // the unit of a number of the file
 };
 
 /// The waveform of a definition, with what it is.
@@ -26,15 +41,13 @@ InputWave InputWaveOf(const wave_def::CWaveDef& def);
 /// Reads a definition (.json, {) or a record (anything else).
 wave_def::CWaveDef LoadDefinitionOrRecord(InputFile file);
 
-/// Reads measured samples: the first function of a universal file (.uff, .unv), or a CSV file
-/// (anything else).
-/// @param[in] fsamp  sampling frequency of samples without times [Hz]; not for others
+/// Reads measured samples from a file of any kind that exchange/ reads, found by its content.
 /// Ends the command where they cannot be used.
-InputWave LoadMeasured(InputFile file, std::optional<double> fsamp);
+/// @return a wave for each channel that is asked for; one at least
+std::vector<InputWave> LoadMeasured(InputFile file, const MeasuredChoice& choice);
 
-/// Reads a definition (.json), measured samples (.csv, .uff, .unv) or a record, whose first bytes
-/// are no text.
+/// Reads a definition (.json), a record (.rec, or no text and no sample file) or measured samples.
 /// Ends the command where it cannot be used.
-InputWave LoadInputWave(InputFile file, std::optional<double> fsamp);
+std::vector<InputWave> LoadInputWaves(InputFile file, const MeasuredChoice& choice);
 
 }  // namespace qarv::command

@@ -1,36 +1,32 @@
-// qarv-wave judge: whether a measured record passes.
+// qarv-wave judge: whether measured records pass.
 #include "jobs/judge.h"
 
 #include <fmt/format.h>
+#include <sys/stat.h>
 
-#include <cmath>
+#include <algorithm>
+#include <array>
+#include <ctime>
 #include <filesystem>
-#include <vector>
+#include <utility>
 
-#include "analysis/judge.h"
-#include "assess/entries.h"
 #include "assess/judgement.h"
 #include "assessment.h"
 #include "definition/check.h"
 #include "definition/title.h"
 #include "diagnostics.h"
 #include "files/definition_file.h"
-#include "files/input_wave.h"
 #include "files/output_files.h"
-#include "pictures/plot.h"
+#include "jobs/judged.h"
+#include "pictures/verdict_plot.h"
 #include "text/text.h"
 
 namespace qarv::command {
 
-using assess::AsJson;
-using assess::AsText;
-using assess::Overlay;
-using definition::SampleRateOf;
+namespace fs = std::filesystem;
 using definition::SpanOf;
 using text::OneLine;
-
 using wave_def::CWaveDef;
-using Samples = common::CDataArrayFloatT<double>;
 
 namespace {
 
@@ -47,63 +43,157 @@ CWaveDef LoadReference(const std::string& file) {
   return def;
 }
 
-void PlotVerdict(const CWaveDef& def, const Overlay& overlay, const std::string& title,
-                 PlotFormat format, const std::string& file) {
-  const std::size_t N = overlay.wave.GetSize();
-  Samples measured(N);
-  Samples violations(N);
-  for (std::size_t i = 0; i < N; ++i) {
-    const bool covered = i >= overlay.first && i <= overlay.last;
-    const bool outside =
-        analysis::Beyond(overlay.wave[i], def.GetTolU()[i], def.GetTolL()[i]) > 0.0;
-    measured[i] = covered ? overlay.wave[i] : std::nan("");
-    violations[i] = covered && outside ? overlay.wave[i] : std::nan("");
+/// The files: a folder stands for those in it.
+std::vector<std::string> FilesOf(const std::vector<std::string>& names) {
+  std::vector<std::string> files;
+  for (const std::string& name : names) {
+    std::error_code ignored;
+    if (IsStream(name) || !fs::is_directory(name, ignored)) {
+      files.push_back(name);
+      continue;
+    }
+    std::vector<std::string> inside;
+    for (const auto& entry : fs::directory_iterator(name, ignored)) {
+      const std::string file = entry.path().filename().string();
+      const std::string extension = ExtensionOf(file);
+      const bool ours = extension == ".json" || extension == ".rec" || extension == ".html" ||
+                        extension == ".png" || extension == ".svg";
+      if (entry.is_regular_file(ignored) && !file.starts_with('.') && !ours) {
+        inside.push_back(entry.path().string());
+      }
+    }
+    if (inside.empty()) Fail(name, "has no files of samples");
+    std::sort(inside.begin(), inside.end());
+    files.insert(files.end(), inside.begin(), inside.end());
   }
-  Plot({title,
-        SampleRateOf(def),
-        ZoomOf(def),
-        {{AmplitudeLabel(def),
-          {{"upper band", Role::Upper, &def.GetTolU()},
-           {"reference", Role::Reference, &def.GetWave()},
-           {"measured", Role::Wave, &measured},
-           {"lower band", Role::Lower, &def.GetTolL()},
-           {"outside", Role::Violation, &violations}}}}},
-       format, file);
+  return files;
+}
+
+/// The day on which a file was written last; empty for a stream.
+std::string DateOf(const std::string& file) {
+  struct stat status {};
+  std::tm day{};
+  if (IsStream(file) || stat(file.c_str(), &status) != 0) return "";
+  if (gmtime_r(&status.st_mtime, &day) == nullptr) return "";
+  std::array<char, 32> text{};
+  return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d", &day)};
+}
+
+assess::SeriesSettings SettingsOf(const JudgeOptions& options) {
+  using assess::Polarity;
+  using assess::VelocityReference;
+  assess::SeriesSettings settings = options.series;
+  if (!options.at.empty()) settings.at = NumbersOf(options.at, "--at");
+  const auto pick = [](const std::string& text, auto usual, auto choices, const char* option) {
+    if (text.empty()) return usual;
+    for (const auto& [name, value] : choices) {
+      if (text == name) return value;
+    }
+    Fail(option, "'" + text + "' is none of its values");
+  };
+  settings.judge.dvOf = pick(options.dvOf, VelocityReference::Usual,
+                             std::array<std::pair<const char*, VelocityReference>, 3>{
+                                 {{"nominal", VelocityReference::Nominal},
+                                  {"waveform", VelocityReference::Waveform},
+                                  {"both", VelocityReference::Both}}},
+                             "--dv-of");
+  settings.polarity = pick(options.polarity, Polarity::Usual,
+                           std::array<std::pair<const char*, Polarity>, 2>{
+                               {{"both", Polarity::Both}, {"own", Polarity::Own}}},
+                           "--polarity");
+  return settings;
+}
+
+/// The unit in which a record is judged, and why.
+std::string UnitText(const CWaveDef& def, const std::string& unit) {
+  const std::string own = def.GetUnitAmpl().GetText();
+  if (own.empty()) return unit.empty() ? "none" : unit;
+  if (unit.empty()) return own + ", that of the definition: the record names none";
+  return unit == own ? own : fmt::format("{}, converted from {}", own, unit);
+}
+
+/// Judges the channels of a file.
+void JudgeFile(const CWaveDef& def, const std::string& file, const JudgeOptions& options,
+               const assess::SeriesSettings& settings, std::vector<JudgedRecord>* records) {
+  const assess::Conditioning steps = ConditioningOf(options.steps);
+  for (InputWave& wave : LoadMeasured(file, options.choice)) {
+    JudgedRecord judged;
+    judged.file = file;
+    judged.channel = wave.channel;
+    judged.unit = UnitText(def, wave.unit);
+    TakeSteps(steps, file, &wave);
+    judged.steps = wave.remarks;
+    judged.series = Assessed(file, [&] {
+      return assess::JudgeSeries(def, {SpanOf(wave.samples), wave.fsamp, wave.unit, wave.begin},
+                                 settings);
+    });
+    records->push_back(std::move(judged));
+  }
+}
+
+/// The shock that a picture shows where only one is drawn: the first that fails, else the first.
+struct Drawn {
+  const JudgedRecord* record;
+  const assess::ShockVerdict* shock;
+};
+
+Drawn ToDraw(const JudgedRun& run) {
+  Drawn first{nullptr, nullptr};
+  for (const JudgedRecord& record : run.records) {
+    for (const assess::ShockVerdict& shock : record.series.shocks) {
+      if (!shock.judgement) continue;
+      if (!shock.Passes()) return {&record, &shock};
+      if (first.shock == nullptr) first = {&record, &shock};
+    }
+  }
+  return first;
 }
 
 }  // namespace
 
 ExitCode Judge(const JudgeOptions& options) {
   const CWaveDef def = LoadReference(options.definition);
-  std::vector<std::string> remarks;  // on the definition
+  JudgedRun run;
+  run.definition = options.definition;
   for (const definition::Finding& finding : definition::CheckWave(def)) {
-    remarks.push_back(OneLine(finding.text));
+    run.remarks.push_back(OneLine(finding.text));
   }
-  const InputWave measured = LoadMeasured(options.measured, options.fsamp);
-  const assess::Record record{SpanOf(measured.samples), measured.fsamp, measured.unit,
-                              measured.begin};
-  const assess::Judgement judgement = Assessed(options.measured, [&] {
-    return assess::Judge(def, record, {.dvTol = options.dvTol, .force = options.force});
-  });
-  std::vector<std::string> warnings = remarks;
-  warnings.insert(warnings.end(), judgement.warnings.begin(), judgement.warnings.end());
-  assess::Entries entries = judgement.entries;
-  const std::string text = AsText(entries);
-  entries.push_back({"warnings", "warnings", warnings, ""});
+  const assess::SeriesSettings settings = SettingsOf(options);
+  const std::vector<std::string> measured = FilesOf(options.measured);
+  for (const std::string& file : measured) {
+    if (measured.size() == 1) {
+      JudgeFile(def, file, options, settings, &run.records);
+      continue;
+    }
+    try {
+      JudgeFile(def, file, options, settings, &run.records);
+    } catch (const CommandError& e) {
+      JudgedRecord& record = run.records.emplace_back();
+      record.file = file;
+      record.error = e.what();
+    }
+  }
 
   OutputFiles files;
-  if (!options.json.empty()) WriteFile(files.Reserve(options.json), AsJson(entries));
-  if (!options.plot.empty()) {
+  if (!options.json.empty()) WriteFile(files.Reserve(options.json), JsonOf(run));
+  if (!options.html.empty()) {
+    const std::string date = options.date.empty() ? DateOf(measured.front()) : options.date;
+    WriteJudgePage(def, run, date, options.html, &files);
+  }
+  if (const Drawn drawn = ToDraw(run); !options.plot.empty() && drawn.shock != nullptr) {
     const PlotFormat format = PlotFormatOf(options.plot);
     const std::string title =
-        fmt::format("{}: {} ({})", std::filesystem::path(options.measured).stem().string(),
-                    judgement.Passes() ? "pass" : "fail", definition::TitleOf(def));
-    PlotVerdict(def, judgement.overlay, title, format, files.Reserve(options.plot));
+        fmt::format("{}: {} ({})", fs::path(drawn.record->file).stem().string(),
+                    drawn.shock->Passes() ? "pass" : "fail", definition::TitleOf(def));
+    PlotVerdict(def, drawn.shock->judgement->overlay, drawn.shock->negative, title, format,
+                files.Reserve(options.plot));
   }
-  for (const std::string& remark : remarks) Warn(options.definition, remark);
-  for (const std::string& warning : judgement.warnings) Warn(options.measured, warning);
-  files.Commit(text);
-  return judgement.Passes() ? kDone : kRefused;
+  for (const std::string& remark : run.remarks) Warn(options.definition, remark);
+  for (const JudgedRecord& record : run.records) {
+    for (const std::string& warning : WarningsOf(record)) Warn(record.file, warning);
+  }
+  files.Commit(TextOf(def, run));
+  return run.Fails() ? kRefused : run.IsOpen() ? kBadInput : kDone;
 }
 
 }  // namespace qarv::command

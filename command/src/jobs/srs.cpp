@@ -16,6 +16,7 @@
 #include "assess/spectrum.h"
 #include "assess/synthesis.h"
 #include "assessment.h"
+#include "command_error.h"
 #include "definition/definition.h"
 #include "diagnostics.h"
 #include "files/input_wave.h"
@@ -134,7 +135,11 @@ std::optional<Spectrum> SpectrumOf(const wave_def::CWaveDef& def, const std::str
 ExitCode Srs(const SrsOptions& options) {
   std::optional<assess::Requirement> requirement;
   if (!options.requirement.empty()) requirement = LoadRequirement(options.requirement);
-  const InputWave wave = LoadInputWave(options.input, options.fsamp);
+  std::vector<InputWave> waves = LoadInputWaves(options.input, options.choice);
+  if (waves.size() > 1)
+    Fail("--channel", "names several: a spectrum is that of one, or of their --resultant");
+  InputWave& wave = waves.front();
+  TakeSteps(ConditioningOf(options.steps), options.input, &wave);
   assess::SpectrumSettings settings = requirement ? SettingsOf(*requirement) : options.settings;
   if (options.tripartite) settings.response = "pseudo-velocity";
   const Spectrum spectrum = SpectrumOf(options.input, wave, settings);
@@ -151,6 +156,7 @@ ExitCode Srs(const SrsOptions& options) {
     Warn(options.input, assess::CoarseText(wave.fsamp));
   }
   std::string text = Summary(spectrum);
+  for (const std::string& remark : wave.remarks) text += fmt::format("record:    {}\n", remark);
   bool meets = true;
   if (requirement) {
     const synthesis::SrsComparison comparison = Compare(*requirement, wave, options.input);

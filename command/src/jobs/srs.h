@@ -6,13 +6,16 @@
 
 #include "assess/spectrum.h"
 #include "command_error.h"
+#include "files/input_wave.h"
+#include "jobs/steps.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::command {
 
 struct SrsOptions {
   std::string input;
-  std::optional<double> fsamp;  // [Hz] of samples without times
+  MeasuredChoice choice;  // of measured samples
+  StepOptions steps;
   assess::SpectrumSettings settings;
   bool tripartite = false;  // pseudo velocity on axes of displacement and acceleration too
   std::string requirement;  // required spectrum (.json); empty for none

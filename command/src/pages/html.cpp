@@ -68,6 +68,9 @@ svg g { font-family: "DejaVu Sans", Verdana, sans-serif; }
 .card h2, .card p, .card figure { margin: 0 0 0.4em; }
 .card .links { margin-top: 0.5em; }
 .card table { font-size: 0.8em; line-height: 1.3; }
+.wide { overflow-x: auto; }
+.wide table { max-width: none; font-size: 0.8em; overflow-wrap: normal; }
+.wide th, .wide td { padding-right: 0.8em; }
 .warning { color: #9a5b00; }
 .fails { color: #b00020; }
 @media screen and (max-width: 72em) {
@@ -94,6 +97,9 @@ svg g { font-family: "DejaVu Sans", Verdana, sans-serif; }
   .card th, .card td { padding: 0.1em 0; }
   .card img { max-height: 60mm; object-fit: contain; object-position: top; }
   .card:nth-of-type(4n):not(:last-of-type) { break-after: page; }
+  .wide { overflow: visible; }
+  .wide table { font-size: 6.5pt; overflow-wrap: anywhere; }
+  .wide th, .wide td { padding-right: 0.4em; }
   .links { display: none; }
 }
 )";

@@ -13,11 +13,12 @@ namespace qarv::exchange {
 /// What a dataset begins and ends with, so that it is known before it is read.
 inline constexpr std::string_view kUffDelimiter = "    -1";
 
-/// Reads the functions of a universal file; other datasets are passed over.
+/// Reads the functions of a universal file, whose values are text (58) or binary (58b, of either
+/// byte order); other datasets are passed over.
 /// @return every function with `fsamp`, `begin`, its first identification line as its name, and the
 ///         unit of its values
-/// Throws Error where there is none, or one is complex, binary, unevenly spaced or incomplete; with
-/// the line where a column has no number.
+/// Throws Error where there is none, or one is complex, unevenly spaced, of another floating-point
+/// format, or incomplete; with the line where a column has no number.
 std::vector<Signal> ReadUff(Bytes bytes);
 
 /// Writes waveform, lower and upper band as three functions of evenly spaced double precision

@@ -1,0 +1,253 @@
+// What has been judged: the records with their shocks, as text, as JSON and as a page.
+#include "jobs/judged.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "definition/title.h"
+#include "pages/html.h"
+#include "pages/parts.h"
+#include "pictures/verdict_plot.h"
+
+namespace qarv::command {
+
+using assess::Entries;
+using assess::Entry;
+using assess::ShockVerdict;
+using assess::ValueText;
+using Json = nlohmann::ordered_json;
+
+namespace {
+
+const Entry* Find(const ShockVerdict& shock, const std::string& key) {
+  if (!shock.judgement) return nullptr;
+  const Entries& entries = shock.judgement->entries;
+  const auto at = std::find_if(entries.begin(), entries.end(),
+                               [&](const Entry& entry) { return entry.key == key; });
+  return at == entries.end() ? nullptr : &*at;
+}
+
+std::string Shown(const ShockVerdict& shock, const std::string& key) {
+  const Entry* const entry = Find(shock, key);
+  return entry == nullptr ? "" : ValueText(*entry);
+}
+
+std::string VerdictOf(const ShockVerdict& shock) {
+  return !shock.judgement ? "no verdict" : shock.Passes() ? "pass" : "fail";
+}
+
+constexpr std::size_t kColumns = 11;
+using TableRow = std::array<std::string, kColumns>;
+
+/// The table of all shocks: its titles, then a row for each.
+std::vector<TableRow> RowsOf(const wave_def::CWaveDef& def, const JudgedRun& run) {
+  std::vector<TableRow> rows{{"record", "shock", "time", "polarity", "peak", "width",
+                              "velocity change", "deviation", "outside", "worst", "verdict"}};
+  for (const JudgedRecord& record : run.records) {
+    if (!record.error.empty()) {
+      rows.push_back({record.GetName(), "", "", "", "", "", "", "", "", "", "no verdict"});
+    }
+    int number = 0;
+    for (const ShockVerdict& shock : record.series.shocks) {
+      rows.push_back({record.GetName(), std::to_string(++number),
+                      fmt::format("{:.6g} s", shock.time), shock.peak < 0.0 ? "-" : "+",
+                      ValueText({"", "", shock.peak, def.GetUnitAmpl().GetText()}),
+                      Shown(shock, "pulse_width"), Shown(shock, "velocity_change"),
+                      Shown(shock, "velocity_change_deviation"), Shown(shock, "outside"),
+                      Shown(shock, "worst_excess"), VerdictOf(shock)});
+    }
+  }
+  return rows;
+}
+
+/// The reasons of what has no verdict, a line each.
+std::vector<std::string> ReasonsOf(const JudgedRun& run) {
+  std::vector<std::string> reasons;
+  for (const JudgedRecord& record : run.records) {
+    if (!record.error.empty()) reasons.push_back(record.GetName() + ": " + record.error);
+    int number = 0;
+    for (const ShockVerdict& shock : record.series.shocks) {
+      ++number;
+      if (shock.judgement) continue;
+      reasons.push_back(fmt::format("{}, shock {}: {}", record.GetName(), number, shock.reason));
+    }
+  }
+  return reasons;
+}
+
+/// What stands before the verdicts of a record.
+Entries HeadOf(const JudgedRecord& record) {
+  Entries head;
+  head.push_back({"unit", "unit", record.unit, ""});
+  if (!record.steps.empty()) head.push_back({"steps", "steps", record.steps, ""});
+  return head;
+}
+
+std::string StepsText(const JudgedRecord& record) {
+  std::string text = fmt::format("{:<34} {}\n", "unit", record.unit);
+  for (const std::string& step : record.steps) text += fmt::format("{:<34} {}\n", "step", step);
+  return text;
+}
+
+Json JsonOf(const Entries& entries) { return Json::parse(AsJson(entries)); }
+
+}  // namespace
+
+std::string JudgedRecord::GetName() const {
+  const std::string name = std::filesystem::path(file).filename().string();
+  return channel.empty() ? name : name + " " + channel;
+}
+
+bool JudgedRun::Fails() const {
+  return std::any_of(records.begin(), records.end(),
+                     [](const JudgedRecord& r) { return r.series.Fails(); });
+}
+
+bool JudgedRun::IsOpen() const {
+  return std::any_of(records.begin(), records.end(),
+                     [](const JudgedRecord& r) { return !r.error.empty() || r.series.IsOpen(); });
+}
+
+std::string JudgedRun::GetVerdict() const {
+  return Fails() ? "fail" : IsOpen() ? "no verdict" : "pass";
+}
+
+const ShockVerdict* JudgedRun::GetOnly() const {
+  const bool one = records.size() == 1 && records[0].series.shocks.size() == 1;
+  return one ? &records[0].series.shocks[0] : nullptr;
+}
+
+std::vector<std::string> WarningsOf(const JudgedRecord& record) {
+  std::vector<std::string> warnings = record.series.warnings;
+  int number = 0;
+  for (const ShockVerdict& shock : record.series.shocks) {
+    ++number;
+    if (!shock.judgement) continue;
+    for (const std::string& warning : shock.judgement->warnings) {
+      const bool several = record.series.shocks.size() > 1;
+      warnings.push_back(several ? fmt::format("shock {}: {}", number, warning) : warning);
+    }
+  }
+  return warnings;
+}
+
+std::string TextOf(const wave_def::CWaveDef& def, const JudgedRun& run) {
+  const ShockVerdict* const only = run.GetOnly();
+  if (only != nullptr && only->judgement) {
+    return AsText(only->judgement->entries) + StepsText(run.records[0]);
+  }
+  const std::vector<TableRow> rows = RowsOf(def, run);
+  std::array<std::size_t, kColumns> widths{};
+  for (const TableRow& row : rows) {
+    for (std::size_t i = 0; i < kColumns; ++i) widths[i] = std::max(widths[i], row[i].size());
+  }
+  std::string text;
+  for (const TableRow& row : rows) {
+    std::string line;
+    for (std::size_t i = 0; i < kColumns; ++i) line += fmt::format("{:<{}}  ", row[i], widths[i]);
+    text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+  }
+  for (const std::string& reason : ReasonsOf(run)) text += reason + "\n";
+  for (const JudgedRecord& record : run.records) {
+    if (!record.error.empty()) continue;
+    text += fmt::format("{}: unit {}\n", record.GetName(), record.unit);
+    for (const std::string& step : record.steps) {
+      text += fmt::format("{}: {}\n", record.GetName(), step);
+    }
+  }
+  return text + "verdict: " + run.GetVerdict() + "\n";
+}
+
+std::string JsonOf(const JudgedRun& run) {
+  const ShockVerdict* const only = run.GetOnly();
+  if (only != nullptr && only->judgement) {
+    Entries entries = only->judgement->entries;
+    const Entries head = HeadOf(run.records[0]);
+    entries.insert(entries.end(), head.begin(), head.end());
+    std::vector<std::string> warnings = run.remarks;
+    const std::vector<std::string> own = WarningsOf(run.records[0]);
+    warnings.insert(warnings.end(), own.begin(), own.end());
+    entries.push_back({"warnings", "warnings", warnings, ""});
+    return AsJson(entries);
+  }
+  Json json =
+      JsonOf({{"verdict", "verdict", run.GetVerdict(), ""}, {"warnings", "", run.remarks, ""}});
+  json["records"] = Json::array();
+  for (const JudgedRecord& record : run.records) {
+    Entries head = HeadOf(record);
+    head.insert(head.begin(), {"file", "file", record.file, ""});
+    if (!record.channel.empty()) head.push_back({"channel", "channel", record.channel, ""});
+    if (!record.error.empty()) head.push_back({"reason", "reason", record.error, ""});
+    head.push_back({"warnings", "warnings", WarningsOf(record), ""});
+    Json item = JsonOf(head);
+    item["shocks"] = Json::array();
+    for (const ShockVerdict& shock : record.series.shocks) {
+      Entries entries{{"time", "time", shock.time, "s"},
+                      {"polarity", "polarity", shock.peak < 0.0 ? "negative" : "positive", ""}};
+      if (shock.judgement) {
+        entries.insert(entries.end(), shock.judgement->entries.begin(),
+                       shock.judgement->entries.end());
+      } else {
+        entries.push_back({"verdict", "verdict", "no verdict", ""});
+        entries.push_back({"reason", "reason", shock.reason, ""});
+      }
+      item["shocks"].push_back(JsonOf(entries));
+    }
+    json["records"].push_back(item);
+  }
+  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+void WriteJudgePage(const wave_def::CWaveDef& def, const JudgedRun& run, const std::string& date,
+                    const std::string& target, OutputFiles* files) {
+  const std::string page = files->Reserve(target);
+  Entries head{
+      {"verdict", "Verdict", run.GetVerdict(), ""},
+      {"definition", "Definition",
+       std::filesystem::path(run.definition).filename().string() + ": " + definition::TitleOf(def),
+       ""},
+      {"date", "Date", date, ""}};
+  for (const JudgedRecord& record : run.records) {
+    head.push_back({"record", "Record", record.GetName(), ""});
+    if (record.error.empty()) head.push_back({"unit", "  unit", record.unit, ""});
+    for (const std::string& step : record.steps) head.push_back({"step", "  step", step, ""});
+    for (const std::string& warning : WarningsOf(record)) {
+      head.push_back({"warning", "  warning", warning, ""});
+    }
+  }
+  for (const std::string& remark : run.remarks) {
+    head.push_back({"warning", "Warning on the definition", remark, ""});
+  }
+  std::string body = Table(head) + "<h2>Shocks</h2>\n<div class=\"wide\"><table>\n";
+  bool title = true;
+  for (const TableRow& row : RowsOf(def, run)) {
+    body += "<tr>";
+    for (const std::string& cell : row) {
+      body += fmt::format("<{0}>{1}</{0}>", title ? "th" : "td", HtmlText(cell));
+    }
+    body += "</tr>\n";
+    title = false;
+  }
+  body += "</table></div>\n";
+  for (const std::string& reason : ReasonsOf(run)) body += "<p>" + HtmlText(reason) + "</p>\n";
+  for (const JudgedRecord& record : run.records) {
+    int number = 0;
+    for (const ShockVerdict& shock : record.series.shocks) {
+      ++number;
+      if (!shock.judgement) continue;
+      body += fmt::format("<h2>{}, shock {}: {}</h2>\n", HtmlText(record.GetName()), number,
+                          VerdictOf(shock));
+      body += Figure(target, files, [&](const std::string& file) {
+        PlotVerdict(def, shock.judgement->overlay, shock.negative, "", PlotFormat::Svg, file);
+      });
+      body += Table(shock.judgement->entries);
+    }
+  }
+  WriteFile(page, HtmlPage(fmt::format("Shock verdict: {}", run.GetVerdict()), body));
+}
+
+}  // namespace qarv::command
