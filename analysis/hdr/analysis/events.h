@@ -10,9 +10,10 @@ namespace qarv::analysis {
 
 /// A stretch of a record in which a threshold is passed.
 struct ShockEvent {
-  std::size_t first, last;  // [sample] beyond the threshold, both included
-  std::size_t peak;         // [sample] of the largest magnitude, the first of equal ones
-  double value;             // there; its sign is the polarity
+  std::size_t first;  ///< [sample] beyond the threshold
+  std::size_t last;   ///< [sample] the last one beyond it
+  std::size_t peak;   ///< [sample] of the largest magnitude, the first of equal ones
+  double value;       ///< there; its sign is the polarity
 };
 
 /// Every shock of a record: the samples beyond a threshold to either side, where those that are not
@@ -23,9 +24,10 @@ std::vector<ShockEvent> FindShocks(std::span<const double> record, double thresh
 
 /// What a record does where nothing happens.
 struct QuietPart {
-  std::size_t first, count;  // [sample]
-  double mean;               // 0 without a sample
-  double noise;              // largest distance from the mean
+  std::size_t first;  ///< [sample]
+  std::size_t count;  ///< [sample]
+  double mean;        ///< 0 without a sample
+  double noise;       ///< largest distance from the mean
 };
 
 /// The longest stretch before the first shock or behind the last one, `margin` samples from it.

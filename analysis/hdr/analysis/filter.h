@@ -10,7 +10,11 @@ namespace qarv::analysis {
 ///
 ///   y[k] = b0 x[k] + b1 x[k - 1] + b2 x[k - 2] - a1 y[k - 1] - a2 y[k - 2]
 struct FilterSection {
-  double b0, b1, b2, a1, a2;
+  double b0;  ///< of x[k]
+  double b1;  ///< of x[k - 1]
+  double b2;  ///< of x[k - 2]
+  double a1;  ///< of y[k - 1]
+  double a2;  ///< of y[k - 2]
 };
 using FilterSections = std::vector<FilterSection>;
 

@@ -88,8 +88,8 @@ std::vector<SrsPoint> CalcSrs(std::span<const double> shock, double fsamp,
 
 /// A top of a response, or a bottom.
 struct SrsPeak {
-  double time;   // [s] from the first sample of the shock
-  double value;  // [unit of the input], with its sign
+  double time;   ///< [s] from the first sample of the shock
+  double value;  ///< [unit of the input], with its sign
 };
 
 /// Where the absolute accelerations of oscillators have their large extremes.

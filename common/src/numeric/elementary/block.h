@@ -52,8 +52,11 @@ QARV_LANES_INLINE void OneBlock(Function& f, std::size_t n, Argument argument, P
   for (std::size_t i = 0; any != 0 && i < n; ++i) {
     if (rare[i] != 0) rareValue[i] = Function::Rare(argument(i));
   }
+  // Into an array of its own: Clang makes lanes of a loop only where it sees all that is written.
+  double value[kBlock];
   QARV_INDEPENDENT
-  for (std::size_t i = 0; i < n; ++i) put(i, f.Evaluate(i));
+  for (std::size_t i = 0; i < n; ++i) value[i] = f.Evaluate(i);
+  for (std::size_t i = 0; i < n; ++i) put(i, value[i]);
   for (std::size_t i = 0; any != 0 && i < n; ++i) {
     if (rare[i] != 0) put(i, rareValue[i]);
   }
