@@ -83,7 +83,9 @@ TEST(CInterfaceAndCommand, ReportAndJudgeAlike) {
                                 settings.size(), buffer, capacity, needed);
   };
   const std::string verdict = TextOf(judge);
-  EXPECT_EQ(verdict, ReadText(json));
+  auto printed = Json(ReadText(json));
+  printed.erase("unit");  // what the file says of its unit
+  EXPECT_EQ(Json(verdict), printed);
   EXPECT_EQ(Json(verdict)["warnings"]["value"].size(), 1U) << "a part of the frame is missing";
 
   std::size_t needed = 0;
