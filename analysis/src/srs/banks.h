@@ -156,7 +156,7 @@ class SoftBank {
             const LaneState& from, const LaneState&) const {
     double u = displacement_[i] - from.a;
     double v = velocity_[i] - from.b;
-    if (i + 1 == travel_->velocity.size()) {
+    if (i + 2 == travel_->velocity.size()) {  // the last point; one more is kept
       u += travel_->displacementRest;
       v += travel_->velocityRest;
     }

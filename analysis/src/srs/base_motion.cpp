@@ -50,7 +50,7 @@ BaseMotion::BaseMotion(std::span<const double> shock) : unit(PowerBelowPeak(shoc
 }
 
 BaseMotion::Travel BaseMotion::Integrate() const {
-  Travel out{std::vector<double>(end + 1), std::vector<double>(end + 1), 0.0, 0.0};
+  Travel out{std::vector<double>(end + 2), std::vector<double>(end + 2), 0.0, 0.0};
   // Twice the velocity and six times the displacement: whole multiples of the samples.
   LongSum velocity;
   LongSum displacement;
@@ -66,6 +66,8 @@ BaseMotion::Travel BaseMotion::Integrate() const {
     out.velocity[i + 1] = velocity.sum / 2.0;
     out.displacement[i + 1] = displacement.sum / 6.0;
   }
+  out.velocity[end + 1] = out.velocity[end];  // the base coasts
+  out.displacement[end + 1] = out.displacement[end] + out.velocity[end];
   out.velocityRest = velocity.rest / 2.0;
   const double last = out.displacement[end];  // its multiples are subtracted without rounding
   out.displacementRest = (displacement.sum - 4.0 * last - 2.0 * last + displacement.rest) / 6.0;

@@ -19,7 +19,7 @@ struct BaseMotion {
   std::vector<double> acceleration;  // of each point, and of one more
   std::vector<double> change;        // change[i + 1] leads from point i to the next; the first is 0
 
-  /// Velocity and displacement of each point, from rest.
+  /// Velocity and displacement of each point, and of one more, from rest.
   struct Travel {
     std::vector<double> velocity, displacement;
     double velocityRest, displacementRest;  // what rounding has left out of the last ones
