@@ -234,9 +234,9 @@ void CommandLine::AddSrs() {
       ->required();
   AddChoice(command, &srs.choice);
   AddSteps(command, &srs.steps);
-  auto* const response = Add(
-      command, "--response", &srs.settings.response, ResponseNames("|"),
-      "absolute acceleration, relative displacement, pseudo velocity or static equivalent");
+  auto* const response =
+      Add(command, "--response", &srs.settings.response, ResponseNames("|"),
+          "absolute acceleration, relative displacement, pseudo velocity or static equivalent");
   auto* const q = Add(command, "--q", &srs.settings.q, kNumber, "quality factor (10)");
   auto* const damping =
       Add(command, "--damping", &srs.settings.damping, kNumber, "damping ratio, instead of --q")
