@@ -17,5 +17,9 @@ endif()
 endfunction()
 
 qarv_header_library(fmt fmt::fmt fmt FMT_HEADER_ONLY)
+# Here both are the same.
+add_library(fmt::fmt-header-only INTERFACE IMPORTED GLOBAL)
+target_include_directories(fmt::fmt-header-only INTERFACE ${PROJECT_BINARY_DIR}/include/fmt)
+target_compile_definitions(fmt::fmt-header-only INTERFACE FMT_HEADER_ONLY)
 qarv_header_library(nlohmann_json nlohmann_json::nlohmann_json nlohmann)
 qarv_header_library(CLI11 CLI11::CLI11 CLI)
