@@ -2,11 +2,10 @@
 #include "jobs/judge.h"
 
 #include <fmt/format.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
-#include <ctime>
+#include <chrono>
 #include <filesystem>
 #include <utility>
 
@@ -19,6 +18,7 @@
 #include "files/output_files.h"
 #include "jobs/judged.h"
 #include "pictures/verdict_plot.h"
+#include "platform/platform.h"
 #include "text/text.h"
 
 namespace qarv::command {
@@ -71,12 +71,13 @@ std::vector<std::string> FilesOf(const std::vector<std::string>& names) {
 
 /// The day on which a file was written last; empty for a stream.
 std::string DateOf(const std::string& file) {
-  struct stat status {};
-  std::tm day{};
-  if (IsStream(file) || stat(file.c_str(), &status) != 0) return "";
-  if (gmtime_r(&status.st_mtime, &day) == nullptr) return "";
-  std::array<char, 32> text{};
-  return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d", &day)};
+  const auto facts = IsStream(file) ? std::nullopt : platform::FactsOf(file);
+  if (!facts) return "";
+  namespace chrono = std::chrono;
+  const chrono::sys_seconds written{chrono::seconds{facts->written}};
+  const chrono::year_month_day day{chrono::floor<chrono::days>(written)};
+  return fmt::format("{:04}-{:02}-{:02}", static_cast<int>(day.year()),
+                     static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()));
 }
 
 assess::SeriesSettings SettingsOf(const JudgeOptions& options) {

@@ -29,6 +29,7 @@ struct FileFacts {
   FileKind kind;
   FileId id;
   unsigned mode;  // who may do what with it
+  common::int64 written;  // when it was written last: seconds since the start of 1970, UTC
 };
 
 /// What a descriptor or a name stands for; nothing where it stands for none.

@@ -23,20 +23,6 @@ namespace {
 
 HANDLE HandleOf(int fd) { return reinterpret_cast<HANDLE>(_get_osfhandle(fd)); }
 
-/// The facts that a handle has beyond those of its descriptor: the latter numbers no files.
-FileFacts FactsOf(HANDLE handle, FileKind kind, unsigned mode) {
-  FileFacts facts{kind, {}, mode};
-  BY_HANDLE_FILE_INFORMATION information{};
-  if (GetFileInformationByHandle(handle, &information) != 0) {
-    facts.id = {information.dwVolumeSerialNumber,
-                common::uint64{information.nFileIndexHigh} << 32 | information.nFileIndexLow};
-  } else {
-    // A pipe or a terminal, which is the same as no other.
-    facts.id = {std::numeric_limits<common::uint64>::max(), reinterpret_cast<std::size_t>(handle)};
-  }
-  return facts;
-}
-
 FileKind KindOf(unsigned mode) {
   switch (mode & S_IFMT) {
     case S_IFREG:
@@ -50,6 +36,20 @@ FileKind KindOf(unsigned mode) {
   }
 }
 
+/// The facts that a handle has beyond those of its descriptor: the latter numbers no files.
+FileFacts FactsOf(HANDLE handle, const struct _stat64& status) {
+  FileFacts facts{KindOf(status.st_mode), {}, status.st_mode & 0777U, status.st_mtime};
+  BY_HANDLE_FILE_INFORMATION information{};
+  if (GetFileInformationByHandle(handle, &information) != 0) {
+    facts.id = {information.dwVolumeSerialNumber,
+                common::uint64{information.nFileIndexHigh} << 32 | information.nFileIndexLow};
+  } else {
+    // A pipe or a terminal, which is the same as no other.
+    facts.id = {std::numeric_limits<common::uint64>::max(), reinterpret_cast<std::size_t>(handle)};
+  }
+  return facts;
+}
+
 /// The most bytes that one call reads or writes.
 unsigned Part(std::size_t n) { return static_cast<unsigned>(std::min(n, std::size_t{1} << 24)); }
 
@@ -58,7 +58,7 @@ unsigned Part(std::size_t n) { return static_cast<unsigned>(std::min(n, std::siz
 std::optional<FileFacts> FactsOf(int fd) {
   struct _stat64 status {};
   if (_fstat64(fd, &status) != 0) return std::nullopt;
-  return FactsOf(HandleOf(fd), KindOf(status.st_mode), status.st_mode & 0777U);
+  return FactsOf(HandleOf(fd), status);
 }
 
 std::optional<FileFacts> FactsOf(const std::string& name) {
@@ -68,7 +68,7 @@ std::optional<FileFacts> FactsOf(const std::string& name) {
   constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   const HANDLE handle = CreateFileA(name.c_str(), 0, kShared, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-  const FileFacts facts = FactsOf(handle, KindOf(status.st_mode), status.st_mode & 0777U);
+  const FileFacts facts = FactsOf(handle, status);
   if (handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
   return facts;
 }

@@ -179,7 +179,7 @@ bool DrawSawtooth(const SawtoothCorners& c, double peak, SampleSpan wave) {
 }
 
 bool HasPositiveSample(const Def& def, const PulseSpan& p) {
-  std::vector<double> wave(p.N);
+  std::vector<double> wave(static_cast<std::size_t>(p.N));
   bool drawn = false;
   if (def.GetWaveKind() == wave_def_sub::TERMINAL_PEAK_SAWTOOTH) {
     const auto corners = SawtoothCornersOf(def, p.centre, p.dt);
