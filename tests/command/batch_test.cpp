@@ -12,7 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string kExamples = QARV_SOURCE_DIR "/examples/definitions/";
 const std::string kSine = R"({"Fsamp": 1000, "UnitAmpl": "g", "TolUpperRat": 0.1,
     "TolLowerRat": -0.1, "Single": {"Period": 0.02, "PeakLevel": 5, "Nsamp": 500}})";
 

@@ -11,7 +11,6 @@ namespace {
 
 using wave_def::CWaveDef;
 
-const std::string kDefinitions = QARV_SOURCE_DIR "/examples/definitions/";
 
 /// Samples that are given, with bands around them.
 CWaveDef DefineSamples(const std::vector<double>& samples, double fsamp, const char* unit) {
@@ -32,7 +31,7 @@ CWaveDef DefineSamples(const std::vector<double>& samples, double fsamp, const c
 
 TEST(Npy, IsReadByNumPyAsTheCsvIs) {
   const TempFolder folder;
-  ASSERT_EQ(RunCommand({"generate", kDefinitions + "sine_burst.json", "--npy", folder / "w.npy",
+  ASSERT_EQ(RunCommand({"generate", kExamples + "sine_burst.json", "--npy", folder / "w.npy",
                         "--csv", folder / "w.csv"})
                 .code,
             0);
@@ -56,7 +55,7 @@ for name in array.dtype.names:
 
 TEST(Wav, IsReadBackInTheAmplitudeUnit) {
   const TempFolder folder;
-  const std::string definition = kDefinitions + "half_sine_fixed.json";
+  const std::string definition = kExamples + "half_sine_fixed.json";
   const CWaveDef def = command::LoadDefinition(definition);
   ASSERT_EQ(RunCommand({"generate", definition, "--wav", folder / "w.wav"}).code, 0);
   SF_INFO info{};
@@ -76,7 +75,7 @@ TEST(Wav, IsReadBackInTheAmplitudeUnit) {
 
 TEST(Wav, TheSameWaveformGivesTheSameBytes) {
   const TempFolder folder;
-  const std::string definition = kDefinitions + "single.json";
+  const std::string definition = kExamples + "single.json";
   ASSERT_EQ(RunCommand({"generate", definition, "--wav", folder / "a.wav"}).code, 0);
   std::system("sleep 1.1");  // the clock of a file's date moves on
   ASSERT_EQ(RunCommand({"generate", definition, "--wav", folder / "b.wav"}).code, 0);
@@ -117,7 +116,7 @@ TEST(Uff, RefusesSamplesThatAreNoNumbersByTheNameOfTheDefinition) {
 TEST(Uff, IsRefusedWithTheFileAndTheLine) {
   const TempFolder folder;
   const std::string file = folder / "w.uff";
-  ASSERT_EQ(RunCommand({"generate", kDefinitions + "single.json", "--uff", file}).code, 0);
+  ASSERT_EQ(RunCommand({"generate", kExamples + "single.json", "--uff", file}).code, 0);
   std::string text = ReadText(file);
   const auto refused = [&](const std::string& what) {
     WriteText(file, text);
@@ -137,12 +136,12 @@ TEST(Uff, IsRefusedWithTheFileAndTheLine) {
 
 TEST(Uff, IsJudgedAndTransformedLikeTheSamplesItHolds) {
   const TempFolder folder;
-  const std::string definition = kDefinitions + "half_sine_fixed.json";  // in g
+  const std::string definition = kExamples + "half_sine_fixed.json";  // in g
   ASSERT_EQ(RunCommand({"generate", definition, "--uff", folder / "w.uff"}).code, 0);
   const auto verdict = RunCommand({"judge", definition, folder / "w.uff"});
   EXPECT_EQ(verdict.code, 0) << verdict.out << verdict.err;
-  EXPECT_EQ(RunCommand({"srs", definition, "--to", "500"}).out,
-            RunCommand({"srs", folder / "w.uff", "--to", "500"}).out);
+  EXPECT_EQ(RunCommand({"srs", definition, "--to", "50"}).out,
+            RunCommand({"srs", folder / "w.uff", "--to", "50"}).out);
   EXPECT_EQ(RunCommand({"judge", definition, folder / "w.uff", "--fsamp", "5"}).code, 2);
 
   // The same in another unit of acceleration, and in one that is none.

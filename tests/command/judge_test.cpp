@@ -12,7 +12,6 @@
 namespace qarv::test {
 namespace {
 
-const std::string kDefinitions = QARV_SOURCE_DIR "/examples/definitions/";
 const double kPi = std::acos(-1.0);
 
 /// A half-sine of 11 ms about t = 0.
@@ -79,13 +78,13 @@ class JudgeCommand : public ::testing::Test {
     EXPECT_EQ(folder.List(), before);
   }
 
-  const std::string shock = kDefinitions + "half_sine_fixed.json";  // 50 g, 11 ms, 512 at 12800 Hz
+  const std::string shock = kExamples + "half_sine_fixed.json";  // 50 g, 11 ms, 512 at 12800 Hz
   TempFolder folder;
 };
 
 TEST_F(JudgeCommand, EveryExamplePassesItsOwnBands) {
   int count = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(kDefinitions)) {
+  for (const auto& entry : std::filesystem::directory_iterator(kExamples)) {
     if (entry.path().extension() != ".json") continue;
     const std::string definition = entry.path().string();
     const auto verdict = Verdict({definition, OwnWave(definition)}, 0);
@@ -190,7 +189,7 @@ TEST_F(JudgeCommand, NoiseIsNoVerdict) {
   std::normal_distribution<double> noise;
   const auto record = Record(12800, 0.2, [&](double) { return 10 * noise(engine); });
   ExpectRefused({shock, record}, "m.csv: does not show the pulse: the correlation is 0.");
-  ExpectRefused({kDefinitions + "sine_beat.json",
+  ExpectRefused({kExamples + "sine_beat.json",
                  Record(5120, 0.5, [&](double) { return noise(engine); }), "--force"},
                 "m.csv: does not show the waveform: the correlation is 0.");
 }
@@ -209,14 +208,14 @@ TEST_F(JudgeCommand, APulseInMuchNoiseFails) {
 TEST_F(JudgeCommand, SaysWhereARecordIsUpsideDown) {
   for (const char* const name : {"half_sine_fixed", "compensated_cosine", "compensated_flat_cosine",
                                  "sawtooth_user", "symmetry_half_sine"}) {
-    const std::string definition = kDefinitions + name + ".json";
+    const std::string definition = kExamples + name + ".json";
     ExpectRefused({definition, OwnWaveUpsideDown(definition)}, "upside down (correlation -1.000)");
   }
 }
 
 // Turned over, a sine of many periods is nearly itself half a period later.
 TEST_F(JudgeCommand, SaysWhereAWaveformThatFailsFitsBetterUpsideDown) {
-  const std::string beat = kDefinitions + "sine_beat.json";
+  const std::string beat = kExamples + "sine_beat.json";
   const auto result = RunCommand({"judge", beat, OwnWaveUpsideDown(beat)});
   EXPECT_EQ(result.code, 1);
   EXPECT_NE(result.err.find("turned.csv: correlates better upside down (-1.000)\n"),

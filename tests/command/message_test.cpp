@@ -13,7 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string kExamples = QARV_SOURCE_DIR "/examples/definitions/";
 
 class Messages : public ::testing::Test {
  protected:
@@ -169,6 +168,10 @@ TEST_F(Messages, NothingIsMinusZeroAndNoNumberHasASign) {
     }
     EXPECT_EQ(all.find("-nan"), std::string::npos) << all;
     EXPECT_EQ(all.find("nan("), std::string::npos) << all;
+    // The name of the folder is any.
+    for (std::size_t at; (at = all.find(folder.GetPath().string())) != std::string::npos;) {
+      all.erase(at, folder.GetPath().string().size());
+    }
     for (std::size_t at = all.find("-0"); at != std::string::npos; at = all.find("-0", at + 2)) {
       // A minus sign in front of a zero belongs to a number that goes on, or is an exponent's.
       const std::size_t end = all.find_first_not_of("0.", at + 1);

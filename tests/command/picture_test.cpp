@@ -17,7 +17,6 @@
 namespace qarv::test {
 namespace {
 
-const std::string kDefinitions = QARV_SOURCE_DIR "/examples/definitions/";
 
 /// A variable of the environment, for as long as the object lives.
 class Environment {
@@ -82,7 +81,7 @@ class Pictures : public ::testing::Test {
 // -----------------------------------------------------------------------------
 
 TEST_F(Pictures, AreTheSameWhateverTheUserHasSetUpForGnuplot) {
-  const std::string shock = kDefinitions + "half_sine_fixed.json";
+  const std::string shock = kExamples + "half_sine_fixed.json";
   ASSERT_EQ(RunCommand({"generate", shock, "--plot", folder / "a.svg"}).code, 0);
   for (const char* const setUp : {"set logscale y; set title 'mine'; unset xtics", "exit"}) {
     WriteText(folder / ".gnuplot", setUp);
@@ -101,7 +100,7 @@ TEST_F(Pictures, AreDrawnWithoutTheVariablesOfGnuplot) {
   const Environment terminal("GNUTERM", "dumb");
   const Environment other("NOT_OF_GNUPLOT", "kept");
   const Environment path("PATH", FakeGnuplot("cat >/dev/null; env >" + (folder / "env") + "\n"));
-  EXPECT_EQ(RunCommand({"generate", kDefinitions + "single.json", "--plot", folder / "p.svg"}).code,
+  EXPECT_EQ(RunCommand({"generate", kExamples + "single.json", "--plot", folder / "p.svg"}).code,
             2)
       << "it draws nothing";
   const std::string seen = ReadText(folder / "env");
@@ -114,7 +113,7 @@ TEST_F(Pictures, AFailureOfGnuplotIsOneLineWithWhatItSays) {
   const auto failure = [&](const std::string& path) {
     const Environment paths("PATH", path);
     const auto result =
-        RunCommand({"generate", kDefinitions + "single.json", "--plot", folder / "p.svg"});
+        RunCommand({"generate", kExamples + "single.json", "--plot", folder / "p.svg"});
     EXPECT_EQ(result.code, 2);
     EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
     EXPECT_FALSE(std::filesystem::exists(folder / "p.svg"));
@@ -138,7 +137,7 @@ TEST_F(Pictures, AreWellFormedWhateverAFileIsCalled) {
   const std::string name = "a\x01z\xFF\xC3(\xEF\xBF\xBF<b>&\"'\xC3\xA9";
   const std::string shown = "a\\x01z\\xff\\xc3(\\xef\\xbf\\xbf<b>&\"'\xC3\xA9";
   const std::string definition = folder / (name + ".json");
-  WriteText(definition, ReadText(kDefinitions + "half_sine_fixed.json"));
+  WriteText(definition, ReadText(kExamples + "half_sine_fixed.json"));
   EXPECT_TRUE(Has(Plotted(definition), shown + ": half-sine 50 g, 11 ms"));
   ASSERT_EQ(RunCommand({"srs", definition, "--plot", folder / "s.svg"}).code, 0);
   EXPECT_TRUE(Has(TextsOf(folder / "s.svg"), shown + ": half-sine 50 g, 11 ms"));
@@ -166,11 +165,11 @@ TEST(TitleOf, SaysWhatAWaveformOfEveryFamilyIs) {
       {"single", "sine 2 m/s^2, 10 Hz"},
   };
   for (const auto& [name, title] : titles) {
-    EXPECT_EQ(definition::TitleOf(command::LoadDefinition(kDefinitions + name + ".json")), title);
+    EXPECT_EQ(definition::TitleOf(command::LoadDefinition(kExamples + name + ".json")), title);
   }
   // With the peak of what comes out.
   const auto matches = [](const char* name, const std::string& before, const std::string& after) {
-    const auto title = definition::TitleOf(command::LoadDefinition(kDefinitions + name + ".json"));
+    const auto title = definition::TitleOf(command::LoadDefinition(kExamples + name + ".json"));
     EXPECT_TRUE(title.starts_with(before) && title.ends_with(after)) << title;
     const std::string peak =
         title.substr(before.size(), title.size() - before.size() - after.size());
@@ -228,13 +227,13 @@ std::string HalfSine(int nsamp, double shift = 0.0) {
 TEST_F(Pictures, ShowTheMainPulseOnceMoreWhereItTakesLessThanAThirdOfTheFrame) {
   EXPECT_FALSE(Has(Plotted(Definition(HalfSine(390))), "Main pulse: time [ms]"));
   EXPECT_TRUE(Has(Plotted(Definition(HalfSine(391))), "Main pulse: time [ms]"));
-  const auto compensated = Plotted(kDefinitions + "compensated_cosine.json");
+  const auto compensated = Plotted(kExamples + "compensated_cosine.json");
   for (const char* const text :
        {"Main pulse: time [ms]", "Time [ms]", "Velocity [m/s]", "Displacement [mm]"}) {
     EXPECT_TRUE(Has(compensated, text)) << text;
   }
   // What has no main pulse is drawn once.
-  EXPECT_FALSE(Has(Plotted(kDefinitions + "damped_sine.json"), "Main pulse: time [ms]"));
+  EXPECT_FALSE(Has(Plotted(kExamples + "damped_sine.json"), "Main pulse: time [ms]"));
 }
 
 TEST_F(Pictures, TheZoomedStretchHoldsThePulseAndStaysInTheFrame) {
@@ -266,7 +265,7 @@ std::vector<double> NumbersIn(const std::vector<std::string>& texts) {
 }
 
 TEST_F(Pictures, SpectraHaveTicksAtOneTwoAndFive) {
-  const std::string shock = kDefinitions + "half_sine_fixed.json";
+  const std::string shock = kExamples + "half_sine_fixed.json";
   const auto ticks = [&](std::vector<std::string> options) {
     options.insert(options.begin(), {"srs", shock, "--plot", folder / "s.svg"});
     const auto result = RunCommand(options);
@@ -285,7 +284,7 @@ TEST_F(Pictures, SpectraHaveTicksAtOneTwoAndFive) {
 
 TEST_F(Pictures, SpectraShowThePrimaryResponseOnTheMaximax) {
   ASSERT_EQ(
-      RunCommand({"srs", kDefinitions + "half_sine_fixed.json", "--plot", folder / "s.svg"}).code,
+      RunCommand({"srs", kExamples + "half_sine_fixed.json", "--plot", folder / "s.svg"}).code,
       0);
   const std::string svg = ReadText(folder / "s.svg");
   // Each curve is a group that holds its name, and has its own line width.

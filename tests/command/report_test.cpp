@@ -12,7 +12,6 @@
 namespace qarv::test {
 namespace {
 
-const std::string kDefinitions = QARV_SOURCE_DIR "/examples/definitions/";
 
 nlohmann::json ReportOf(const std::string& input, const TempFolder& folder) {
   const auto result = RunCommand({"report", input, "--json", folder / "r.json"});
@@ -28,14 +27,14 @@ double Value(const nlohmann::json& report, const std::string& key) {
 TEST(ReportCommand, HasTheVelocityChangeOfEveryShape) {
   // 50 g, 11 ms: the share of peak times width that the area is.
   const double base = 50 * 9.80665 * 0.011;
-  const double kPi = std::acos(-1.0);
+  const double pi = std::acos(-1.0);
   const std::pair<const char*, double> shapes[] = {
-      {"half_sine_fixed", 2 / kPi}, {"haversine_fixed", 0.5}, {"sawtooth_fixed", 0.5},
+      {"half_sine_fixed", 2 / pi}, {"haversine_fixed", 0.5}, {"sawtooth_fixed", 0.5},
       {"triangle_user", 0.5},       {"trapezoid_fixed", 0.9}, {"trapezoid_standard", 0.825},
       {"user_trapezoid_user", 0.7}};
   const TempFolder folder;
   for (const auto& [name, share] : shapes) {
-    const auto report = ReportOf(kDefinitions + name + ".json", folder);
+    const auto report = ReportOf(kExamples + name + ".json", folder);
     EXPECT_NEAR(Value(report, "velocity_change_nominal"), base * share, 1e-9) << name;
     // Within what 141 samples of a pulse leave.
     EXPECT_NEAR(Value(report, "velocity_change_deviation"), 0.0, 1.5) << name;
@@ -47,7 +46,7 @@ TEST(ReportCommand, HasTheVelocityChangeOfEveryShape) {
 
 TEST(ReportCommand, MeasuresPulseAndMargins) {
   const TempFolder folder;
-  const auto report = ReportOf(kDefinitions + "half_sine_fixed.json", folder);
+  const auto report = ReportOf(kExamples + "half_sine_fixed.json", folder);
   EXPECT_NEAR(Value(report, "pulse_width"), 0.011 * (1 - 2 * std::asin(0.1) / std::acos(-1.0)),
               1e-4);
   EXPECT_EQ(Value(report, "peak_time"), 0.02);
@@ -58,7 +57,7 @@ TEST(ReportCommand, MeasuresPulseAndMargins) {
 
 TEST(ReportCommand, OfACompensatedPulseEndsAtRest) {
   const TempFolder folder;
-  const auto report = ReportOf(kDefinitions + "compensated_cosine.json", folder);
+  const auto report = ReportOf(kExamples + "compensated_cosine.json", folder);
   EXPECT_LT(std::fabs(Value(report, "residual_velocity")), 1e-9);
   EXPECT_LT(std::fabs(Value(report, "residual_displacement")), 1e-9);
   EXPECT_NEAR(Value(report, "peak_to_peak_displacement"), 2 * Value(report, "peak_displacement"),
@@ -72,7 +71,7 @@ TEST(ReportCommand, ReportsEveryFamily) {
   for (const char* const name :
        {"single", "gradual", "sine_beat", "symmetry_half_sine", "damped_sine", "measured"}) {
     const TempFolder folder;
-    const auto report = ReportOf(kDefinitions + name + ".json", folder);
+    const auto report = ReportOf(kExamples + name + ".json", folder);
     EXPECT_GT(Value(report, "peak_velocity"), 0.0);
     EXPECT_FALSE(report.contains("velocity_change"));
   }
@@ -80,7 +79,7 @@ TEST(ReportCommand, ReportsEveryFamily) {
 
 TEST(ReportCommand, OfARecordIsThatOfItsDefinition) {
   const TempFolder folder;
-  const std::string definition = kDefinitions + "sawtooth_fixed.json";
+  const std::string definition = kExamples + "sawtooth_fixed.json";
   ASSERT_EQ(RunCommand({"generate", definition, "--record", folder / "r.rec"}).code, 0);
   EXPECT_EQ(RunCommand({"report", definition}).out, RunCommand({"report", folder / "r.rec"}).out);
 }
@@ -98,7 +97,7 @@ TEST(ReportCommand, KeepsOtherUnitsAsTheyAre) {
 TEST(ReportCommand, WritesOnePageThatNeedsNothingElse) {
   const TempFolder folder;
   const auto result =
-      RunCommand({"report", kDefinitions + "compensated_cosine.json", "--html", folder / "r.html"});
+      RunCommand({"report", kExamples + "compensated_cosine.json", "--html", folder / "r.html"});
   ASSERT_EQ(result.code, 0) << result.err;
   const std::string html = ReadText(folder / "r.html");
   EXPECT_TRUE(html.starts_with("<!DOCTYPE html>"));
@@ -116,7 +115,7 @@ TEST(ReportCommand, WritesOnePageThatNeedsNothingElse) {
 TEST(ReportCommand, ThePageHasTheSpectrumAndStatesItsHeadingOnce) {
   const TempFolder folder;
   const auto result =
-      RunCommand({"report", kDefinitions + "half_sine_fixed.json", "--html", folder / "r.html"});
+      RunCommand({"report", kExamples + "half_sine_fixed.json", "--html", folder / "r.html"});
   ASSERT_EQ(result.code, 0) << result.err;
   const std::string html = ReadText(folder / "r.html");
   const auto count = [&](const std::string& text) {
@@ -136,7 +135,7 @@ TEST(ReportCommand, ThePageHasTheSpectrumAndStatesItsHeadingOnce) {
 TEST(ReportCommand, ThePageKeepsThePartsOfANumberBelowIt) {
   const TempFolder folder;
   ASSERT_EQ(
-      RunCommand({"report", kDefinitions + "half_sine_fixed.json", "--html", folder / "r.html"})
+      RunCommand({"report", kExamples + "half_sine_fixed.json", "--html", folder / "r.html"})
           .code,
       0);
   const std::string html = ReadText(folder / "r.html");
@@ -149,7 +148,7 @@ TEST(ReportCommand, ThePageKeepsThePartsOfANumberBelowIt) {
 TEST(ReportCommand, ThePageNamesNoPartOfAPictureTwice) {
   const TempFolder folder;
   ASSERT_EQ(
-      RunCommand({"report", kDefinitions + "compensated_cosine.json", "--html", folder / "r.html"})
+      RunCommand({"report", kExamples + "compensated_cosine.json", "--html", folder / "r.html"})
           .code,
       0);
   const std::string html = ReadText(folder / "r.html");
@@ -210,7 +209,7 @@ TEST(ReportCommand, RefusesARecordWithABandShorterThanItsWave) {
 TEST(ReportCommand, RefusesWithNothingWritten) {
   const TempFolder folder;
   EXPECT_EQ(RunCommand({"report", folder / "none.json", "--json", folder / "r.json"}).code, 2);
-  EXPECT_EQ(RunCommand({"report", kDefinitions + "single.json", "--json", folder / "r.json",
+  EXPECT_EQ(RunCommand({"report", kExamples + "single.json", "--json", folder / "r.json",
                         "--html", folder / "no/r.html"})
                 .code,
             2);

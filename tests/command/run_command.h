@@ -11,6 +11,8 @@
 
 namespace qarv::test {
 
+inline const std::string kExamples = QARV_SOURCE_DIR "/examples/definitions/";
+
 struct CommandResult {
   int code;
   std::string out, err;

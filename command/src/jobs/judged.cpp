@@ -40,8 +40,8 @@ std::string VerdictOf(const ShockVerdict& shock) {
   return !shock.judgement ? "no verdict" : shock.Passes() ? "pass" : "fail";
 }
 
-constexpr std::size_t kColumns = 11;
-using TableRow = std::array<std::string, kColumns>;
+constexpr std::size_t kSummaryColumns = 11;
+using TableRow = std::array<std::string, kSummaryColumns>;
 
 /// The table of all shocks: its titles, then a row for each.
 std::vector<TableRow> RowsOf(const wave_def::CWaveDef& def, const JudgedRun& run) {
@@ -141,14 +141,16 @@ std::string TextOf(const wave_def::CWaveDef& def, const JudgedRun& run) {
     return AsText(only->judgement->entries) + StepsText(run.records[0]);
   }
   const std::vector<TableRow> rows = RowsOf(def, run);
-  std::array<std::size_t, kColumns> widths{};
+  std::array<std::size_t, kSummaryColumns> widths{};
   for (const TableRow& row : rows) {
-    for (std::size_t i = 0; i < kColumns; ++i) widths[i] = std::max(widths[i], row[i].size());
+    for (std::size_t i = 0; i < kSummaryColumns; ++i)
+      widths[i] = std::max(widths[i], row[i].size());
   }
   std::string text;
   for (const TableRow& row : rows) {
     std::string line;
-    for (std::size_t i = 0; i < kColumns; ++i) line += fmt::format("{:<{}}  ", row[i], widths[i]);
+    for (std::size_t i = 0; i < kSummaryColumns; ++i)
+      line += fmt::format("{:<{}}  ", row[i], widths[i]);
     text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
   }
   for (const std::string& reason : ReasonsOf(run)) text += reason + "\n";
