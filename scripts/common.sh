@@ -10,7 +10,9 @@ build_packages=(cmake g++ ninja-build pkg-config libcli11-dev nlohmann-json3-dev
   libsndfile1-dev libmatio-dev gnuplot-nox fonts-dejavu-core)
 test_packages=(clang clang-format libclang-rt-14-dev binutils git googletest libgtest-dev
   libgmock-dev libfftw3-dev python3 python3-numpy python3-jsonschema chromium chromium-driver python3-selenium
-  groff-base abigail-tools doxygen libmpfr-dev libgmp-dev g++-mingw-w64-x86-64 g++-aarch64-linux-gnu g++-i686-linux-gnu)
+  groff-base abigail-tools doxygen libmpfr-dev libgmp-dev g++-aarch64-linux-gnu g++-i686-linux-gnu)
+# What is made for Windows.
+windows_packages=(g++-mingw-w64-x86-64 gcc-mingw-w64-x86-64)
 # What scripts/test --all runs programs for other machines with, and makes those for node with.
 all_packages=(qemu-user wine64 wine emscripten nodejs)
 # And the Debian packages are made and tried with these.
