@@ -5,14 +5,14 @@
 
 #include <algorithm>
 #include <array>
-#include <nlohmann/json.hpp>
 
 #include "assess/motion.h"
 #include "common/unit/unit_ctrl.h"
+#include "json_input.h"
 
 namespace qarv::assess {
 
-using Json = nlohmann::ordered_json;
+using definition::Json;
 using synthesis::RequirementFault;
 
 namespace {
@@ -22,16 +22,7 @@ constexpr std::array kKeys{"Name",      "About",       "UnitAmpl",       "Q",   
                            "Te",        "TE",          "DurationTol",    "Fsamp",    "Nsamp",
                            "MaxAccel",  "MaxVelocity", "MaxDisplacement"};
 
-Json Parsed(std::string_view text) {
-  try {
-    return Json::parse(text);
-  } catch (const Json::exception& e) {
-    throw Error("", fmt::format("is no JSON: {}", e.what()));
-  }
-}
-
 void RequireKnownKeys(const Json& json) {
-  if (!json.is_object()) throw Error("", "is not an object");
   for (const auto& item : json.items()) {
     const auto isIt = [&](const char* key) { return item.key() == key; };
     if (std::none_of(kKeys.begin(), kKeys.end(), isIt)) throw Error(item.key(), "unknown key");
@@ -135,10 +126,7 @@ synthesis::MotionLimits LimitsOf(const Json& json, const std::string& unit) {
   return {AmountAt(json, "MaxAccel"), velocity / units.velocity, displacement / units.displacement};
 }
 
-}  // namespace
-
-Requirement RequirementFromJson(std::string_view text) {
-  const Json json = Parsed(text);
+Requirement ReadRequirement(const Json& json) {
   RequireKnownKeys(json);
   Requirement out;
   TextAt(json, "About", "");
@@ -160,6 +148,12 @@ Requirement RequirementFromJson(std::string_view text) {
   const RequirementFault fault = synthesis::FaultOf(spectrum);
   if (fault.what != RequirementFault::What::None) Fail(fault);
   return out;
+}
+
+}  // namespace
+
+Requirement RequirementFromJson(std::string_view text) {
+  return ReadObject(text, [](const Json& json) { return ReadRequirement(json); });
 }
 
 }  // namespace qarv::assess

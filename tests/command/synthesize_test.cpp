@@ -117,7 +117,7 @@ TEST(SynthesizeCommand, RefusesWhatIsNoRequirementWithItsKey) {
     const char *text, *says;
   };
   const Case cases[] = {
-      {"[", "is no JSON"},
+      {"[", "not JSON: "},
       {"[]", "is not an object"},
       {"{}", "Points: missing"},
       {R"({"Points": 1})", "Points: is not a list"},
@@ -128,6 +128,7 @@ TEST(SynthesizeCommand, RefusesWhatIsNoRequirementWithItsKey) {
       {R"({"Points": [[1, 0], [2, 1]]})", "Points[0]: its level"},
       {R"({"Points": [[1, 1, 3, 6], [2, 1]]})", "Points[0]: its tolerance"},
       {R"({"Points": [[1, 1], [2, 1]], "Qq": 1})", "Qq: unknown key"},
+      {R"({"Points": [[1, 1], [2, 1]], "Q": 5, "Q": 10})", "Q: stands twice"},
       {R"({"Points": [[1, 1], [2, 1]], "Q": 0})", "Q: is not above 0"},
       {R"({"Points": [[1, 1], [2, 1]], "Q": 10, "Damping": 0.05})", "Damping: stands beside Q"},
       {R"({"Points": [[1, 1], [2, 1]], "Damping": 0.9})", "Damping: is not within"},

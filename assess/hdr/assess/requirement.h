@@ -35,7 +35,7 @@ struct Requirement {
 ///   MaxVelocity                [m/s]
 ///   MaxDisplacement            [mm] to one side
 ///
-/// @throws Error, with the key, where it is not one
+/// @throws Error, with key and line, where it is not one, or has a key twice
 Requirement RequirementFromJson(std::string_view text);
 
 }  // namespace qarv::assess
