@@ -311,9 +311,9 @@ MachineComparison CompareWithMachine(const CWaveDef& def, const Machine& machine
          limits.stroke, units.displacementUnit);
   if (limits.stroke) {
     const Reach reach = ReachOf(def);
-    add("machine_up", "displacement up from the start", reach.up, limits.up, *limits.stroke,
+    add("machine_up", "up from the start", reach.up, limits.up, *limits.stroke,
         units.displacementUnit);
-    add("machine_down", "displacement down from the start", reach.down, limits.down, *limits.stroke,
+    add("machine_down", "down from the start", reach.down, limits.down, *limits.stroke,
         units.displacementUnit);
   }
   addOwn("machine_jerk", "jerk", JerkOf(wave, fsamp), limits.jerk, unit + "/s");

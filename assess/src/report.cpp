@@ -110,7 +110,7 @@ void AddClassical(const CWaveDef& def, const Scale& scale, Entries* out) {
 
 }  // namespace
 
-Entries ReportOf(const CWaveDef& def) {
+Entries ReportOf(const CWaveDef& def, const std::optional<Machine>& machine) {
   const Scale scale = ScaleOf(def);
   Entries entries;
   AddWave(def, scale, &entries);
@@ -118,6 +118,9 @@ Entries ReportOf(const CWaveDef& def) {
   AddMotion(def, scale, &entries);
   const Entries transient = TransientEntries(SpanOf(def.GetWave()), scale.fsamp, scale.unit);
   entries.insert(entries.end(), transient.begin(), transient.end());
+  if (!machine) return entries;
+  const Entries compared = MachineEntries(CompareWithMachine(def, *machine));
+  entries.insert(entries.end(), compared.begin(), compared.end());
   return entries;
 }
 

@@ -328,5 +328,33 @@ TEST_F(Check, InputThatIsNoDefinitionIsOneLineAndExitTwo) {
   EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1);
 }
 
+TEST_F(Check, WarnsOfEachLimitOfAMachineThatIsPassed) {
+  const std::string shock = kExamples + "compensated_cosine.json";
+  const auto check = [&](const std::string& machine) {
+    WriteText(folder / "m.json", machine);
+    return RunCommand({"check", shock, "--machine", folder / "m.json"});
+  };
+  const auto passed = check(R"({"Name": "V-9", "MaxAccel": 40, "MaxVelocity": 1, "Stroke": 900})");
+  EXPECT_EQ(passed.code, 3);
+  EXPECT_EQ(passed.out.find("warning: acceleration: "), 0U) << passed.out;
+  EXPECT_NE(passed.out.find("and the machine V-9 has at most 40 g (margin -25 %)\n"
+                            "warning: velocity: "),
+            std::string::npos)
+      << passed.out;
+  EXPECT_EQ(std::count(passed.out.begin(), passed.out.end(), '\n'), 2) << passed.out;
+  const auto fits = check(R"({"MaxAccel": 60, "MaxVelocity": 9, "Stroke": 900})");
+  EXPECT_EQ(fits.code, 0);
+  EXPECT_EQ(fits.out, "clean\n");
+}
+
+TEST_F(Check, OfARefusedDefinitionSaysNothingOfTheMachine) {
+  WriteText(folder / "m.json", R"({"MaxAccel": 40})");
+  WriteText(folder / "def.json", R"({"Fsamp": 0, "UnitAmpl": "g", "Single": {"Period": 0.1,
+      "PeakLevel": 100, "Nsamp": 0}})");
+  const auto result = RunCommand({"check", folder / "def.json", "--machine", folder / "m.json"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.out.find("machine"), std::string::npos) << result.out;
+}
+
 }  // namespace
 }  // namespace qarv::test

@@ -1,6 +1,7 @@
 // qarv-wave report: its numbers, its files, and what it refuses.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -11,7 +12,6 @@
 
 namespace qarv::test {
 namespace {
-
 
 nlohmann::json ReportOf(const std::string& input, const TempFolder& folder) {
   const auto result = RunCommand({"report", input, "--json", folder / "r.json"});
@@ -30,7 +30,7 @@ TEST(ReportCommand, HasTheVelocityChangeOfEveryShape) {
   const double pi = std::acos(-1.0);
   const std::pair<const char*, double> shapes[] = {
       {"half_sine_fixed", 2 / pi}, {"haversine_fixed", 0.5}, {"sawtooth_fixed", 0.5},
-      {"triangle_user", 0.5},       {"trapezoid_fixed", 0.9}, {"trapezoid_standard", 0.825},
+      {"triangle_user", 0.5},      {"trapezoid_fixed", 0.9}, {"trapezoid_standard", 0.825},
       {"user_trapezoid_user", 0.7}};
   const TempFolder folder;
   for (const auto& [name, share] : shapes) {
@@ -135,8 +135,7 @@ TEST(ReportCommand, ThePageHasTheSpectrumAndStatesItsHeadingOnce) {
 TEST(ReportCommand, ThePageKeepsThePartsOfANumberBelowIt) {
   const TempFolder folder;
   ASSERT_EQ(
-      RunCommand({"report", kExamples + "half_sine_fixed.json", "--html", folder / "r.html"})
-          .code,
+      RunCommand({"report", kExamples + "half_sine_fixed.json", "--html", folder / "r.html"}).code,
       0);
   const std::string html = ReadText(folder / "r.html");
   for (const char* const text : {"<th class=\"part\">at</th>", "<th class=\"part\">nominal</th>",
@@ -209,13 +208,92 @@ TEST(ReportCommand, RefusesARecordWithABandShorterThanItsWave) {
 TEST(ReportCommand, RefusesWithNothingWritten) {
   const TempFolder folder;
   EXPECT_EQ(RunCommand({"report", folder / "none.json", "--json", folder / "r.json"}).code, 2);
-  EXPECT_EQ(RunCommand({"report", kExamples + "single.json", "--json", folder / "r.json",
-                        "--html", folder / "no/r.html"})
+  EXPECT_EQ(RunCommand({"report", kExamples + "single.json", "--json", folder / "r.json", "--html",
+                        folder / "no/r.html"})
                 .code,
             2);
   WriteText(folder / "m.csv", "1\n");
   EXPECT_EQ(RunCommand({"report", folder / "m.csv"}).code, 2);
   EXPECT_EQ(folder.List(), std::vector<std::string>{"m.csv"});
+}
+
+// ---- A machine beside it -----------------------------------------------------------------------
+
+/// The half-sine of the examples, 50 g and 11 ms, compensated.
+const std::string kCompensated = kExamples + "compensated_cosine.json";
+
+TEST(ReportCommand, PutsTheLimitsOfAMachineBesideItsNumbers) {
+  const TempFolder folder;
+  WriteText(
+      folder / "m.json",
+      R"({"Name": "V-9", "MaxAccel": 100, "MaxVelocity": "1 m/s", "Stroke": 200, "MaxJerk": 1e6})");
+  const auto result = RunCommand(
+      {"report", kCompensated, "--machine", folder / "m.json", "--json", folder / "r.json"});
+  ASSERT_EQ(result.code, 0) << result.err;
+  const auto report = nlohmann::json::parse(ReadText(folder / "r.json"));
+  EXPECT_EQ(report.at("machine").at("value"), "V-9");
+  EXPECT_EQ(Value(report, "machine_acceleration"), std::fabs(Value(report, "peak")));
+  EXPECT_NEAR(Value(report, "machine_acceleration_limit"), 100.0, 1e-12);
+  EXPECT_NEAR(Value(report, "machine_acceleration_margin"), 50.0, 1e-9);
+  EXPECT_EQ(Value(report, "machine_velocity"), Value(report, "peak_velocity"));
+  EXPECT_NEAR(Value(report, "machine_velocity_margin"),
+              100.0 - 100.0 * Value(report, "peak_velocity"), 1e-9);
+  EXPECT_EQ(report.at("machine_velocity_margin").at("unit"), "% of the limit");
+  EXPECT_NEAR(Value(report, "machine_up") + Value(report, "machine_down"),
+              Value(report, "peak_to_peak_displacement"), 1e-9);
+  EXPECT_EQ(Value(report, "machine_up_limit"), 100.0);
+  EXPECT_GT(Value(report, "machine_jerk"), 0.0);
+  EXPECT_FALSE(report.contains("machine_lowest_frequency")) << "a pulse has none";
+  EXPECT_EQ(report.at("machine_fits").at("value"), "no") << "it is faster";
+  for (const char* const line :
+       {"machine: velocity ", "  limit  ", "  margin  ", "fits the machine", "V-9"}) {
+    EXPECT_NE(result.out.find(line), std::string::npos) << line;
+  }
+}
+
+TEST(ReportCommand, ThePageDrawsTheLimitsOfTheMachine) {
+  const TempFolder folder;
+  const auto page = [&](const std::string& machine) {
+    WriteText(folder / "m.json", machine);
+    const auto result = RunCommand(
+        {"report", kCompensated, "--machine", folder / "m.json", "--html", folder / "r.html"});
+    EXPECT_EQ(result.code, 0) << result.err;
+    return ReadText(folder / "r.html");
+  };
+  const auto lines = [](const std::string& html) {
+    std::size_t n = 0;
+    const std::string colour = "125,  60, 152";
+    for (auto i = html.find(colour); i != std::string::npos; i = html.find(colour, i + 1)) ++n;
+    return n;
+  };
+  const std::string all = page(R"({"MaxAccel": 60, "MaxVelocity": 2, "Stroke": 100})");
+  EXPECT_NE(all.find("limit of the machine"), std::string::npos);
+  EXPECT_NE(all.find("machine: acceleration"), std::string::npos);
+  const std::string one = page(R"({"MaxVelocity": 2})");
+  EXPECT_GT(lines(one), 0U);
+  EXPECT_GT(lines(all), lines(one));
+  EXPECT_EQ(lines(page(R"({"LowestFrequency": 2})")), 0U);
+}
+
+TEST(ReportCommand, RefusesWhatIsNoMachine) {
+  const TempFolder folder;
+  const auto expect = [&](const std::string& input, const std::string& machine,
+                          const std::string& says) {
+    WriteText(folder / "m.json", machine);
+    for (const char* const job : {"report", "check"}) {
+      const auto result = RunCommand({job, input, "--machine", folder / "m.json"});
+      EXPECT_EQ(result.code, 2) << machine;
+      EXPECT_NE(result.err.find(says), std::string::npos) << result.err;
+      EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+    }
+  };
+  expect(kCompensated, R"({"MaxForce": 5})", "m.json: MaxForce: needs MovingMass");
+  expect(kCompensated, "", "m.json: not JSON");
+  WriteText(
+      folder / "v.json",
+      R"({"Fsamp": 100, "UnitAmpl": "V", "Single": {"Period": 1, "PeakLevel": 2, "Nsamp": 100}})");
+  expect(folder / "v.json", R"({"MaxAccel": 5})", "--machine: its limits are for accelerations");
+  EXPECT_EQ(RunCommand({"report", kCompensated, "--machine", folder / "none.json"}).code, 2);
 }
 
 }  // namespace

@@ -65,6 +65,12 @@ CLI::Option* AddFile(CLI::App* command, const char* name, std::string* value,
   return Add(command, name, value, type, description)->transform(NameOf(stream, type));
 }
 
+/// A file that an option names and that is read.
+CLI::Option* AddInput(CLI::App* command, const char* name, std::string* value,
+                      const char* description) {
+  return Add(command, name, value, kFile, description)->transform(NameOf(kStandardInput, kFile));
+}
+
 void AddFsamp(CLI::App* command, std::optional<double>* fsamp) {
   Add(command, "--fsamp", fsamp, kHertz, "sampling frequency of samples without a time column");
 }
@@ -171,6 +177,8 @@ void CommandLine::AddCheck() {
   auto* const command =
       app.add_subcommand("check", "Say what is wrong with a definition, and what would work");
   AddFile(command, "DEF", &check.definition, "JSON definition, - for standard input")->required();
+  AddInput(command, "--machine", &check.machine,
+           "machine (.json): a warning for each limit that is passed");
   command->callback([this] { job = [this] { return Check(check); }; });
   SetShockExample(command, "  qarv-wave check shock.json");
 }
@@ -180,6 +188,8 @@ void CommandLine::AddReport() {
       "report", "Report what a waveform asks of the shaker and how it lies in its bands");
   AddFile(command, "INPUT", &report.input, "definition (.json) or record, - for standard input")
       ->required();
+  AddInput(command, "--machine", &report.machine,
+           "machine (.json): its limits and the margins to them");
   AddFile(command, "--json", &report.json, "write the numbers as JSON");
   AddFile(command, "--html", &report.html, "write one page with plots, spectrum and numbers");
   command->callback([this] { job = Job(Report, report); });
@@ -254,8 +264,8 @@ void CommandLine::AddSrs() {
       command->add_flag("--tripartite", srs.tripartite,
                         "pseudo velocity, with lines of displacement and acceleration in the plot");
   auto* const requirement =
-      AddFile(command, "--requirement", &srs.requirement,
-              "required spectrum (.json), with its damping and lines: the verdict");
+      AddInput(command, "--requirement", &srs.requirement,
+               "required spectrum (.json), with its damping and lines: the verdict");
   for (CLI::Option* option : {response, q, damping, from, to, perOctave, points, tripartite}) {
     requirement->excludes(option);
   }

@@ -132,7 +132,7 @@ bool WriteFilesOf(CWaveDef& def, const std::string& name, const std::string& fol
     PlotSpectrum(*spectrum, name + ": " + TitleOf(def), Axes::Plain, PlotFormat::Png,
                  files->Reserve(target(kSuffix.spectrum)));
   }
-  WriteReportPage(def, spectrum, name, target(kSuffix.report), files);
+  WriteReportPage(def, spectrum, {}, name, target(kSuffix.report), files);
   return spectrum.has_value();
 }
 

@@ -3,11 +3,14 @@
 
 #include <fmt/format.h>
 
-#include <cstdio>
+#include <optional>
 
+#include "assess/machine.h"
+#include "assessment.h"
 #include "definition/check.h"
 #include "files/definition_file.h"
 #include "files/output_files.h"
+#include "files/requirement_file.h"
 #include "text/text.h"
 
 namespace qarv::command {
@@ -21,7 +24,17 @@ using text::OneLine;
 
 ExitCode Check(const CheckOptions& options) {
   const Definition definition = ReadDefinition(options.definition);
-  const Findings findings = definition::Check(definition);
+  const std::optional<assess::Machine> machine = LoadMachine(options.machine);
+  wave_def::CWaveDef def;
+  Findings findings = definition::Check(definition, &def);
+  if (machine && !HasFailure(findings)) {
+    const auto passed = Assessed(options.definition, [&] {
+      return assess::MachineWarnings(assess::CompareWithMachine(def, *machine));
+    });
+    for (const std::string& text : passed) {
+      findings.push_back({definition::Severity::Warns, text, {}});
+    }
+  }
   std::string text;
   for (const Finding& finding : findings) {
     text += fmt::format("{}: {}\n",

@@ -9,6 +9,7 @@ namespace qarv::command {
 
 struct CheckOptions {
   std::string definition;
+  std::string machine;  // whose limits the waveform has to keep; empty for none
 };
 
 /// Prints every broken rule of a definition.

@@ -6,9 +6,11 @@
 #include <filesystem>
 
 #include "assess/report.h"
+#include "assessment.h"
 #include "files/definition_file.h"
 #include "files/input_wave.h"
 #include "files/output_files.h"
+#include "files/requirement_file.h"
 #include "jobs/srs.h"
 #include "pages/report_page.h"
 
@@ -17,12 +19,14 @@ namespace qarv::command {
 void Report(const ReportOptions& options) {
   const wave_def::CWaveDef def = LoadDefinitionOrRecord(options.input);
   RequireBands(def, options.input);
-  const assess::Entries entries = assess::ReportOf(def);
+  const std::optional<assess::Machine> machine = LoadMachine(options.machine);
+  const assess::Entries entries =
+      Assessed(options.input, [&] { return assess::ReportOf(def, machine); });
   OutputFiles files;
   if (!options.json.empty()) WriteFile(files.Reserve(options.json), AsJson(entries));
   if (!options.html.empty()) {
     const std::string name = std::filesystem::path(options.input).stem().string();
-    WriteReportPage(def, SpectrumOf(def, name), name, options.html, &files);
+    WriteReportPage(def, SpectrumOf(def, name), machine, name, options.html, &files);
   }
   files.Commit(AsText(entries));
 }

@@ -7,6 +7,7 @@ namespace qarv::command {
 
 struct ReportOptions {
   std::string input;       // definition (.json) or record
+  std::string machine;     // whose limits are compared; empty for none
   std::string json, html;  // files to write; empty for none
 };
 

@@ -18,11 +18,12 @@ using definition::TitleOf;
 using wave_def::CWaveDef;
 
 void WriteReportPage(const CWaveDef& def, const std::optional<Spectrum>& spectrum,
-                     const std::string& name, const std::string& target, OutputFiles* files) {
+                     const std::optional<assess::Machine>& machine, const std::string& name,
+                     const std::string& target, OutputFiles* files) {
   const std::string page = files->Reserve(target);
   std::string body = "<h2>Waveform and motion</h2>\n";
   body += Figure(target, files, [&](const std::string& file) {
-    PlotWave(def, "", Motion::Shown, PlotFormat::Svg, file);
+    PlotWave(def, "", Motion::Shown, PlotFormat::Svg, file, machine);
   });
   if (spectrum) {
     body += fmt::format("<h2>{}</h2>\n", HtmlText(SpectrumTitle(*spectrum)));
@@ -30,7 +31,7 @@ void WriteReportPage(const CWaveDef& def, const std::optional<Spectrum>& spectru
       PlotSpectrum(*spectrum, "", Axes::Plain, PlotFormat::Svg, file);
     });
   }
-  body += "<h2>Numbers</h2>\n" + Table(ReportOf(def));
+  body += "<h2>Numbers</h2>\n" + Table(ReportOf(def, machine));
   WriteFile(page, HtmlPage(name + ": " + TitleOf(def), body));
 }
 

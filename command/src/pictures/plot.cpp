@@ -67,7 +67,10 @@ const char* StyleOf(Role role) {
   return "lines linecolor rgb \"#1f4e9c\" linewidth 2";
 }
 
-/// The range of the vertical axis: all that is finite, and some air.
+constexpr const char* kLimitStyle = "lines linecolor rgb \"#7d3c98\" dashtype (3,4) linewidth 1.5";
+
+/// The range of the vertical axis: all that is finite, and some air.  A limit that is over three
+/// times as far away as the curves stays out of the picture.
 Range AxisOf(const View& view) {
   Range range;
   for (const Curve& curve : view.panel->curves) {
@@ -75,6 +78,11 @@ Range AxisOf(const View& view) {
     for (std::size_t i = view.stretch.first; i < end; ++i) range.Add((*curve.samples)[i]);
   }
   if (range.low > range.high) return {-1.0, 1.0};
+  constexpr double kFar = 3.0;
+  const double largest = std::max(std::fabs(range.high), std::fabs(range.low));
+  for (const double limit : view.panel->limits) {
+    if (std::fabs(limit) <= kFar * largest) range.Add(limit);
+  }
   const double air = (range.high / 20 - range.low / 20);
   const double least = std::max(std::fabs(range.high), std::fabs(range.low)) / 10;
   const double margin = std::max({air, air > 0.0 ? 0.0 : least, 1e-300});
@@ -186,6 +194,8 @@ std::string Script(const Picture& picture, PlotFormat format, const std::string&
     }
   }
   const auto edge = [&](std::size_t i) { return static_cast<double>(i) * step; };
+  const bool hasLimits = std::any_of(picture.panels.begin(), picture.panels.end(),
+                                     [](const Panel& panel) { return !panel.limits.empty(); });
   fmt::format_to(out, "set multiplot\n");
   for (const View& view : layout.views) {
     const bool first = &view == &layout.views.front();
@@ -215,9 +225,35 @@ std::string Script(const Picture& picture, PlotFormat format, const std::string&
                      &curve == &view.panel->curves.front() ? "" : ",", name(view, curve),
                      StyleOf(curve.role), Quoted(curve.label));
     }
+    for (const double limit : view.panel->limits) {
+      fmt::format_to(out, ", {} with {} notitle", limit, kLimitStyle);
+    }
+    // The legend is that of the first panel, whichever has limits.
+    if (first && hasLimits) {
+      fmt::format_to(out, ", NaN with {} title \"limit of the machine\"", kLimitStyle);
+    }
     fmt::format_to(out, "\n");
   }
   return fmt::to_string(script);
+}
+
+/// The lines that a machine's limits are in the three panels.
+struct LimitLines {
+  std::vector<double> acceleration, velocity, displacement;
+};
+
+LimitLines LinesOf(const std::optional<assess::Machine>& machine, const CWaveDef& def) {
+  LimitLines out;
+  if (!machine) return out;
+  const assess::MachineLimits limits = assess::LimitsOf(*machine, def.GetUnitAmpl().GetText());
+  const auto add = [](const std::optional<double>& up, const std::optional<double>& down,
+                      std::vector<double>* lines) {
+    if (up && down) *lines = {*up, -*down};
+  };
+  add(limits.acceleration, limits.acceleration, &out.acceleration);
+  add(limits.velocity, limits.velocity, &out.velocity);
+  add(limits.up, limits.down, &out.displacement);
+  return out;
 }
 
 }  // namespace
@@ -251,20 +287,23 @@ void PlotDefinition(const CWaveDef& def, const std::string& name, PlotFormat for
 }
 
 void PlotWave(const CWaveDef& def, const std::string& title, Motion motion, PlotFormat format,
-              const std::string& file) {
+              const std::string& file, const std::optional<assess::Machine>& machine) {
+  const LimitLines limits = LinesOf(machine, def);
   Picture picture{title,
                   SampleRateOf(def),
                   ZoomOf(def),
                   {{AmplitudeLabel(def),
                     {{"upper band", Role::Upper, &def.GetTolU()},
                      {"waveform", Role::Wave, &def.GetWave()},
-                     {"lower band", Role::Lower, &def.GetTolL()}}}}};
+                     {"lower band", Role::Lower, &def.GetTolL()}},
+                    limits.acceleration}}};
   const Kinematics k = motion == Motion::Shown ? KinematicsOf(def) : Kinematics{};
   if (motion == Motion::Shown) {
     picture.panels.push_back(
-        {"Velocity [" + k.velocityUnit + "]", {{"", Role::Wave, &k.velocity}}});
-    picture.panels.push_back(
-        {"Displacement [" + k.displacementUnit + "]", {{"", Role::Wave, &k.displacement}}});
+        {"Velocity [" + k.velocityUnit + "]", {{"", Role::Wave, &k.velocity}}, limits.velocity});
+    picture.panels.push_back({"Displacement [" + k.displacementUnit + "]",
+                              {{"", Role::Wave, &k.displacement}},
+                              limits.displacement});
   }
   Plot(picture, format, file);
 }

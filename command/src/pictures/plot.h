@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "assess/machine.h"
 #include "common/data_array/data_array_float_t.h"
 #include "pictures/gnuplot.h"
 #include "wave_def/wave_def.h"
@@ -25,6 +26,7 @@ struct Curve {
 struct Panel {
   std::string label;  // of the axis
   std::vector<Curve> curves;
+  std::vector<double> limits = {};  // levels that the curves have to keep within
 };
 
 /// A stretch of samples, both ends included.
@@ -61,8 +63,11 @@ void PlotDefinition(const wave_def::CWaveDef& def, const std::string& name, Plot
                     const std::string& file);
 
 /// Plots the waveform, its bands dashed, over time.
+/// @param[in] machine  if there is one: its limits as lines.  The axes reach to a limit unless the
+///                     curves would become small for it
 /// Ends the command where gnuplot is missing or does not succeed.
 void PlotWave(const wave_def::CWaveDef& def, const std::string& title, Motion motion,
-              PlotFormat format, const std::string& file);
+              PlotFormat format, const std::string& file,
+              const std::optional<assess::Machine>& machine = {});
 
 }  // namespace qarv::command
