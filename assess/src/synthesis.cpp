@@ -4,9 +4,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <utility>
 
 #include "assess/motion.h"
+#include "com_def/com_def_const.h"
 
 namespace qarv::assess {
 
@@ -19,16 +22,74 @@ using synthesis::SrsSettings;
 
 namespace {
 
-const char* NameOf(synthesis::SrsShape shape) {
-  switch (shape) {
-    case synthesis::SrsShape::Sweep:
-      return "sweep";
-    case synthesis::SrsShape::Random:
-      return "random";
-    case synthesis::SrsShape::Shock:
-      break;
+template <class E>
+using Names = std::array<std::pair<const char*, E>, 3>;
+
+constexpr Names<com_def::comdefconst::SYNC_WAVE_TYPE> kMethods{{
+    {"wavelet", com_def::comdefconst::SYNC_WAVE_WAVELET},
+    {"damped", com_def::comdefconst::SYNC_WAVE_DAMPED_SINE},
+    {"modified", com_def::comdefconst::SYNC_WAVE_DAMPED_SINE_MODIFIED},
+}};
+constexpr Names<synthesis::SrsShape> kShapes{{
+    {"shock", synthesis::SrsShape::Shock},
+    {"sweep", synthesis::SrsShape::Sweep},
+    {"random", synthesis::SrsShape::Random},
+}};
+constexpr Names<synthesis::SrsAim> kAims{{
+    {"displacement", synthesis::SrsAim::LeastDisplacement},
+    {"velocity", synthesis::SrsAim::LeastVelocity},
+    {"acceleration", synthesis::SrsAim::LeastAcceleration},
+}};
+
+template <class E>
+std::string NamesOf(const Names<E>& names, const std::string& separator) {
+  std::string out;
+  for (const auto& [name, value] : names) out += (out.empty() ? "" : separator) + name;
+  return out;
+}
+
+template <class E>
+E ValueOf(const Names<E>& names, const char* key, const std::string& text) {
+  for (const auto& [name, value] : names) {
+    if (text == name) return value;
   }
-  return "shock";
+  throw Error(key, "is none of " + NamesOf(names, ", "));
+}
+
+const char* NameOf(synthesis::SrsShape shape) {
+  for (const auto& [name, value] : kShapes) {
+    if (value == shape) return name;
+  }
+  return "";
+}
+
+/// The tighter one of a limit, 0 for none, and another.
+double Tighter(double limit, const std::optional<double>& other) {
+  if (!other) return limit;
+  return limit == 0.0 ? *other : std::min(limit, *other);
+}
+
+synthesis::MotionLimits Joined(const Requirement& requirement, const Machine& machine) {
+  const MachineLimits m = LimitsOf(machine, requirement.unit);
+  const MotionUnits units = MotionUnitsOf(requirement.unit);
+  const auto in = [](const std::optional<double>& limit, double unit) {
+    return limit ? std::optional(*limit / unit) : limit;
+  };
+  std::optional<double> way;  // to one side: a waveform goes to both
+  if (m.up && m.down) way = std::min(*m.up, *m.down);
+  if (way == 0.0) {
+    throw Error("machine",
+                "its StartPosition leaves no way to one side, and the waveform needs both");
+  }
+  return {Tighter(requirement.limits.acceleration, m.acceleration),
+          Tighter(requirement.limits.velocity, in(m.velocity, units.velocity)),
+          Tighter(requirement.limits.displacement, in(way, units.displacement))};
+}
+
+/// Whether there is no waveform because of what was asked, rather than of what can be reached.
+bool IsBadInput(SrsFailure failure) {
+  return failure == SrsFailure::BadRequirement || failure == SrsFailure::RecordTooShort ||
+         failure == SrsFailure::SamplingTooLow;
 }
 
 void AddDeviation(const std::string& key, const std::string& label, const SrsDeviation& d,
@@ -60,17 +121,21 @@ struct Quantity {
   const char* key;  // of its limit
   double factor;
   std::string unit;
+  double synthesis::MotionLimits::*limit = nullptr;  // of a limited one
 };
 
 Quantity QuantityOf(const Requirement& requirement, SrsQuantity quantity) {
   const MotionUnits units = MotionUnitsOf(requirement.unit);
   switch (quantity) {
     case SrsQuantity::Acceleration:
-      return {"acceleration", "MaxAccel", 1.0, requirement.unit};
+      return {"acceleration", "MaxAccel", 1.0, requirement.unit,
+              &synthesis::MotionLimits::acceleration};
     case SrsQuantity::Velocity:
-      return {"velocity", "MaxVelocity", units.velocity, units.velocityUnit};
+      return {"velocity", "MaxVelocity", units.velocity, units.velocityUnit,
+              &synthesis::MotionLimits::velocity};
     case SrsQuantity::Displacement:
-      return {"displacement", "MaxDisplacement", units.displacement, units.displacementUnit};
+      return {"displacement", "MaxDisplacement", units.displacement, units.displacementUnit,
+              &synthesis::MotionLimits::displacement};
     case SrsQuantity::Te:
       return {"Te", "Te", 1.0, "s"};
     case SrsQuantity::TE:
@@ -79,6 +144,11 @@ Quantity QuantityOf(const Requirement& requirement, SrsQuantity quantity) {
       break;
   }
   return {"", "", 1.0, ""};
+}
+
+/// Whether a limit is tighter than the requirement's own.
+bool IsOfMachine(const Quantity& q, const Requirement& requirement, const SrsSettings& settings) {
+  return q.limit != nullptr && settings.limits.*q.limit != requirement.limits.*q.limit;
 }
 
 double EndVelocity(const SrsResult& result) {
@@ -101,12 +171,58 @@ bool StartTogether(const SrsResult& result) {
 
 }  // namespace
 
-SrsSettings SettingsFor(const Requirement& requirement) {
+std::string SynthesisShapes(const std::string& separator) { return NamesOf(kShapes, separator); }
+std::string SynthesisMethods(const std::string& separator) { return NamesOf(kMethods, separator); }
+std::string SynthesisAims(const std::string& separator) { return NamesOf(kAims, separator); }
+
+SrsSettings SettingsFor(const Requirement& requirement, const SynthesisRequest& request,
+                        const std::optional<Machine>& machine) {
   SrsSettings settings;
   settings.fsamp = requirement.fsamp;
   settings.nsamp = requirement.nsamp;
-  settings.limits = requirement.limits;
+  settings.limits = machine ? Joined(requirement, *machine) : requirement.limits;
+  settings.method = ValueOf(kMethods, "method", request.method);
+  settings.shape = ValueOf(kShapes, "shape", request.shape);
+  if (!request.minimize.empty()) settings.aim = ValueOf(kAims, "minimize", request.minimize);
+  if (!(request.within >= 0.0 && std::isfinite(request.within))) {
+    throw Error("within", "is not 0 or above");
+  }
+  settings.within = request.within;
+  settings.seed = request.seed;
+  settings.quick = request.quick;
   return settings;
+}
+
+Synthesis Synthesize(const Requirement& requirement, const SynthesisRequest& request,
+                     const std::optional<Machine>& machine,
+                     const std::function<bool(double)>& progress) {
+  Synthesis out;
+  out.settings = SettingsFor(requirement, request, machine);
+  out.settings.progress = progress;
+  out.result = synthesis::SynthesizeSrs(requirement.spectrum, out.settings);
+  out.settings.progress = {};  // it may not outlive the call
+  out.failure = FailureText(requirement, out.settings, out.result);
+  if (IsBadInput(out.result.failure)) throw Error("", out.failure);
+  if (out.IsCancelled()) return out;
+  out.definition = DefinitionOf(requirement, out.result);
+  out.wave = definition::Generate(out.definition);
+  out.warnings = SynthesisWarnings(requirement, out.settings, out.result);
+  out.entries = SynthesisEntries(requirement, out.settings, out.result);
+  if (machine) {
+    const MachineComparison comparison = CompareWithMachine(out.wave, *machine);
+    const Entries beside = MachineEntries(comparison);
+    out.entries.insert(out.entries.end(), beside.begin(), beside.end());
+    const std::vector<std::string> passed = MachineWarnings(comparison);
+    out.warnings.insert(out.warnings.end(), passed.begin(), passed.end());
+  }
+  if (!out.failure.empty()) out.warnings.insert(out.warnings.begin(), out.failure);
+  return out;
+}
+
+std::string SynthesisJson(const Synthesis& synthesis) {
+  Entries entries = synthesis.entries;
+  entries.push_back({"warnings", "warnings", synthesis.warnings, ""});
+  return AsJson(entries);
 }
 
 definition::Definition DefinitionOf(const Requirement& requirement, const SrsResult& result) {
@@ -198,8 +314,10 @@ std::string FailureText(const Requirement& requirement, const SrsSettings& setti
       return fmt::format("{}: {:.4g} s is the nearest that was found to {:.4g} s", q.name, r.value,
                          r.bound);
     case SrsFailure::LimitsNotMet:
-      return fmt::format("{}: {:.4g} {} is the least {} that was found; the limit is {:.4g} {}",
-                         q.key, r.value * q.factor, q.unit, q.name, r.bound * q.factor, q.unit);
+      return fmt::format("{}: {:.4g} {} is the least {} that was found; the {}limit is {:.4g} {}",
+                         q.key, r.value * q.factor, q.unit, q.name,
+                         IsOfMachine(q, requirement, settings) ? "machine's " : "",
+                         r.bound * q.factor, q.unit);
     case SrsFailure::Cancelled:
       return "cancelled";
   }

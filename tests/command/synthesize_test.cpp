@@ -162,5 +162,71 @@ TEST(SynthesizeCommand, TakesTheExampleOfARequirement) {
   EXPECT_EQ(made.code, 0) << made.err;
 }
 
+TEST(SynthesizeCommand, KeepsTheLimitsOfTheMachineToo) {
+  const TempFolder folder;
+  const std::string required = Required(folder);
+  const auto figures = [&](const std::string& machine, int code) {
+    std::vector<std::string> arguments{"synthesize", required, "--json", folder / "f.json"};
+    if (!machine.empty()) {
+      WriteText(folder / "m.json", machine);
+      arguments.insert(arguments.end(), {"--machine", folder / "m.json"});
+    }
+    const auto made = RunCommand(arguments);
+    EXPECT_EQ(made.code, code) << machine << made.err;
+    return nlohmann::json::parse(ReadText(folder / "f.json"));
+  };
+  const auto value = [](const nlohmann::json& from, const char* key) {
+    return from.at(key).at("value").get<double>();
+  };
+  const auto free = figures("", 0);
+  EXPECT_FALSE(free.contains("machine_fits"));
+  // A tenth less way than it takes, to the nearer end of a stroke that is far longer.
+  const double way = 0.9 * value(free, "displacement");
+  const auto kept =
+      figures(R"({"Stroke": )" + std::to_string(10 * way) + R"(, "StartPosition": 0.1})", 0);
+  EXPECT_LE(value(kept, "displacement"), way);
+  EXPECT_NEAR(value(kept, "MaxDisplacement"), way, 1e-5);
+  EXPECT_EQ(kept.at("machine_fits").at("value"), "yes");
+  EXPECT_GE(value(kept, "machine_down_margin"), 0.0);
+  // Of what the synthesis does not steer it warns.
+  const auto rough = figures(R"({"MaxJerk": 1})", 3);
+  EXPECT_EQ(rough.at("machine_fits").at("value"), "no");
+  EXPECT_EQ(rough.at("warnings").at("value").size(), 1U);
+}
+
+TEST(SynthesizeCommand, OfTheLimitsOfRequirementAndMachineTheTighterOneHolds) {
+  const TempFolder folder;
+  const auto refused = [&](const char* limit, const char* machine) {
+    const std::string required = Required(folder, limit);
+    WriteText(folder / "m.json", machine);
+    const auto result = RunCommand({"synthesize", required, "--quick", "--machine",
+                                    folder / "m.json", "-o", folder / "shock.json"});
+    EXPECT_EQ(result.code, 1) << result.err;
+    EXPECT_FALSE(std::filesystem::exists(folder / "shock.json"));
+    return result.err;
+  };
+  EXPECT_NE(refused("", R"({"Stroke": 0.02})").find("the machine's limit is 0.01 mm"),
+            std::string::npos);
+  EXPECT_NE(refused(R"(, "MaxDisplacement": 0.03)", R"({"Stroke": 0.02})")
+                .find("the machine's limit is 0.01 mm"),
+            std::string::npos);
+  EXPECT_NE(
+      refused(R"(, "MaxDisplacement": 0.01)", R"({"Stroke": 0.1})").find("the limit is 0.01 mm"),
+      std::string::npos);
+}
+
+TEST(SynthesizeCommand, RefusesAMachineThatNoWaveformCanUse) {
+  const TempFolder folder;
+  const auto expect = [&](const std::string& required, const char* machine, const char* says) {
+    WriteText(folder / "m.json", machine);
+    const auto result = RunCommand({"synthesize", required, "--machine", folder / "m.json"});
+    EXPECT_EQ(result.code, 2);
+    EXPECT_NE(result.err.find(says), std::string::npos) << result.err;
+  };
+  expect(Required(folder), R"({"Stroke": 9, "StartPosition": 0})", "--machine: its StartPosition");
+  expect(Required(folder), R"({"Stroke": 9, "Stroke": 8})", "m.json: Stroke: stands twice");
+  expect(Required(folder, R"(, "UnitAmpl": "V")"), R"({"Stroke": 9})", "--machine: its limits are");
+}
+
 }  // namespace
 }  // namespace qarv::test

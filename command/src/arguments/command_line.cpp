@@ -283,16 +283,18 @@ void CommandLine::AddSynthesize() {
           "required spectrum (.json), - for standard input")
       ->required();
   AddFile(command, "-o,--output", &synthesize.output, "write the definition of the waveform");
-  Add(command, "--shape", &synthesize.shape, ShapeNames("|"),
+  AddInput(command, "--machine", &synthesize.machine,
+           "machine (.json): its limits hold beside the requirement's");
+  Add(command, "--shape", &synthesize.request.shape, assess::SynthesisShapes("|"),
       "all frequencies at once (shock), one after the other, or at any time");
-  Add(command, "--method", &synthesize.method, MethodNames("|"),
+  Add(command, "--method", &synthesize.request.method, assess::SynthesisMethods("|"),
       "wavelets end at rest; damped sines leave a little");
-  Add(command, "--minimize", &synthesize.minimize, AimNames("|"),
+  Add(command, "--minimize", &synthesize.request.minimize, assess::SynthesisAims("|"),
       "the least peak of it instead of the best match");
-  Add(command, "--within", &synthesize.within, kNumber,
+  Add(command, "--within", &synthesize.request.within, kNumber,
       "with --minimize: within so many dB (the tolerance)");
-  Add(command, "--seed", &synthesize.seed, kNumber, "of what is drawn at random (1)");
-  command->add_flag("--quick", synthesize.quick,
+  Add(command, "--seed", &synthesize.request.seed, kNumber, "of what is drawn at random (1)");
+  command->add_flag("--quick", synthesize.request.quick,
                     "a first look: a quarter of a dB, in a third of the time");
   command->add_flag("--force", synthesize.force,
                     "write the best waveform if none meets the requirement");
