@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <utility>
 
 #include "json_tree.h"
 #include "text/text.h"
@@ -23,6 +24,11 @@ Json Shown(const Value& value) {
 }
 
 }  // namespace
+
+void Append(Entries&& more, Entries* entries) {
+  entries->reserve(entries->size() + more.size());
+  for (Entry& entry : more) entries->push_back(std::move(entry));
+}
 
 std::string BareText(const Entry& entry) {
   const Json shown = Shown(entry.value);

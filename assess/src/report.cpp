@@ -116,11 +116,8 @@ Entries ReportOf(const CWaveDef& def, const std::optional<Machine>& machine) {
   AddWave(def, scale, &entries);
   if (def.GetWaveType() == CWaveDef::WAVE_TYPE_CLASSICAL) AddClassical(def, scale, &entries);
   AddMotion(def, scale, &entries);
-  const Entries transient = TransientEntries(SpanOf(def.GetWave()), scale.fsamp, scale.unit);
-  entries.insert(entries.end(), transient.begin(), transient.end());
-  if (!machine) return entries;
-  const Entries compared = MachineEntries(CompareWithMachine(def, *machine));
-  entries.insert(entries.end(), compared.begin(), compared.end());
+  Append(TransientEntries(SpanOf(def.GetWave()), scale.fsamp, scale.unit), &entries);
+  if (machine) Append(MachineEntries(CompareWithMachine(def, *machine)), &entries);
   return entries;
 }
 

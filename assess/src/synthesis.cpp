@@ -210,8 +210,7 @@ Synthesis Synthesize(const Requirement& requirement, const SynthesisRequest& req
   out.entries = SynthesisEntries(requirement, out.settings, out.result);
   if (machine) {
     const MachineComparison comparison = CompareWithMachine(out.wave, *machine);
-    const Entries beside = MachineEntries(comparison);
-    out.entries.insert(out.entries.end(), beside.begin(), beside.end());
+    Append(MachineEntries(comparison), &out.entries);
     const std::vector<std::string> passed = MachineWarnings(comparison);
     out.warnings.insert(out.warnings.end(), passed.begin(), passed.end());
   }
@@ -219,9 +218,9 @@ Synthesis Synthesize(const Requirement& requirement, const SynthesisRequest& req
   return out;
 }
 
-std::string SynthesisJson(const Synthesis& synthesis) {
-  Entries entries = synthesis.entries;
-  entries.push_back({"warnings", "warnings", synthesis.warnings, ""});
+std::string SynthesisJson(Synthesis&& synthesis) {
+  Entries entries = std::move(synthesis.entries);
+  entries.push_back({"warnings", "warnings", std::move(synthesis.warnings), ""});
   return AsJson(entries);
 }
 

@@ -69,8 +69,19 @@ enum {
   /** A null pointer, or something asked of a handle whose waveform has none of it. */
   QARV_WAVE_WRONG_CALL = 4,
   /** The buffer is; nothing was written to it. */
-  QARV_WAVE_TOO_SMALL = 5
+  QARV_WAVE_TOO_SMALL = 5,
+  /** A callback has ended the work. */
+  QARV_WAVE_CANCELLED = 6
 };
+
+/**
+ * Is told how far a long call is, many times a second, on the thread of the call.  It may not use
+ * the handle of that call.
+ * @param share    done, from 0 to 1
+ * @param context  what the caller handed over for it
+ * @return 0 to go on; anything else ends the call with QARV_WAVE_CANCELLED
+ */
+typedef int32_t (*qarv_wave_progress)(double share, void* context);
 
 /* ---- The handle ---- */
 
@@ -150,6 +161,43 @@ QARV_WAVE_API int32_t qarv_wave_check_json(qarv_wave* handle, const char* text, 
 QARV_WAVE_API int32_t qarv_wave_schema(qarv_wave* handle, char* buffer, size_t capacity,
                                        size_t* needed);
 
+/**
+ * Finds a waveform that has a required shock response spectrum, and drops the one before, also
+ * where it fails.  It takes about a second.  What was found of it is in qarv_wave_synthesis_json,
+ * its definition in qarv_wave_definition_json.
+ * @param requirement  JSON, as `qarv-wave synthesize` has it in a file
+ * @param length       of the requirement [byte]
+ * @param machine      JSON of a machine, whose limits hold beside those of the requirement; empty
+ *                     for none
+ * @param machine_length   of it [byte]
+ * @param settings     JSON, an object with any of the command's options
+ *                     "shape" ("shock", "sweep" or "random"),
+ *                     "method" ("wavelet", "damped" or "modified"),
+ *                     "minimize" ("displacement", "velocity" or "acceleration"),
+ *                     "within" [dB], "seed" (1), "quick" (false), and
+ *                     "force", to take the best waveform if none meets the requirement (false);
+ *                     empty for the defaults
+ * @param settings_length  of them [byte]
+ * @param progress     is told how far it is and may end it; null for none
+ * @param context      handed to it
+ * @return QARV_WAVE_OK, _REFUSED (no waveform meets the requirement), _BAD_INPUT, _CANCELLED,
+ *         _OUT_OF_MEMORY, _WRONG_CALL
+ */
+QARV_WAVE_API int32_t qarv_wave_synthesize(qarv_wave* handle, const char* requirement,
+                                           size_t length, const char* machine,
+                                           size_t machine_length, const char* settings,
+                                           size_t settings_length, qarv_wave_progress progress,
+                                           void* context);
+
+/**
+ * How close the waveform of qarv_wave_synthesize comes to its requirement, as JSON: an object with
+ * {"value", "unit"} under each key, the deviations "gridWorst" and "betweenWorst" [dB] among them;
+ * "warnings" is a list.
+ * @return QARV_WAVE_OK, _TOO_SMALL, _OUT_OF_MEMORY, _WRONG_CALL (the waveform is of no synthesis)
+ */
+QARV_WAVE_API int32_t qarv_wave_synthesis_json(qarv_wave* handle, char* buffer, size_t capacity,
+                                               size_t* needed);
+
 /* ---- The waveform ---- */
 
 /** The key of the waveform's family ("Classical", "Damping", ..), or "none".  Stays for ever. */
@@ -201,6 +249,18 @@ QARV_WAVE_API int32_t qarv_wave_motion(qarv_wave* handle, double* velocity, doub
  */
 QARV_WAVE_API int32_t qarv_wave_report_json(qarv_wave* handle, char* buffer, size_t capacity,
                                             size_t* needed);
+
+/**
+ * The same beside a machine: with its limits and the margins to them ("machine_velocity",
+ * "machine_velocity_limit", "machine_velocity_margin", ...) and "machine_fits", "yes" or "no".
+ * @param machine  JSON, as `qarv-wave report --machine` has it in a file
+ * @param length   of it [byte]
+ * @return as qarv_wave_report_json; _BAD_INPUT also where the text is no machine, or the amplitude
+ *         unit none of an acceleration
+ */
+QARV_WAVE_API int32_t qarv_wave_machine_report_json(qarv_wave* handle, const char* machine,
+                                                    size_t length, char* buffer, size_t capacity,
+                                                    size_t* needed);
 
 /**
  * The shock response spectrum of the waveform, as a JSON object with "response", "unit", "damping"

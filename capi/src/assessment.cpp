@@ -9,6 +9,7 @@
 #include "arguments.h"
 #include "assess/entries.h"
 #include "assess/judgement.h"
+#include "assess/machine.h"
 #include "assess/motion.h"
 #include "assess/report.h"
 #include "assess/spectrum.h"
@@ -98,6 +99,17 @@ std::int32_t qarv_wave_report_json(qarv_wave* handle, char* buffer, std::size_t 
   return Guarded(handle, [&] {
     const Output out(buffer, capacity, needed);
     out.Text(assess::AsJson(assess::ReportOf(WaveWithBandsOf(handle))));
+  });
+}
+
+std::int32_t qarv_wave_machine_report_json(qarv_wave* handle, const char* machine,
+                                           std::size_t length, char* buffer, std::size_t capacity,
+                                           std::size_t* needed) {
+  return Guarded(handle, [&] {
+    const Output out(buffer, capacity, needed);
+    const CWaveDef& def = WaveWithBandsOf(handle);
+    out.Text(
+        assess::AsJson(assess::ReportOf(def, assess::MachineFromJson(TextOf(machine, length)))));
   });
 }
 

@@ -44,7 +44,8 @@ std::int32_t LastError::Classify() {
                  e.GetLine());
   } catch (const assess::Error& e) {
     const std::string& key = e.GetKey();
-    return Keyed(QARV_WAVE_BAD_INPUT, OneLine(key.empty() ? e.what() : key + ": " + e.what()), key);
+    return Keyed(QARV_WAVE_BAD_INPUT, OneLine(key.empty() ? e.what() : key + ": " + e.what()), key,
+                 e.GetLine());
   } catch (const std::length_error&) {  // more samples than any memory has
     throw std::bad_alloc();
   } catch (const std::bad_alloc&) {

@@ -45,6 +45,7 @@ class LastError {
 
 struct qarv_wave {
   qarv::wave_def::CWaveDef def;
+  std::string synthesis;  // figures of def as JSON, where a synthesis has made it; else empty
   qarv::capi::LastError error;
 };
 

@@ -72,6 +72,16 @@ FieldTable<JudgeRequest> OfJudgement() {
   };
 }
 
+FieldTable<SynthesisRequest> OfSynthesis() {
+  using R = SynthesisRequest;
+  return {
+      Setting<R>("shape", &R::shape),       Setting<R>("method", &R::method),
+      Setting<R>("minimize", &R::minimize), Setting<R>("within", &R::within),
+      Setting<R>("seed", &R::seed),         Setting<R>("quick", &R::quick),
+      Setting<R>("force", &R::force),
+  };
+}
+
 template <class Set>
 Set RequestOf(std::string_view text, const FieldTable<Set>& table) {
   Set request;
@@ -98,5 +108,9 @@ SpectrumRequest RecordSpectrumRequest(std::string_view text) {
 }
 
 JudgeRequest JudgeRequestOf(std::string_view text) { return RequestOf(text, OfJudgement()); }
+
+SynthesisRequest SynthesisRequestOf(std::string_view text) {
+  return RequestOf(text, OfSynthesis());
+}
 
 }  // namespace qarv::capi

@@ -7,6 +7,7 @@
 
 #include "assess/judgement.h"
 #include "assess/spectrum.h"
+#include "assess/synthesis.h"
 
 namespace qarv::capi {
 
@@ -19,11 +20,16 @@ struct JudgeRequest : assess::JudgeSettings {
   double begin = 0.0;  // [s] time of the first sample
 };
 
+struct SynthesisRequest : assess::SynthesisRequest {
+  bool force = false;  // take what does not meet the requirement, too
+};
+
 /// @param[in] text  one JSON object; empty for the defaults
 /// @throws definition::Error, with key and line
 SpectrumRequest WaveSpectrumRequest(std::string_view text);
 /// The same with the unit of a record.
 SpectrumRequest RecordSpectrumRequest(std::string_view text);
 JudgeRequest JudgeRequestOf(std::string_view text);
+SynthesisRequest SynthesisRequestOf(std::string_view text);
 
 }  // namespace qarv::capi

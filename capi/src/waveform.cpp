@@ -30,6 +30,7 @@ template <class Make>
 std::int32_t Replace(qarv_wave* handle, Make make) noexcept {
   return Guarded(handle, [&] {
     handle->def = CWaveDef();
+    handle->synthesis.clear();
     handle->def = make();
   });
 }

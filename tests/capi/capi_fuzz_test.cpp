@@ -71,6 +71,10 @@ void AskEverything(const Handle& handle) {
   expectKnown(qarv_wave_save_record(h, nullptr, 0, &needed));
   expectKnown(qarv_wave_definition_json(h, text.data(), text.size(), &needed));
   expectKnown(qarv_wave_report_json(h, text.data(), text.size(), &needed));
+  const std::string machine = R"({"MaxAccel": 5, "Stroke": 9, "LowestFrequency": 5})";
+  expectKnown(qarv_wave_machine_report_json(h, machine.data(), machine.size(), text.data(),
+                                            text.size(), &needed));
+  expectKnown(qarv_wave_synthesis_json(h, text.data(), text.size(), &needed));
   expectKnown(qarv_wave_motion(h, motion.data(), motion.data(), size));
   std::size_t first = 0;
   std::size_t last = 0;
@@ -358,6 +362,8 @@ TEST(CInterfaceMemory, AnOutputThatFindsNoneSaysSo) {
       R"({"Classical": {"WaveKind": "HALF_SINE", "MainAmpl": -1, "MainWidth": 0.011, "Fmax": 1000,
           "Nsamp": 20, "TolKind": "TOL_FIXED_4"}})";
   const std::string settings = R"({"points": 5})";
+  const std::string machine =
+      R"({"Name": "a name that needs memory of its own", "MaxAccel": "5 g", "Stroke": 9})";
   std::vector<char> buffer(1 << 16);
   for (const std::string text : {kPulse, kMeasured}) {
     ASSERT_EQ(Define(handle, text), QARV_WAVE_OK);
@@ -369,6 +375,10 @@ TEST(CInterfaceMemory, AnOutputThatFindsNoneSaysSo) {
           return qarv_wave_check_json(h, bad.data(), bad.size(), buffer.data(), 1 << 16, n);
         },
         [&](std::size_t* n) { return qarv_wave_report_json(h, buffer.data(), 1 << 16, n); },
+        [&](std::size_t* n) {
+          return qarv_wave_machine_report_json(h, machine.data(), machine.size(), buffer.data(),
+                                               1 << 16, n);
+        },
         [&](std::size_t* n) {
           return qarv_wave_spectrum_json(h, settings.data(), settings.size(), buffer.data(),
                                          1 << 16, n);
@@ -403,6 +413,50 @@ TEST(CInterfaceMemory, AnOutputThatFindsNoneSaysSo) {
       }
     }
   }
+}
+
+// Not each of its allocations, of which there are many: the first ones, and further apart the
+// later.
+TEST(CInterfaceMemory, ASynthesisThatFindsNoneSaysSoAndLeavesNoWaveform) {
+  const Handle handle = NewHandle();
+  const std::string required = R"({"Name": "a name that needs memory of its own",
+      "Points": [[45, 20], [200, 40]]})";
+  const std::string machine = R"({"Stroke": "9 m"})";
+  const std::string settings = R"({"quick": true, "shape": "sweep"})";
+  const auto call = [&] {
+    return qarv_wave_synthesize(handle.get(), required.data(), required.size(), machine.data(),
+                                machine.size(), settings.data(), settings.size(), nullptr, nullptr);
+  };
+  std::int32_t status = QARV_WAVE_OUT_OF_MEMORY;
+  const unsigned long long allocations = AllocationsOf([&] { status = call(); });
+  ASSERT_EQ(status, QARV_WAVE_OK) << qarv_wave_error(handle.get());
+  const std::vector<std::uint8_t> record = RecordOf(handle);
+  const auto expectNone = [&](unsigned long long k, Starved::How how) {
+    SCOPED_TRACE(k);
+    {
+      const Starved starved(k, how);
+      status = call();
+    }
+    if (status == QARV_WAVE_OK) return;
+    const bool refused = status == QARV_WAVE_REFUSED;  // the definition that was found
+    EXPECT_EQ(status, refused ? QARV_WAVE_REFUSED : QARV_WAVE_OUT_OF_MEMORY);
+    EXPECT_STREQ(qarv_wave_error(handle.get()),
+                 refused ? "Damping: the waveform does not fit into memory" : "out of memory");
+    ExpectNoWave(handle.get());
+  };
+  for (const auto how : {Starved::How::Once, Starved::How::FromThenOn}) {
+    for (unsigned long long k = 1; k <= allocations; k += 1 + k / 4) {
+      expectNone(k, how);
+      if (HasFailure()) return;
+    }
+    // The last ones make the figures.
+    for (unsigned long long k = 1; k < allocations && k < 400; k += 7) {
+      expectNone(allocations - k, how);
+      if (HasFailure()) return;
+    }
+  }
+  ASSERT_EQ(call(), QARV_WAVE_OK);
+  EXPECT_EQ(RecordOf(handle), record);
 }
 
 TEST(CInterfaceMemory, AHandleThatFindsNoneIsNull) {

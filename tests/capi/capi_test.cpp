@@ -394,6 +394,61 @@ TEST(CInterface, SaysWhyThereIsNoVerdict) {
 
 // ---- Errors ------------------------------------------------------------------------------------
 
+// ---- Synthesis ---------------------------------------------------------------------------------
+
+/// Counts its calls and ends the work with one of them.
+struct Watcher {
+  int calls = 0;
+  int last = 0;  // 0 for none
+  double share = 0.0;
+  bool rising = true;
+};
+
+std::int32_t Watch(double share, void* context) {
+  auto* const watcher = static_cast<Watcher*>(context);
+  if (!(share >= watcher->share && share <= 1.0)) watcher->rising = false;
+  watcher->share = share;
+  return ++watcher->calls == watcher->last ? 1 : 0;
+}
+
+TEST(CInterface, ASynthesisSaysHowFarItIsAndCanBeEndedAtAnyStep) {
+  const std::string required = R"({"Points": [[45, 20], [500, 40]]})";
+  const std::string quick = R"({"quick": true})";
+  const auto run = [&](const Handle& handle, Watcher* watcher) {
+    return qarv_wave_synthesize(handle.get(), required.data(), required.size(), nullptr, 0,
+                                quick.data(), quick.size(), Watch, watcher);
+  };
+  const Handle handle = NewHandle();
+  Watcher whole;
+  ASSERT_EQ(run(handle, &whole), QARV_WAVE_OK) << qarv_wave_error(handle.get());
+  EXPECT_GT(whole.calls, 10);
+  EXPECT_TRUE(whole.rising);
+  const std::vector<std::uint8_t> record = RecordOf(handle);
+  for (int last = 1; last <= whole.calls; last += 1 + whole.calls / 8) {
+    Watcher watcher;
+    watcher.last = last;
+    EXPECT_EQ(run(handle, &watcher), QARV_WAVE_CANCELLED);
+    EXPECT_STREQ(qarv_wave_error(handle.get()), "cancelled");
+    EXPECT_EQ(watcher.calls, last) << "it is not called again";
+    ExpectNoWave(handle.get());
+    std::size_t needed = 1;
+    EXPECT_EQ(qarv_wave_synthesis_json(handle.get(), nullptr, 0, &needed), QARV_WAVE_WRONG_CALL);
+  }
+  Watcher again;
+  ASSERT_EQ(run(handle, &again), QARV_WAVE_OK);
+  EXPECT_EQ(RecordOf(handle), record);
+  // The figures go with the waveform that they are of.
+  ASSERT_EQ(Define(handle, kPulse), QARV_WAVE_OK);
+  std::size_t needed = 0;
+  EXPECT_EQ(qarv_wave_synthesis_json(handle.get(), nullptr, 0, &needed), QARV_WAVE_WRONG_CALL);
+  EXPECT_STREQ(qarv_wave_error(handle.get()), "the waveform is of no synthesis");
+  EXPECT_EQ(qarv_wave_synthesize(nullptr, nullptr, 0, nullptr, 0, nullptr, 0, nullptr, nullptr),
+            QARV_WAVE_WRONG_CALL);
+  EXPECT_EQ(
+      qarv_wave_synthesize(handle.get(), nullptr, 3, nullptr, 0, nullptr, 0, nullptr, nullptr),
+      QARV_WAVE_WRONG_CALL);
+}
+
 TEST(CInterface, AnErrorHasTheTextOfTheLibraryItsKeyAndItsLine) {
   const struct {
     std::string text;

@@ -13,12 +13,14 @@ CSHARP_RESULTS = {"int32_t": "int", "size_t": "nuint", "double": "double", "void
                   "const double*": "IntPtr", "qarv_wave*": "IntPtr"}
 CSHARP_PARAMETERS = {"qarv_wave*": "IntPtr", "const qarv_wave*": "IntPtr", "const char*": "byte[]", "char*": "byte[]",
                      "const uint8_t*": "byte[]", "uint8_t*": "byte[]", "const double*": "double[]",
-                     "double*": "double[]", "size_t": "nuint", "size_t*": "out nuint", "double": "double"}
+                     "double*": "double[]", "size_t": "nuint", "size_t*": "out nuint", "double": "double",
+                     "qarv_wave_progress": "QarvProgress", "void*": "IntPtr"}
 LABVIEW_RESULTS = {"int32_t": "I32", "size_t": "UPtr", "double": "DBL", "void": "void", "const char*": "CStr",
                    "const double*": "UPtr", "qarv_wave*": "UPtr"}
 LABVIEW_PARAMETERS = {"qarv_wave*": "UPtr", "const qarv_wave*": "UPtr", "const char*": "CStr", "char*": "U8[]",
                       "const uint8_t*": "U8[]", "uint8_t*": "U8[]", "const double*": "DBL[]", "double*": "DBL[]",
-                      "size_t": "UPtr", "size_t*": "UPtr*", "double": "DBL"}
+                      "size_t": "UPtr", "size_t*": "UPtr*", "double": "DBL",
+                      "qarv_wave_progress": "UPtr", "void*": "UPtr"}
 
 wrong = []
 

@@ -96,5 +96,109 @@ TEST(CInterfaceAndCommand, ReportAndJudgeAlike) {
             RunCommand({"judge", file, csv, "--fsamp", "2000"}).err);
 }
 
+TEST(CInterfaceAndCommand, ReportAlikeBesideAMachine) {
+  const TempFolder folder;
+  const std::string file = folder / "def.json";
+  const std::string json = folder / "out.json";
+  const std::string machine = folder / "m.json";
+  WriteText(file, kPulse);
+  const Handle handle = NewHandle();
+  ASSERT_EQ(Define(handle, kPulse), QARV_WAVE_OK);
+  const auto report = [&](const std::string& text, char* buffer, std::size_t capacity,
+                          std::size_t* needed) {
+    return qarv_wave_machine_report_json(handle.get(), text.data(), text.size(), buffer, capacity,
+                                         needed);
+  };
+  const std::string good = R"({"Name": "V", "MaxAccel": 60, "MaxVelocity": "1 m/s", "Stroke": 51})";
+  WriteText(machine, good);
+  ASSERT_EQ(RunCommand({"report", file, "--machine", machine, "--json", json}).code, 0);
+  const std::string said = TextOf([&](char* buffer, std::size_t capacity, std::size_t* needed) {
+    return report(good, buffer, capacity, needed);
+  });
+  EXPECT_EQ(said, ReadText(json));
+  EXPECT_EQ(Json(said)["machine_fits"]["value"], "no");
+
+  const std::string bad = "{\"Name\": \"V\",\n \"MaxForce\": 60}";
+  WriteText(machine, bad);
+  std::size_t needed = 0;
+  EXPECT_EQ(report(bad, nullptr, 0, &needed), QARV_WAVE_BAD_INPUT);
+  EXPECT_STREQ(qarv_wave_error_key(handle.get()), "MaxForce");
+  EXPECT_EQ(qarv_wave_error_line(handle.get()), 2U);
+  EXPECT_EQ("qarv-wave: " + machine + ": " + qarv_wave_error(handle.get()) + "\n",
+            RunCommand({"report", file, "--machine", machine}).err);
+}
+
+// ---- Synthesis ---------------------------------------------------------------------------------
+
+constexpr const char* kRequired =
+    R"({"Points": [[45, 20], [90, 40], [500, 40]], "TolUpper": 3, "TolLower": -1.5})";
+
+std::int32_t Synthesize(const Handle& handle, const std::string& requirement,
+                        const std::string& machine = "", const std::string& settings = "",
+                        qarv_wave_progress progress = nullptr, void* context = nullptr) {
+  return qarv_wave_synthesize(handle.get(), requirement.data(), requirement.size(), machine.data(),
+                              machine.size(), settings.data(), settings.size(), progress, context);
+}
+
+std::string FiguresOf(const Handle& handle) {
+  return TextOf([&](char* buffer, std::size_t capacity, std::size_t* needed) {
+    return qarv_wave_synthesis_json(handle.get(), buffer, capacity, needed);
+  });
+}
+
+TEST(CInterfaceAndCommand, SynthesizeTheSameBits) {
+  const TempFolder folder;
+  const std::string machine = R"({"Stroke": 51, "MaxAccel": 60})";
+  WriteText(folder / "r.json", kRequired);
+  WriteText(folder / "m.json", machine);
+  const auto made = RunCommand({"synthesize", folder / "r.json", "--machine", folder / "m.json",
+                                "--quick", "--shape", "sweep", "--seed", "7", "-o",
+                                folder / "d.json", "--json", folder / "f.json"});
+  ASSERT_EQ(made.code, 0) << made.err;
+  const Handle handle = NewHandle();
+  ASSERT_EQ(
+      Synthesize(handle, kRequired, machine, R"({"quick": true, "shape": "sweep", "seed": 7})"),
+      QARV_WAVE_OK)
+      << qarv_wave_error(handle.get());
+  EXPECT_EQ(FiguresOf(handle), ReadText(folder / "f.json"));
+  const Handle read = NewHandle();
+  ASSERT_EQ(Define(read, ReadText(folder / "d.json")), QARV_WAVE_OK);
+  EXPECT_EQ(RecordOf(handle), RecordOf(read));
+  EXPECT_EQ(DefinitionOf(handle), DefinitionOf(read));
+}
+
+TEST(CInterfaceAndCommand, SayTheSameOfWhatCannotBeSynthesized) {
+  const TempFolder folder;
+  const Handle handle = NewHandle();
+  const auto same = [&](const std::string& text, std::int32_t status) {
+    WriteText(folder / "r.json", text);
+    const auto command = RunCommand({"synthesize", folder / "r.json", "--quick"});
+    EXPECT_EQ(command.code, status) << text;
+    EXPECT_EQ(Synthesize(handle, text, "", R"({"quick": true})"), status) << text;
+    EXPECT_EQ("qarv-wave: " + (folder / "r.json") + ": " + qarv_wave_error(handle.get()) + "\n",
+              command.err);
+    ExpectNoWave(handle.get());
+  };
+  const std::string limited = std::string(kRequired).substr(0, std::string(kRequired).size() - 1);
+  same(limited + R"(, "MaxDisplacement": 0.01})", QARV_WAVE_REFUSED);
+  same(limited + R"(, "Fsamp": 100})", QARV_WAVE_BAD_INPUT);
+  same(limited + R"(, "Q": 5, "Q": 5})", QARV_WAVE_BAD_INPUT);
+  same("{\n\"Points\": 1}", QARV_WAVE_BAD_INPUT);
+  EXPECT_EQ(qarv_wave_error_line(handle.get()), 2U);
+  EXPECT_EQ(Synthesize(handle, kRequired, "", R"({"shape": "round"})"), QARV_WAVE_BAD_INPUT);
+  EXPECT_STREQ(qarv_wave_error_key(handle.get()), "shape");
+  EXPECT_EQ(Synthesize(handle, kRequired, "", R"({"shap": "shock"})"), QARV_WAVE_BAD_INPUT);
+  EXPECT_EQ(Synthesize(handle, kRequired, R"({"Stroke": 0})"), QARV_WAVE_BAD_INPUT);
+  EXPECT_STREQ(qarv_wave_error(handle.get()), "Stroke: is not a number above 0");
+
+  EXPECT_EQ(Synthesize(handle, limited + R"(, "MaxDisplacement": 0.01})", "",
+                       R"({"quick": true, "force": true})"),
+            QARV_WAVE_OK);
+  EXPECT_GT(qarv_wave_size(handle.get()), 0U);
+  const auto warnings = Json(FiguresOf(handle))["warnings"]["value"];
+  ASSERT_GE(warnings.size(), 1U);
+  EXPECT_TRUE(warnings[0].get<std::string>().starts_with("MaxDisplacement: ")) << warnings;
+}
+
 }  // namespace
 }  // namespace qarv::test

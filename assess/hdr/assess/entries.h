@@ -20,6 +20,10 @@ struct Entry {
 };
 using Entries = std::vector<Entry>;
 
+/// Moves results to the end of others.  GCC 12 destroys what is not there where the copy of a Value
+/// finds no memory: what has to survive that moves its results.
+void Append(Entries&& more, Entries* entries);
+
 /// The value alone, in the shortest digits that read back as the same: what is 0 or no number
 /// without a sign.
 std::string BareText(const Entry& entry);

@@ -58,8 +58,8 @@ Synthesis Synthesize(const Requirement& requirement, const SynthesisRequest& req
                      const std::optional<Machine>& machine,
                      const std::function<bool(double share)>& progress = {});
 
-/// The figures with the list of warnings, as JSON.
-std::string SynthesisJson(const Synthesis& synthesis);
+/// The figures with the list of warnings, as JSON; both are moved from.
+std::string SynthesisJson(Synthesis&& synthesis);
 
 /// The result as a definition, in the requirement's unit.
 definition::Definition DefinitionOf(const Requirement& requirement,

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <utility>
 
 #include "assess/requirement.h"
 #include "assess/synthesis.h"
@@ -50,13 +51,12 @@ ExitCode Synthesize(const SynthesizeOptions& options) {
   const std::string csv = reserve(options.csv);
   const std::string json = reserve(options.json);
 
-  const assess::Synthesis made = Run(requirement, machine, options);
+  assess::Synthesis made = Run(requirement, machine, options);
   if (!made.failure.empty() && !options.force) {
     throw CommandError(kRefused, text::OneLine(options.requirement + ": " + made.failure));
   }
   if (!output.empty()) WriteFile(output, definition::ToJson(made.definition));
   if (!csv.empty()) WriteWaveCsv(made.wave, csv);
-  if (!json.empty()) WriteFile(json, assess::SynthesisJson(made));
   if (!plot.empty()) {
     const std::string name = requirement.name.empty()
                                  ? std::filesystem::path(options.requirement).stem().string()
@@ -64,9 +64,11 @@ ExitCode Synthesize(const SynthesizeOptions& options) {
     PlotSynthesis(requirement, made.settings.limits, made.wave, name, format, plot);
   }
   for (const std::string& warning : made.warnings) Warn(options.requirement, warning);
-  files.Commit(assess::AsText(made.entries));
-  if (!made.failure.empty()) return kRefused;
-  return made.warnings.empty() ? kDone : kWarned;
+  const ExitCode code = !made.failure.empty() ? kRefused : made.warnings.empty() ? kDone : kWarned;
+  const std::string text = assess::AsText(made.entries);
+  if (!json.empty()) WriteFile(json, assess::SynthesisJson(std::move(made)));
+  files.Commit(text);
+  return code;
 }
 
 }  // namespace qarv::command
