@@ -84,7 +84,21 @@ def spectrum(
 ) -> tuple[
     FloatArray, FloatArray, FloatArray, FloatArray, FloatArray, str, str, float, bool
 ]: ...
-def report(waveform: Waveform, /) -> tuple[_Entries, str]: ...
+def report(waveform: Waveform, machine: str | None, /) -> tuple[_Entries, str]: ...
+_Deviation = tuple[float, float, float, int, int]
+
+def synthesize(
+    requirement: str,
+    machine: str | None,
+    shape: str,
+    method: str,
+    minimize: str,
+    within: float,
+    seed: int,
+    quick: bool,
+    progress: Callable[[float], object] | None,
+    /,
+) -> tuple[Waveform, _Deviation, _Deviation, str, _Entries, str, list[str]] | None: ...
 def judge(
     waveform: Waveform,
     record: npt.ArrayLike,

@@ -6,17 +6,20 @@
     wave.time, wave.wave, wave.upper, wave.lower    # NumPy arrays, read-only, without a copy
 """
 from ._assess import (
+    Deviation,
     Entry,
     Judgement,
     Motion,
     Report,
     Spectrum,
+    Synthesis,
     judge,
     motion,
     report,
     resample,
     sampled_at,
     srs,
+    synthesize,
 )
 from ._core import (
     BaseStandard,
@@ -42,11 +45,12 @@ from ._core import (
     WaveKind,
 )
 from ._define import check, define
-from ._errors import DefinitionError, Finding, Remedy, Severity
+from ._errors import Cancelled, DefinitionError, Finding, Remedy, Severity
 from ._read import Signal, read
 
 __all__ = [
     "BaseStandard",
+    "Cancelled",
     "Classical",
     "CmpType",
     "Damping",
@@ -54,6 +58,7 @@ __all__ = [
     "DataEdit",
     "DataEditKind",
     "DefinitionError",
+    "Deviation",
     "EdgeWindow",
     "Entry",
     "Finding",
@@ -72,6 +77,7 @@ __all__ = [
     "Spectrum",
     "Symmetry",
     "SyncWaveType",
+    "Synthesis",
     "TolKind",
     "TolSpecify",
     "TolUserDef",
@@ -86,4 +92,5 @@ __all__ = [
     "resample",
     "sampled_at",
     "srs",
+    "synthesize",
 ]

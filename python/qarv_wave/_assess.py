@@ -2,18 +2,25 @@
 from __future__ import annotations
 
 import dataclasses
+import json
 import math
-from collections.abc import Iterator, Mapping
+from collections.abc import Callable, Iterator, Mapping
 from typing import Any, Union
 
 import numpy as np
 import numpy.typing as npt
 
 from . import _core
+from ._errors import Cancelled, DefinitionError
 
 FloatArray = npt.NDArray[np.float64]
 Samples = Union[_core.Waveform, npt.ArrayLike]
 Value = Union[float, int, str, list[str]]
+Text = Union[str, Mapping[str, Any]]  # JSON, or what becomes JSON
+
+
+def _json(text: Text | None) -> str | None:
+    return text if text is None or isinstance(text, str) else json.dumps(dict(text))
 
 
 def _signal(samples: Samples, fsamp: float | None, unit: str | None) -> tuple[Any, float, str]:
@@ -82,11 +89,14 @@ class Report(Mapping[str, Entry]):
         return self._text
 
 
-def report(waveform: _core.Waveform) -> Report:
+def report(waveform: _core.Waveform, machine: Text | None = None) -> Report:
     """What a waveform asks of the shaker, and how it lies in its bands.
 
-    ValueError if it has no bands of its length."""
-    return Report(*_core.report(waveform))
+    machine: whose limits and the margins to them are reported too, as JSON or as a dictionary
+
+    ValueError if it has no bands of its length, or is no acceleration that a machine has limits for;
+    DefinitionError if the machine is none."""
+    return Report(*_core.report(waveform, _json(machine)))
 
 
 @dataclasses.dataclass(frozen=True, eq=False)
@@ -157,6 +167,76 @@ def srs(
         *_core.spectrum(
             samples, rate, known, response, q, damping, from_, to, per_octave, points
         )
+    )
+
+
+@dataclasses.dataclass(frozen=True)
+class Deviation:
+    """How far a spectrum lies from the required one, over the lines of a grid."""
+
+    worst: float  # [dB] the largest one, with its sign
+    worst_frequency: float  # [Hz]
+    rms: float  # [dB]
+    lines: int
+    inside: int  # of them, within the tolerance
+
+
+@dataclasses.dataclass(frozen=True, eq=False)
+class Synthesis:
+    """A waveform for a required shock response spectrum; true if it meets the requirement."""
+
+    waveform: _core.Waveform  # its parameter set is waveform.set
+    on_grid: Deviation  # on the lines of the requirement
+    between: Deviation  # on lines twelve times as close
+    failure: str  # why it does not meet the requirement; empty if it does
+    entries: Report  # every number of it
+    warnings: tuple[str, ...]
+
+    def __bool__(self) -> bool:
+        return not self.failure
+
+
+def synthesize(
+    requirement: Text,
+    *,
+    machine: Text | None = None,
+    shape: str = "shock",
+    method: str = "wavelet",
+    minimize: str | None = None,
+    within: float = 0.0,
+    seed: int = 1,
+    quick: bool = False,
+    force: bool = False,
+    progress: Callable[[float], object] | None = None,
+) -> Synthesis:
+    """Finds a waveform that has a required shock response spectrum.
+
+    requirement: the spectrum and what else is required, as JSON or as a dictionary
+    machine: whose limits hold beside those of the requirement, in the same way
+    shape: "shock" (all frequencies start together), "sweep" or "random"
+    method: "wavelet", "damped" or "modified"
+    minimize: "displacement", "velocity" or "acceleration" instead of the best match
+    within: with minimize, within so many dB of the requirement; 0 for its tolerance
+    seed: of what is drawn at random
+    quick: a first look, in a third of the time
+    force: return the best waveform if none meets the requirement
+    progress: is called with the share that is done, from 0 to 1; False ends the work, and so does
+        an exception, which is passed on
+
+    DefinitionError if a text is wrong, or no waveform meets the requirement; ValueError if another
+    argument is wrong, or such a requirement has no waveform; Cancelled where progress ended it."""
+    made = _core.synthesize(
+        _json(requirement) or "", _json(machine), shape, method, minimize or "", within, seed,
+        quick, progress,
+    )
+    if made is None:
+        raise Cancelled("cancelled")
+    waveform, on_grid, between, failure, entries, text, warnings = made
+    if failure and not force:
+        raise DefinitionError(failure)
+    return Synthesis(
+        waveform, Deviation(*on_grid), Deviation(*between), failure, Report(entries, text),
+        tuple(warnings),
     )
 
 

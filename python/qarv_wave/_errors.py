@@ -29,7 +29,8 @@ class Finding(NamedTuple):
 
 
 class DefinitionError(ValueError):
-    """There is no waveform: a text or a record is no definition, or its parameters are refused.
+    """There is no waveform: a text or a record is no definition, or its parameters are refused; or
+    a text is no requirement or machine, or no waveform meets the requirement.
 
     findings: the broken rules of parameters that are refused, else empty
     key: where in a text ("Classical.TolUserDef.TolMainU"), else empty
@@ -42,3 +43,7 @@ class DefinitionError(ValueError):
         self.findings = findings
         self.key = key
         self.line = line
+
+
+class Cancelled(Exception):
+    """A progress callback has returned False."""

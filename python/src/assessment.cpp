@@ -5,6 +5,9 @@
 #include <pybind11/stl.h>
 
 #include <cmath>
+#include <exception>
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <variant>
@@ -15,9 +18,12 @@
 #include "array_view.h"
 #include "assess/entries.h"
 #include "assess/judgement.h"
+#include "assess/machine.h"
 #include "assess/motion.h"
 #include "assess/report.h"
+#include "assess/requirement.h"
 #include "assess/spectrum.h"
+#include "assess/synthesis.h"
 #include "definition/definition.h"
 #include "python_error.h"
 #include "waveform.h"
@@ -119,6 +125,64 @@ py::tuple SpectrumTuple(py::handle acceleration, double fsamp, const std::string
                         assess::IsCoarse(spectrum, fsamp));
 }
 
+// ---- Synthesis ---------------------------------------------------------------------------------
+
+std::optional<assess::Machine> MachineOf(const std::optional<std::string>& text) {
+  if (!text) return {};
+  return assess::MachineFromJson(*text);
+}
+
+/// Tells a function of the caller's how far the work is, and sees to what the user has interrupted.
+class Teller {
+ public:
+  explicit Teller(py::object function) : function_(std::move(function)) {}
+
+  /// Takes the lock.
+  bool Tell(double share) {
+    const py::gil_scoped_acquire lock;
+    try {
+      if (PyErr_CheckSignals() != 0) throw py::error_already_set();
+      if (function_.is_none()) return true;
+      const py::object answer = function_(share);
+      return answer.is_none() || answer.cast<bool>();
+    } catch (...) {
+      raised_ = std::current_exception();
+      return false;
+    }
+  }
+  /// Raises what the function has raised.
+  void Raise() const {
+    if (raised_) std::rethrow_exception(raised_);
+  }
+
+ private:
+  py::object function_;
+  std::exception_ptr raised_;
+};
+
+py::tuple DeviationTuple(const synthesis::SrsDeviation& d) {
+  return py::make_tuple(d.worst, d.worstFrequency, d.rms, d.lines, d.inside);
+}
+
+/// The waveform, its deviations on the lines and in between, why it is not what was asked for, the
+/// figures, and the warnings; None where it was cancelled.
+py::object SynthesisTuple(const std::string& requirement, const std::optional<std::string>& machine,
+                          const assess::SynthesisRequest& request, const py::object& progress) {
+  Teller teller(progress);
+  assess::Synthesis made = Assessed([&] {
+    return assess::Synthesize(assess::RequirementFromJson(requirement), request, MachineOf(machine),
+                              [&](double share) { return teller.Tell(share); });
+  });
+  teller.Raise();
+  if (made.IsCancelled()) return py::none();
+  auto waveform = std::make_unique<Waveform>();
+  waveform->def = std::move(made.wave);
+  const synthesis::SrsComparison& c = made.result.comparison;
+  return py::make_tuple(std::move(waveform), DeviationTuple(c.onGrid), DeviationTuple(c.between),
+                        made.failure, EntriesOf(made.entries), assess::AsText(made.entries),
+                        made.warnings);
+}
+
 // ---- Verdict -----------------------------------------------------------------------------------
 
 /// Whether it passes, what fails, the record on the definition's samples and which of them it
@@ -159,9 +223,17 @@ void BindAssessment(py::module_& module) {
     return SpectrumTuple(acceleration, fsamp, unit,
                          {response, q, damping, from, to, perOctave, points});
   });
-  module.def("report", [](const Waveform& waveform) {
+  module.def("synthesize",
+             [](const std::string& requirement, const std::optional<std::string>& machine,
+                const std::string& shape, const std::string& method, const std::string& minimize,
+                double within, std::uint64_t seed, bool quick, const py::object& progress) {
+               return SynthesisTuple(requirement, machine,
+                                     {shape, method, minimize, within, seed, quick}, progress);
+             });
+  module.def("report", [](const Waveform& waveform, const std::optional<std::string>& machine) {
     RequireBands(waveform);
-    const assess::Entries entries = Assessed([&] { return assess::ReportOf(waveform.def); });
+    const assess::Entries entries =
+        Assessed([&] { return assess::ReportOf(waveform.def, MachineOf(machine)); });
     return py::make_tuple(EntriesOf(entries), assess::AsText(entries));
   });
   module.def("judge", &JudgementTuple);

@@ -50,6 +50,7 @@ void RaiseRefused(const std::string& reason, const definition::Findings& finding
 
 void RaiseNoResult(const assess::Error& error) {
   const std::string& key = error.GetKey();
+  if (error.GetLine() != 0) Raise(key + ": " + error.what(), py::tuple(), key, error.GetLine());
   throw py::value_error(key.empty() ? error.what() : key + ": " + error.what());
 }
 

@@ -21,7 +21,8 @@ pybind11::tuple FindingsOf(const definition::Findings& findings);
 /// @param[in] reason  in one line
 [[noreturn]] void RaiseRefused(const std::string& reason, const definition::Findings& findings);
 
-/// Raises ValueError of an assessment that cannot be made, with the argument that is wrong.
+/// Raises ValueError of an assessment that cannot be made, with the argument that is wrong; of what
+/// is wrong in a line of a text, DefinitionError.
 [[noreturn]] void RaiseNoResult(const assess::Error& error);
 
 /// "tol_main_u" of "TolMainU": what a field is called in Python.
