@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Opens the page of a batch in a headless browser, as a reader does.
 
-    check_gallery.py OUT DEFINITIONS
+    check_gallery.py OUT FOLDER...     folders that have a file NAME.json for each definition
 
 Fails where the page or a report that it links to says something on the console, a picture does not
 load, a definition is missing or doubled, a value or a file is missing, anything is fetched from
@@ -125,9 +125,9 @@ def check_report(driver, page, name):
 
 
 def main():
-    out, definitions = (pathlib.Path(argument) for argument in sys.argv[1:3])
-    expected = sorted(path.stem for path in definitions.glob("*.json"))
-    check(len(expected) > 30, f"{definitions}: only {len(expected)} definitions")
+    out, *folders = (pathlib.Path(argument) for argument in sys.argv[1:])
+    expected = sorted(path.stem for folder in folders for path in folder.glob("*.json"))
+    check(len(expected) > 30, f"only {len(expected)} definitions")
     driver = browser()
     try:
         opened(driver, out / "index.html")
