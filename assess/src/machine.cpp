@@ -30,25 +30,25 @@ namespace {
 // ---- Values with units -------------------------------------------------------------------------
 
 /// A unit of a quantity, in that which a Machine has it in.
-using UnitFactor = std::pair<const char*, double>;
-using UnitList = std::span<const UnitFactor>;
+using NamedUnit = std::pair<const char*, double>;
+using NamedUnits = std::span<const NamedUnit>;
 
 // clang-format off
-constexpr std::array<UnitFactor, 4> kForces{{
+constexpr std::array<NamedUnit, 4> kForces{{
     {"N", 1.0}, {"kN", 1000.0}, {"kgf", 9.80665}, {"lbf", 4.4482216152605}}};
-constexpr std::array<UnitFactor, 3> kMasses{{
+constexpr std::array<NamedUnit, 3> kMasses{{
     {"kg", 1.0}, {"t", 1000.0}, {"lb", 0.45359237}}};
-constexpr std::array<UnitFactor, 5> kVelocities{{
+constexpr std::array<NamedUnit, 5> kVelocities{{
     {"m/s", 1.0}, {"cm/s", 0.01}, {"mm/s", 0.001}, {"in/s", 0.0254}, {"ft/s", 0.3048}}};
-constexpr std::array<UnitFactor, 5> kLengths{{
+constexpr std::array<NamedUnit, 5> kLengths{{
     {"mm", 1.0}, {"cm", 10.0}, {"m", 1000.0}, {"in", 25.4}, {"ft", 304.8}}};
-constexpr std::array<UnitFactor, 2> kFrequencies{{
+constexpr std::array<NamedUnit, 2> kFrequencies{{
     {"Hz", 1.0}, {"kHz", 1000.0}}};
 // clang-format on
 
-std::optional<double> FactorOf(UnitList units, std::string_view name) {
-  const auto it = std::find_if(units.begin(), units.end(),
-                               [&](const UnitFactor& u) { return name == u.first; });
+std::optional<double> FactorOf(NamedUnits units, std::string_view name) {
+  const auto it =
+      std::find_if(units.begin(), units.end(), [&](const NamedUnit& u) { return name == u.first; });
   if (it == units.end()) return {};
   return it->second;
 }
@@ -113,7 +113,7 @@ Field<MachineDraft> MachineKey(const char* key, Read read) {
   return field;
 }
 
-Field<MachineDraft> MachineLimit(const char* key, UnitList units,
+Field<MachineDraft> MachineLimit(const char* key, NamedUnits units,
                                  std::optional<double> Machine::*member) {
   return MachineKey(key, [=](const Json& json, const Place& at, MachineDraft& draft) {
     draft.machine.*member = Amount(json, at, units.front().first,

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <filesystem>
 #include <map>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -85,6 +86,68 @@ TEST_P(EachReference, AreAllMetAsCloselyAsTheTableSays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Shapes, EachReference, testing::ValuesIn(kFigures));
+
+// ---- Effective durations -----------------------------------------------------------------------
+
+/// A requirement of a shock without limits, and durations half as long again as those of the
+/// waveform that nothing is asked of.
+struct Duration {
+  const char* name;
+  double Te, TE;  // [s]
+};
+// clang-format off
+constexpr Duration kDurations[] = {
+  {"half_sine_50g_11ms", 0.225,   0.64},
+  {"sawtooth_20g_11ms",  0.445,   0.62},
+  {"functional_40g",     0.116,   0.16},
+  {"crash_75g_sixth",    0.116,   0.207},
+  {"pyro_5000g",         0.00215, 0.0137},
+  {"ship_three_slopes",  0.0465,  0.337},
+  {"clamp_band",         0.00236, 0.0145},
+  {"bench_handling",     0.077,   0.107},
+};
+// clang-format on
+
+/// [s] from the first to the last sample of at least a third of the peak.
+double DurationAboveAThird(std::span<const double> wave, double fsamp) {
+  double peak = 0.0;
+  for (const double v : wave) peak = std::max(peak, std::fabs(v));
+  const auto above = [&](double v) { return std::fabs(v) >= peak / 3.0; };
+  const auto first = std::find_if(wave.begin(), wave.end(), above);
+  const auto last = std::find_if(wave.rbegin(), wave.rend(), above).base() - 1;
+  return static_cast<double>(last - first) / fsamp;
+}
+
+class EachDuration : public testing::TestWithParam<Duration> {};
+
+TEST_P(EachDuration, IsThereWithinAFifthAndSoIsTheSpectrum) {
+  const Duration& required = GetParam();
+  const auto references = References();
+  const auto it = std::find_if(references.begin(), references.end(),
+                               [&](const auto& named) { return named.first == required.name; });
+  ASSERT_NE(it, references.end());
+  for (const bool energy : {false, true}) {
+    assess::Requirement requirement = it->second;
+    (energy ? requirement.spectrum.durations.TE : requirement.spectrum.durations.Te) =
+        energy ? required.TE : required.Te;
+    const SrsSettings settings = assess::SettingsFor(requirement);
+    const SrsResult result = SynthesizeSrs(requirement.spectrum, settings);
+    EXPECT_EQ(result.failure, SrsFailure::None)
+        << assess::FailureText(requirement, settings, result);
+    const auto def = definition::Generate(assess::DefinitionOf(requirement, result));
+    const auto wave = definition::SpanOf(def.GetWave());
+    const SrsComparison found = CompareSrs(it->second.spectrum, wave, result.fsamp);
+    EXPECT_TRUE(found.Meets(it->second.spectrum)) << "the spectrum alone";
+    if (energy) {
+      EXPECT_NEAR(found.durations.TE / required.TE, 1.0, 0.2);
+    } else {
+      EXPECT_NEAR(DurationAboveAThird(wave, result.fsamp) / required.Te, 1.0, 0.2);
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Shocks, EachDuration, testing::ValuesIn(kDurations),
+                         [](const auto& of) { return std::string(of.param.name); });
 
 }  // namespace
 }  // namespace qarv::synthesis
