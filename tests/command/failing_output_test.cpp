@@ -30,6 +30,7 @@ const Job kPrintingJobs[] = {
     {"judge_json", "judge shock.json shock.csv --json OUT/a.json"},
     {"judge_plot", "judge shock.json shock.csv --plot OUT/a.svg"},
     {"srs_csv", "srs shock.json --points 400 --csv OUT/a.csv"},
+    {"srs_json", "srs shock.json --points 400 --json OUT/a.json"},
     {"srs_plot", "srs shock.json --plot OUT/a.svg"},
     {"show_samples", "show measured.rec --samples OUT/a.csv"},
     {"batch_output", "batch definitions --output OUT/new"},

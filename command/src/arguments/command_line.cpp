@@ -247,7 +247,8 @@ void CommandLine::AddSrs() {
   auto* const response =
       Add(command, "--response", &srs.settings.response, ResponseNames("|"),
           "absolute acceleration, relative displacement, pseudo velocity or static equivalent");
-  auto* const q = Add(command, "--q", &srs.settings.q, kNumber, "quality factor (10)");
+  auto* const q =
+      Add(command, "--q", &srs.q, "Q,...", "quality factor, or several for a spectrum each (10)");
   auto* const damping =
       Add(command, "--damping", &srs.settings.damping, kNumber, "damping ratio, instead of --q")
           ->excludes(q);
@@ -266,10 +267,11 @@ void CommandLine::AddSrs() {
   auto* const requirement =
       AddInput(command, "--requirement", &srs.requirement,
                "required spectrum (.json), with its damping and lines: the verdict");
-  for (CLI::Option* option : {response, q, damping, from, to, perOctave, points, tripartite}) {
+  for (CLI::Option* option : {response, damping, from, to, perOctave, points, tripartite}) {
     requirement->excludes(option);
   }
   AddFile(command, "--csv", &srs.csv, "write all responses over frequency");
+  AddFile(command, "--json", &srs.json, "write them as JSON, with the verdict and all remarks");
   AddFile(command, "--plot", &srs.plot, "write a picture, .png or .svg");
   command->callback([this] { job = [this] { return Srs(srs); }; });
   SetShockExample(command,

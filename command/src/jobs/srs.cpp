@@ -6,11 +6,9 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <iterator>
 #include <optional>
 #include <vector>
 
-#include "analysis/srs.h"
 #include "assess/motion.h"
 #include "assess/requirement.h"
 #include "assess/spectrum.h"
@@ -22,57 +20,17 @@
 #include "files/input_wave.h"
 #include "files/output_files.h"
 #include "files/requirement_file.h"
+#include "jobs/spectra.h"
 #include "pictures/gnuplot.h"
 #include "pictures/spectrum_plot.h"
 #include "progress.h"
 #include "synthesis/comparison.h"
-#include "text/text.h"
 
 namespace qarv::command {
 
 using assess::Spectrum;
-using text::Plain;
-
-using analysis::SrsPoint;
 
 namespace {
-
-void WriteSpectrumCsv(const Spectrum& spectrum, const std::string& file) {
-  const double factor = spectrum.factor;
-  fmt::memory_buffer text;
-  const auto out = std::back_inserter(text);
-  fmt::format_to(out,
-                 "frequency,maximax,positive,negative,primary_positive,primary_negative,"
-                 "residual_positive,residual_negative\n");
-  for (const SrsPoint& p : spectrum.points) {
-    const analysis::SrsExtremes total = p.Total();
-    fmt::format_to(out, "{}", p.frequency);
-    for (const double v : {total.Maximax(), total.positive, total.negative, p.primary.positive,
-                           p.primary.negative, p.residual.positive, p.residual.negative}) {
-      fmt::format_to(out, ",{}", Plain(factor * v));
-    }
-    text.push_back('\n');
-  }
-  WriteFile(file, {text.data(), text.size()});
-}
-
-/// What is said of a spectrum.
-std::string Summary(const Spectrum& spectrum) {
-  const auto& points = spectrum.points;
-  const auto largest =
-      std::max_element(points.begin(), points.end(), [](const SrsPoint& a, const SrsPoint& b) {
-        return a.Total().Maximax() < b.Total().Maximax();
-      });
-  const std::string unit = spectrum.unit.empty() ? "" : " " + spectrum.unit;
-  std::string text = fmt::format("response:  {}\n", spectrum.response);
-  text += fmt::format("damping:   {:.4g} (Q {:.4g})\n", spectrum.zeta, 0.5 / spectrum.zeta);
-  text += fmt::format("lines:     {} from {:.6g} to {:.6g} Hz\n", points.size(),
-                      points.front().frequency, points.back().frequency);
-  text +=
-      fmt::format("largest:   {:.6g}{} at {:.6g} Hz\n",
-                  Plain(spectrum.factor * largest->Total().Maximax()), unit, largest->frequency);
-  return text;
-}
 
 /// @param[in] input  that the waveform stands for
 Spectrum SpectrumOf(const std::string& input, const InputWave& wave,
@@ -98,29 +56,69 @@ assess::SpectrumSettings SettingsOf(const assess::Requirement& requirement) {
   return settings;
 }
 
-/// The waveform in the unit of the requirement.
-std::vector<double> SamplesIn(const std::string& unit, const InputWave& wave,
-                              const std::string& input) {
-  std::vector<double> samples(wave.samples.begin(), wave.samples.end());
-  if (wave.unit.empty() || wave.unit == unit) return samples;
-  const assess::MotionUnits from = assess::MotionUnitsOf(wave.unit);
+bool IsNear(double a, double b) { return std::fabs(a / b - 1.0) < 1e-9; }
+
+/// The settings of each spectrum: one for each quality factor that is named.
+std::vector<assess::SpectrumSettings> SettingsOf(const SrsOptions& options,
+                                                 const assess::Requirement* requirement) {
+  assess::SpectrumSettings usual = requirement ? SettingsOf(*requirement) : options.settings;
+  if (options.tripartite) usual.response = "pseudo-velocity";
+  if (options.q.empty()) return {usual};
+  std::vector<assess::SpectrumSettings> settings;
+  const auto isNamed = [&](double q) {
+    return std::any_of(settings.begin(), settings.end(),
+                       [&](const auto& other) { return IsNear(0.5 / *other.damping, q); });
+  };
+  for (const double q : NumbersOf(options.q, "--q")) {
+    if (!(q > 0.5)) Fail("--q", "is not above 0.5");
+    if (isNamed(q)) Fail("--q", fmt::format("names {:g} twice", q));
+    settings.push_back(usual);
+    settings.back().damping = 0.5 / q;
+  }
+  if (requirement != nullptr && !isNamed(0.5 / requirement->spectrum.zeta)) {
+    Fail("--q", fmt::format("'{}' does not name the requirement's Q, {}", options.q,
+                            QText(requirement->spectrum.zeta)));
+  }
+  return settings;
+}
+
+/// Brings the waveform into the unit of the requirement.
+void ConvertTo(const std::string& unit, const std::string& input, InputWave* wave) {
+  const std::string own = wave->unit;
+  wave->unit = unit;
+  if (own.empty() || own == unit) return;
+  const assess::MotionUnits from = assess::MotionUnitsOf(own);
   const assess::MotionUnits to = assess::MotionUnitsOf(unit);
   if (!from.known || !to.known) {
-    Fail(input, fmt::format("its unit {} does not go with the requirement's, {}", wave.unit, unit));
+    Fail(input, fmt::format("its unit {} does not go with the requirement's, {}", own, unit));
   }
-  for (double& v : samples) v *= from.velocity / to.velocity;
-  return samples;
+  for (double& v : wave->samples) v *= from.velocity / to.velocity;
+  wave->remarks.push_back(fmt::format("converted from {} to {}", own, unit));
 }
 
 synthesis::SrsComparison Compare(const assess::Requirement& requirement, const InputWave& wave,
                                  const std::string& input) {
-  const auto comparison = synthesis::CompareSrs(
-      requirement.spectrum, SamplesIn(requirement.unit, wave, input), wave.fsamp);
+  const auto comparison =
+      synthesis::CompareSrs(requirement.spectrum, definition::SpanOf(wave.samples), wave.fsamp);
   if (comparison.onGrid.lines == 0) {
     Fail(input, fmt::format("its sampling frequency of {:g} Hz is too low for {:g} Hz", wave.fsamp,
                             requirement.spectrum.points.back().frequency));
   }
   return comparison;
+}
+
+/// The spectra as a picture: of one all its parts, unless it stands beside a requirement.
+void Draw(const SrsOptions& options, const assess::Requirement* requirement, const SpectraRun& run,
+          const std::string& waveTitle, OutputFiles* files) {
+  const PlotFormat format = PlotFormatOf(options.plot);
+  const std::string name = std::filesystem::path(options.input).stem().string();
+  const std::string title = waveTitle.empty() ? name : name + ": " + waveTitle;
+  const Axes axes = options.tripartite ? Axes::FourWay : Axes::Plain;
+  const bool one = run.spectra.size() == 1 && requirement == nullptr;
+  SpectrumPicture picture =
+      one ? PictureOf(run.spectra.front(), title, axes) : PictureOf(run.spectra, title, axes);
+  if (requirement != nullptr) AddRequirement(requirement->spectrum, &picture);
+  PlotCurves(picture, format, files->Reserve(options.plot));
 }
 
 }  // namespace
@@ -133,37 +131,36 @@ std::optional<Spectrum> SpectrumOf(const wave_def::CWaveDef& def, const std::str
 }
 
 ExitCode Srs(const SrsOptions& options) {
-  std::optional<assess::Requirement> requirement;
-  if (!options.requirement.empty()) requirement = LoadRequirement(options.requirement);
+  std::optional<assess::Requirement> loaded;
+  if (!options.requirement.empty()) loaded = LoadRequirement(options.requirement);
+  const assess::Requirement* const requirement = loaded ? &*loaded : nullptr;
+  const std::vector<assess::SpectrumSettings> settings = SettingsOf(options, requirement);
   std::vector<InputWave> waves = LoadInputWaves(options.input, options.choice);
   if (waves.size() > 1)
     Fail("--channel", "names several: a spectrum is that of one, or of their --resultant");
   InputWave& wave = waves.front();
   TakeSteps(ConditioningOf(options.steps), options.input, &wave);
-  assess::SpectrumSettings settings = requirement ? SettingsOf(*requirement) : options.settings;
-  if (options.tripartite) settings.response = "pseudo-velocity";
-  const Spectrum spectrum = SpectrumOf(options.input, wave, settings);
-  OutputFiles files;
-  if (!options.csv.empty()) WriteSpectrumCsv(spectrum, files.Reserve(options.csv));
-  if (!options.plot.empty()) {
-    const PlotFormat format = PlotFormatOf(options.plot);
-    const std::string name = std::filesystem::path(options.input).stem().string();
-    PlotSpectrum(spectrum, wave.title.empty() ? name : name + ": " + wave.title,
-                 options.tripartite ? Axes::FourWay : Axes::Plain, format,
-                 files.Reserve(options.plot));
+  if (requirement != nullptr) ConvertTo(requirement->unit, options.input, &wave);
+  SpectraRun run;
+  for (const assess::SpectrumSettings& one : settings) {
+    run.spectra.push_back(SpectrumOf(options.input, wave, one));
   }
-  if (assess::IsCoarse(spectrum, wave.fsamp)) {
-    Warn(options.input, assess::CoarseText(wave.fsamp));
+  run.remarks = wave.remarks;
+  if (assess::IsCoarse(run.spectra.front(), wave.fsamp)) {
+    run.warnings.push_back(assess::CoarseText(wave.fsamp));
   }
-  std::string text = Summary(spectrum);
-  for (const std::string& remark : wave.remarks) text += fmt::format("record:    {}\n", remark);
   bool meets = true;
-  if (requirement) {
+  if (requirement != nullptr) {
     const synthesis::SrsComparison comparison = Compare(*requirement, wave, options.input);
     meets = comparison.Meets(requirement->spectrum);
-    text += assess::AsText(assess::VerdictEntries(*requirement, comparison));
+    run.verdict = assess::VerdictEntries(*requirement, comparison);
   }
-  files.Commit(text);
+  OutputFiles files;
+  if (!options.csv.empty()) WriteFile(files.Reserve(options.csv), CsvOf(run));
+  if (!options.json.empty()) WriteFile(files.Reserve(options.json), JsonOf(run));
+  if (!options.plot.empty()) Draw(options, requirement, run, wave.title, &files);
+  for (const std::string& warning : run.warnings) Warn(options.input, warning);
+  files.Commit(TextOf(run));
   return meets ? kDone : kRefused;
 }
 

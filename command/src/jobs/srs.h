@@ -16,18 +16,19 @@ struct SrsOptions {
   std::string input;
   MeasuredChoice choice;  // of measured samples
   StepOptions steps;
-  assess::SpectrumSettings settings;
-  bool tripartite = false;  // pseudo velocity on axes of displacement and acceleration too
-  std::string requirement;  // required spectrum (.json); empty for none
-  std::string csv, plot;    // files to write; empty for none
+  assess::SpectrumSettings settings;  // but for its q
+  std::string q;                      // quality factors, separated by commas; empty: the usual one
+  bool tripartite = false;      // pseudo velocity on axes of displacement and acceleration too
+  std::string requirement;      // required spectrum (.json); empty for none
+  std::string csv, json, plot;  // files to write; empty for none
 };
 
 /// The spectrum of a definition as nobody has asked for it in particular.
 /// @return nothing where a sample is no number
 std::optional<assess::Spectrum> SpectrumOf(const wave_def::CWaveDef& def, const std::string& name);
 
-/// Calculates the spectrum, writes the files that are asked for, and prints a short summary; with a
-/// requirement, its lines and the verdict.
+/// Calculates the spectrum for each quality factor, writes the files that are asked for, and prints
+/// a short summary; with a requirement, on its lines and with the verdict.
 /// @return kRefused where the spectrum is not what is required
 ExitCode Srs(const SrsOptions& options);
 

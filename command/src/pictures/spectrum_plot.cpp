@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <iterator>
+#include <utility>
 
 #include "common/numeric/constants.h"
 
@@ -41,15 +42,17 @@ LogRange TicksAbout(double v) {
   return about;
 }
 
-/// The range of the responses: the maximax, from tick to tick, and at least a decade.
-LogRange RangeOf(const Spectrum& spectrum) {
+/// The range of the curves that set it, from tick to tick, and at least a decade.
+LogRange RangeOf(const std::vector<SpectrumCurve>& curves) {
   double low = HUGE_VAL;
   double high = 0.0;
-  for (const SrsPoint& p : spectrum.points) {
-    const double v = spectrum.factor * p.Total().Maximax();
-    if (!(v >= 1e-290 && v <= 1e290)) continue;  // ticks around it are numbers
-    low = std::min(low, v);
-    high = std::max(high, v);
+  for (const SpectrumCurve& curve : curves) {
+    if (!curve.setsRange) continue;
+    for (const auto& [frequency, v] : curve.points) {
+      if (!(v >= 1e-290 && v <= 1e290)) continue;  // ticks around it are numbers
+      low = std::min(low, v);
+      high = std::max(high, v);
+    }
   }
   if (low > high) return {0.1, 1.0};
   const double top = TicksAbout(high * 1.05).high;  // some air above the curve
@@ -88,12 +91,11 @@ struct FourWay {
 };
 
 /// At powers of ten, in mm and g where the velocity is in m/s.
-FourWay FourWayLines(const Spectrum& spectrum, double low, double high) {
-  const bool known = spectrum.known;
+FourWay FourWayLines(bool known, const LogRange& frequencies, double low, double high) {
   const double displacement = common::kTwoPi * (known ? 1e-3 : 1.0);     // velocity over f, of 1
   const double acceleration = (known ? 9.80665 : 1.0) / common::kTwoPi;  // velocity times f, of 1
-  const double from = spectrum.points.front().frequency;
-  const double to = spectrum.points.back().frequency;
+  const double from = frequencies.low;
+  const double to = frequencies.high;
   // The two families of lines have their labels in different columns.
   const double left = from * std::pow(to / from, 0.25);
   const double right = from * std::pow(to / from, 0.75);
@@ -129,6 +131,19 @@ std::string ResponseLabel(const Spectrum& spectrum) {
   return spectrum.unit.empty() ? label : label + " [" + spectrum.unit + "]";
 }
 
+/// A spectrum's response by frequency, in its unit.
+template <class F>
+SpectrumCurve CurveOf(const Spectrum& spectrum, const std::string& title, const std::string& style,
+                      F response) {
+  SpectrumCurve curve{title, style, {}};
+  for (const SrsPoint& p : spectrum.points) {
+    curve.points.push_back({p.frequency, spectrum.factor * response(p)});
+  }
+  return curve;
+}
+
+constexpr auto kMaximax = [](const SrsPoint& p) { return p.Total().Maximax(); };
+
 }  // namespace
 
 std::string SpectrumTitle(const Spectrum& spectrum) {
@@ -137,19 +152,20 @@ std::string SpectrumTitle(const Spectrum& spectrum) {
   return fmt::format("Shock response spectrum, damping {:.4g}{}", spectrum.zeta, q);
 }
 
-void PlotSpectrum(const Spectrum& spectrum, const std::string& title, Axes axes, PlotFormat format,
-                  const std::string& file) {
+void PlotCurves(const SpectrumPicture& picture, PlotFormat format, const std::string& file) {
   fmt::memory_buffer script;
   const auto out = std::back_inserter(script);
-  script.append(Terminal(format, 1000, axes == Axes::FourWay ? 800 : 600, file));
-  const double from = spectrum.points.front().frequency;
-  const LogRange x{from, std::max(spectrum.points.back().frequency, from * 1.01)};
-  const LogRange y = RangeOf(spectrum);
+  const bool isFourWay = picture.axes == Axes::FourWay;
+  script.append(Terminal(format, 1000, isFourWay ? 800 : 600, file));
+  const auto& first = picture.curves.front().points;
+  const LogRange x{first.front()[0], std::max(first.back()[0], first.front()[0] * 1.01)};
+  const LogRange y = RangeOf(picture.curves);
   constexpr double kEdge = 1.0001;  // rounding would lose ticks at the very ends
-  fmt::format_to(
-      out, "set logscale xy\nset title {}\nset ylabel {}\n",
-      title.empty() ? Quoted("") : Quoted(title) + ".\"\\n\"." + Quoted(SpectrumTitle(spectrum)),
-      Quoted(ResponseLabel(spectrum)));
+  fmt::format_to(out, "set logscale xy\nset title {}\nset ylabel {}\n",
+                 picture.title.empty()
+                     ? Quoted("")
+                     : Quoted(picture.title) + ".\"\\n\"." + Quoted(picture.subtitle),
+                 Quoted(picture.label));
   fmt::format_to(out, "set xlabel \"Natural frequency [Hz]\"\n{}{}", LogTicks("x", x),
                  LogTicks("y", y));
   fmt::format_to(out, "set xrange [{}:{}]\nset yrange [{}:{}]\nset bmargin 6\n", x.low / kEdge,
@@ -158,25 +174,81 @@ void PlotSpectrum(const Spectrum& spectrum, const std::string& title, Axes axes,
       out,
       "set grid xtics ytics mxtics mytics linetype 1 linewidth 0.7 linecolor rgb \"#c8c8c8\", "
       "linetype 1 linewidth 0.4 linecolor rgb \"#e4e4e4\"\n"
-      "set key at screen 0.5, 0.04 center horizontal samplen 6\n$srs << EOD\n");
-  for (const SrsPoint& p : spectrum.points) {
-    const auto positive = [&](double v) {
-      return v > 0.0 ? fmt::format("{}", spectrum.factor * v) : "NaN";
-    };
-    fmt::format_to(out, "{} {} {} {}\n", p.frequency, positive(p.Total().Maximax()),
-                   positive(p.primary.Maximax()), positive(p.residual.Maximax()));
+      "set key at screen 0.5, 0.04 center horizontal samplen 6\n");
+  std::string plots;
+  for (const SpectrumCurve& curve : picture.curves) {
+    const std::string block = fmt::format("$srs{}", &curve - picture.curves.data());
+    fmt::format_to(out, "{} << EOD\n", block);
+    for (const auto& [frequency, v] : curve.points) {
+      fmt::format_to(out, "{} {}\n", frequency, v > 0.0 ? fmt::format("{}", v) : "NaN");
+    }
+    fmt::format_to(out, "EOD\n");
+    plots +=
+        fmt::format("{}{} using 1:2 with lines {} {}", plots.empty() ? "" : ", ", block,
+                    curve.style, curve.title.empty() ? "notitle" : "title " + Quoted(curve.title));
   }
-  const FourWay fourWay = axes == Axes::FourWay ? FourWayLines(spectrum, y.low, y.high) : FourWay{};
-  // The maximax is wide and light and drawn first, because one of the others always lies on it.
-  fmt::format_to(
-      out,
-      "EOD\n{}plot $srs using 1:2 with lines linecolor rgb \"#8fb4e6\" linewidth 6 title "
-      "\"maximax\","
-      " $srs using 1:3 with lines linecolor rgb \"#1f3f7c\" linewidth 1.8 title \"primary\","
-      " $srs using 1:4 with lines linecolor rgb \"#c0392b\" dashtype (9,5) linewidth 1.8 title "
-      "\"residual\"{}\n",
-      fourWay.labels, fourWay.curves);
+  const FourWay fourWay =
+      isFourWay ? FourWayLines(picture.known, {first.front()[0], first.back()[0]}, y.low, y.high)
+                : FourWay{};
+  fmt::format_to(out, "{}plot {}{}\n", fourWay.labels, plots, fourWay.curves);
   RunGnuplot(fmt::to_string(script), file);
+}
+
+SpectrumPicture PictureOf(const Spectrum& spectrum, const std::string& title, Axes axes) {
+  SpectrumPicture picture{title, SpectrumTitle(spectrum), ResponseLabel(spectrum),
+                          axes,  spectrum.known,          {}};
+  // The maximax is wide and light and drawn first, because one of the others always lies on it.
+  picture.curves = {
+      CurveOf(spectrum, "maximax", "linecolor rgb \"#8fb4e6\" linewidth 6", kMaximax),
+      CurveOf(spectrum, "primary", "linecolor rgb \"#1f3f7c\" linewidth 1.8",
+              [](const SrsPoint& p) { return p.primary.Maximax(); }),
+      CurveOf(spectrum, "residual", "linecolor rgb \"#c0392b\" dashtype (9,5) linewidth 1.8",
+              [](const SrsPoint& p) { return p.residual.Maximax(); })};
+  picture.curves[1].setsRange = picture.curves[2].setsRange = false;
+  return picture;
+}
+
+SpectrumPicture PictureOf(const std::vector<Spectrum>& spectra, const std::string& title,
+                          Axes axes) {
+  // Told apart by eyes that see no red too; the limits of a requirement are red.
+  constexpr std::array<const char*, 6> kColors{"#1f3f7c", "#e08e0b", "#2e8b57",
+                                               "#7b4fa3", "#17a2b8", "#6b6b6b"};
+  SpectrumPicture picture{title,
+                          "Shock response spectra, maximax",
+                          ResponseLabel(spectra.front()),
+                          axes,
+                          spectra.front().known,
+                          {}};
+  for (std::size_t i = 0; i < spectra.size(); ++i) {
+    const char* const dashes = i < kColors.size() ? "" : " dashtype (4,3)";
+    picture.curves.push_back(CurveOf(
+        spectra[i], fmt::format("Q {:.4g}", 0.5 / spectra[i].zeta),
+        fmt::format("linecolor rgb \"{}\" linewidth 2.2{}", kColors[i % kColors.size()], dashes),
+        kMaximax));
+  }
+  return picture;
+}
+
+void AddRequirement(const synthesis::SrsRequirement& requirement, SpectrumPicture* picture) {
+  constexpr double kDrawn = 48.0;  // lines per octave
+  SpectrumCurve required{"required", "linecolor rgb \"#202020\" linewidth 1.4", {}};
+  const std::string dashed = "linecolor rgb \"#c0392b\" dashtype (9,5) linewidth 1.4";
+  SpectrumCurve lower{"tolerance", dashed, {}};
+  SpectrumCurve upper{"", dashed, {}};
+  for (const synthesis::SrsLine& line :
+       synthesis::RequiredLines(requirement, std::max(kDrawn, requirement.perOctave))) {
+    required.points.push_back({line.frequency, line.level});
+    lower.points.push_back({line.frequency, line.level * synthesis::RatioOf(line.lower)});
+    upper.points.push_back({line.frequency, line.level * synthesis::RatioOf(line.upper)});
+  }
+  for (SpectrumCurve* curve : {&required, &lower, &upper}) {
+    picture->curves.push_back(std::move(*curve));
+  }
+}
+
+void PlotSpectrum(const Spectrum& spectrum, const std::string& title, Axes axes, PlotFormat format,
+                  const std::string& file) {
+  PlotCurves(PictureOf(spectrum, title, axes), format, file);
 }
 
 }  // namespace qarv::command
