@@ -9,7 +9,6 @@
 #include <span>
 
 #include "assess/motion.h"
-#include "common/numeric/constants.h"
 
 namespace qarv::assess {
 
@@ -23,17 +22,14 @@ struct Response {
   const char* name;
   SrsResponse response;
   const char* title;
-  bool timesOmega = false;  // the answer is 2 pi f times the response
 };
 
-constexpr Response kPseudoVelocity{"pseudo-velocity", SrsResponse::PseudoVelocity,
-                                   "pseudo velocity"};
-constexpr std::array<Response, 4> kResponses{{
+constexpr std::array<Response, 5> kResponses{{
     {"acceleration", SrsResponse::AbsoluteAcceleration, "absolute acceleration"},
     {"displacement", SrsResponse::RelativeDisplacement, "relative displacement"},
-    kPseudoVelocity,
-    // The acceleration that would bend the spring as far at rest: w^2 times the displacement.
-    {"static-equivalent", SrsResponse::PseudoVelocity, "static equivalent acceleration", true},
+    {"pseudo-velocity", SrsResponse::PseudoVelocity, "pseudo velocity"},
+    {"relative-velocity", SrsResponse::RelativeVelocity, "relative velocity"},
+    {"static-equivalent", SrsResponse::StaticEquivalent, "static equivalent acceleration"},
 }};
 
 }  // namespace
@@ -93,6 +89,7 @@ Task Prepare(const SpectrumSettings& options, double fsamp, const std::string& u
   const MotionUnits units = MotionUnitsOf(unit);
   switch (task.response->response) {
     case SrsResponse::AbsoluteAcceleration:
+    case SrsResponse::StaticEquivalent:
       spectrum.factor = 1.0;
       spectrum.unit = unit;
       break;
@@ -101,8 +98,9 @@ Task Prepare(const SpectrumSettings& options, double fsamp, const std::string& u
       spectrum.unit = units.displacementUnit;
       break;
     case SrsResponse::PseudoVelocity:
-      spectrum.factor = task.response->timesOmega ? 1.0 : units.velocity;
-      spectrum.unit = task.response->timesOmega ? unit : units.velocityUnit;
+    case SrsResponse::RelativeVelocity:
+      spectrum.factor = units.velocity;
+      spectrum.unit = units.velocityUnit;
       break;
   }
   spectrum.known = units.known;
@@ -128,14 +126,6 @@ std::vector<SrsPoint> Calculate(const Task& task, const Record& record,
     const auto more = analysis::CalcSrs(ShockOf(record), record.fsamp, piece, task.spectrum.zeta,
                                         task.response->response);
     points.insert(points.end(), more.begin(), more.end());
-  }
-  for (SrsPoint& point : points) {
-    if (!task.response->timesOmega) break;
-    const double omega = common::kTwoPi * point.frequency;
-    for (analysis::SrsExtremes* const extremes : {&point.primary, &point.residual}) {
-      extremes->positive *= omega;
-      extremes->negative *= omega;
-    }
   }
   return points;
 }

@@ -156,7 +156,7 @@ def srs(
 ) -> Spectrum:
     """The shock response spectrum of a waveform, or of samples taken at fsamp [Hz].
 
-    response: "acceleration", "displacement" or "pseudo-velocity"
+    response: "acceleration", "displacement", "pseudo-velocity", "relative-velocity" or "static-equivalent"
     q, damping: quality factor, or the damping ratio in its place
     from_, to: frequencies [Hz]; else 5 Hz to a tenth of the sampling frequency
     per_octave, points: lines in each octave, or the number of all lines in its place

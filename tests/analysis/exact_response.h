@@ -122,6 +122,14 @@ class ExactResponse {
     if (response_ == AbsoluteAcceleration) {
       return {acceleration, Real(2) * s_ * relative + h_ * h_ * m.v};
     }
+    if (response_ == StaticEquivalent) {
+      const Real unit = Real(0) - h_ * h_;
+      return {unit * m.u, unit * m.v};
+    }
+    if (response_ == RelativeVelocity) {
+      const Real unit = Real(0) - Real(1) / fsamp_;
+      return {unit * m.v, unit * relative};
+    }
     const Real unit = Real(0) - (response_ == PseudoVelocity ? h_ : Real(1) / fsamp_) / fsamp_;
     return {unit * m.u, unit * m.v};
   }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,7 +20,8 @@ namespace {
 
 using common::kPi;
 using enum SrsResponse;
-constexpr SrsResponse kResponses[] = {AbsoluteAcceleration, RelativeDisplacement, PseudoVelocity};
+constexpr SrsResponse kResponses[] = {AbsoluteAcceleration, RelativeDisplacement, PseudoVelocity,
+                                      RelativeVelocity, StaticEquivalent};
 
 struct Case {
   double f, fsamp, zeta;
@@ -82,7 +84,7 @@ TEST(SrsExact, ExtremesBetweenSamplesUpToAQuarterOfTheSamplingFrequency) {
     ExpectExact(shocks[random.Below(2)],
                 {1000 * random.Between(0.005, 0.25), 1000,
                  random.Pick({0.0, 1e-9, 0.01, 0.05, 0.3, 0.5, 0.9, 0.99999}),
-                 random.Pick({AbsoluteAcceleration, RelativeDisplacement, PseudoVelocity})});
+                 kResponses[random.Below(std::size(kResponses))]});
   }
 }
 
@@ -90,7 +92,7 @@ TEST(SrsExact, NearHalfTheSamplingFrequencyToo) {
   test::RandomValues random(72);
   for (int round = 0; round < 40; ++round) {
     ExpectExact(Noise(&random, 30), {random.Between(250, 490), 1000, random.Pick({0.0, 0.05, 0.9}),
-                                     AbsoluteAcceleration});
+                                     random.Pick({AbsoluteAcceleration, RelativeVelocity})});
   }
 }
 
@@ -178,7 +180,8 @@ TEST(SrsExact, OfInputsWhoseEveryTopMayBeTheHighest) {
       SineUnder(500, 0.237, [](double k) { return 1 + k / 1e5; })};
   for (const auto& shock : shocks) {
     for (const double f : {20.0, 700.0, 4950.0}) {
-      for (const SrsResponse response : {AbsoluteAcceleration, RelativeDisplacement}) {
+      for (const SrsResponse response :
+           {AbsoluteAcceleration, RelativeDisplacement, RelativeVelocity}) {
         ExpectExact(shock, {f, 50000, 0.05, response});
       }
     }
@@ -251,7 +254,7 @@ TEST(SrsExact, OfHeavilyDampedOscillatorsToo) {
   for (int round = 0; round < 60; ++round) {
     ExpectExact(Noise(&random, 40),
                 {1000 * random.Between(0.05, 0.45), 1000, random.Pick({0.7, 0.95, 0.999}),
-                 random.Pick({AbsoluteAcceleration, RelativeDisplacement, PseudoVelocity})});
+                 kResponses[random.Below(std::size(kResponses))]});
   }
 }
 

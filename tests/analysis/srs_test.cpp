@@ -82,6 +82,8 @@ long double RampResponse(long double t, double f, double zeta, SrsResponse respo
       -(t - 2 * z / w + 2 * z / w * c + (2 * z * z - 1) / wd * s) / (w * w);
   if (response == RelativeDisplacement) return displacement;
   if (response == PseudoVelocity) return w * displacement;
+  if (response == StaticEquivalent) return w * w * displacement;
+  if (response == RelativeVelocity) return -(1 - c - z * w / wd * s) / (w * w);
   return t - s / wd;  // the mass lags behind a ramp of its base
 }
 
@@ -90,7 +92,8 @@ TEST(SrsFilter, IsExactForAnInputOfStraightLines) {
   for (int round = 0; round < 200; ++round) {
     const double f = random.Between(20, 400);
     const double zeta = random.Pick({0.0, 0.01, 0.05, 0.3, 0.9});
-    const auto response = random.Pick({AbsoluteAcceleration, RelativeDisplacement, PseudoVelocity});
+    const auto response = random.Pick({AbsoluteAcceleration, RelativeDisplacement, PseudoVelocity,
+                                       RelativeVelocity, StaticEquivalent});
     const double rate = 2000;
     // A polyline with corners on samples.
     std::vector<double> x(120);
@@ -128,6 +131,34 @@ TEST(SrsFilter, IsExactForAnInputOfStraightLines) {
       scale = std::max(scale, std::fabs(y));
     }
     EXPECT_LE(*std::max_element(errors.begin(), errors.end()), 1e-9 * scale) << f << " " << zeta;
+  }
+}
+
+TEST(Srs, OfASoftOscillatorsRelativeVelocityIsThatOfItsBaseTurnedOver) {
+  // 50 g over 11 ms: the base is up to 2 / pi of their product by the end, and coasts.
+  const double velocity = 50 * 0.011 * 2 / kPi;
+  const SrsPoint point = PointOf(HalfSine(), 0.001, 0.05, RelativeVelocity);
+  EXPECT_NEAR(point.Total().negative, -velocity, 1e-4 * velocity);
+  EXPECT_NEAR(point.primary.positive, 0.0, 1e-12);
+}
+
+TEST(Srs, OfAStiffOscillatorsRelativeVelocityFollowsTheSlopeOfItsInput) {
+  // On a straight ramp z' = -a' / w^2 (1 - cos w t) without damping.
+  std::vector<double> ramp(4000);
+  for (std::size_t k = 0; k < ramp.size(); ++k) ramp[k] = 0.01 * static_cast<double>(k + 1);
+  const double w = kTwoPi * 2000;
+  const SrsPoint point = PointOf(ramp, 2000, 0.0, RelativeVelocity);
+  EXPECT_NEAR(point.primary.negative, -2 * 0.01 * kRate / (w * w), 1e-6 / (w * w));
+}
+
+TEST(Srs, OfAnUndampedOscillatorTheStaticEquivalentIsTheAbsoluteAccelerationTurnedOver) {
+  for (const double f : {10.0, 80.0, 1000.0}) {
+    const SrsExtremes absolute = PointOf(HalfSine(), f, 0).Total();
+    const SrsExtremes equivalent = PointOf(HalfSine(), f, 0, StaticEquivalent).Total();
+    EXPECT_NEAR(equivalent.positive, -absolute.negative, 1e-11 * absolute.Maximax());
+    EXPECT_NEAR(equivalent.negative, -absolute.positive, 1e-11 * absolute.Maximax());
+    EXPECT_LT(PointOf(HalfSine(), f, 0.5, StaticEquivalent).Total().Maximax(),
+              PointOf(HalfSine(), f, 0.5).Total().Maximax());
   }
 }
 

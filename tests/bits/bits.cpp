@@ -8,6 +8,7 @@
 // to the named one.  Each record is loaded, defined again from its own parameters, and hashed; that
 // the samples are the loaded ones is part of what is printed.
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -307,15 +308,13 @@ void PrintMotion() {
   hash.Print("Motion");
 }
 
-void PrintSpectra() {
+void PrintSpectra(const char* name, std::span<const analysis::SrsResponse> responses) {
   Hash hash;
   const std::vector<double> frequencies = analysis::SrsFrequencies(1.0, 2000.0, 12.0);
   hash.Add(frequencies);
   for (const std::size_t n : {1u, 2u, 100u, 5000u}) {
     for (const double zeta : {0.0, 0.05, 0.5}) {
-      for (const auto response :
-           {analysis::SrsResponse::AbsoluteAcceleration,
-            analysis::SrsResponse::RelativeDisplacement, analysis::SrsResponse::PseudoVelocity}) {
+      for (const analysis::SrsResponse response : responses) {
         for (const auto& p : analysis::CalcSrs(Noise(n), 1e4, frequencies, zeta, response)) {
           for (const auto& e : {p.primary, p.residual}) {
             hash.Add(e.positive);
@@ -325,7 +324,15 @@ void PrintSpectra() {
       }
     }
   }
-  hash.Print("Spectra");
+  hash.Print(name);
+}
+
+void PrintSpectra() {
+  using enum analysis::SrsResponse;
+  const std::array usual{AbsoluteAcceleration, RelativeDisplacement, PseudoVelocity};
+  PrintSpectra("Spectra", usual);
+  const std::array other{RelativeVelocity, StaticEquivalent};
+  PrintSpectra("OtherSpectra", other);
 }
 
 // ---- Records -----------------------------------------------------------------------------------

@@ -148,7 +148,7 @@ TEST(BashCompletion, OffersTheOptionsOfASubcommand) {
 
 TEST(BashCompletion, OffersTheValuesOfAChoiceAndLeavesTheRestToFileNames) {
   EXPECT_EQ(Completed({"srs", "--response", ""}),
-            "acceleration displacement pseudo-velocity static-equivalent");
+            "acceleration displacement pseudo-velocity relative-velocity static-equivalent");
   EXPECT_EQ(Completed({"srs", "--response", "p"}), "pseudo-velocity");
   EXPECT_EQ(Completed({"generate", ""}), "");
   EXPECT_EQ(Completed({"generate", "--csv", ""}), "");

@@ -122,6 +122,18 @@ TEST(SrsCommand, ConvertsDisplacementsAndVelocities) {
   EXPECT_NEAR(largest("pseudo-velocity"), g * 9.80665 / w, 1e-3);
 }
 
+TEST(SrsCommand, TheRelativeVelocityOfASoftOscillatorIsTheVelocityChange) {
+  const TempFolder folder;
+  const auto result =
+      RunCommand({"srs", kHalfSine, "--response", "relative-velocity", "--from", "0.01", "--points",
+                  "1", "--csv", folder / "s.csv"});
+  ASSERT_EQ(result.code, 0) << result.err;
+  EXPECT_NE(result.out.find("response:  relative velocity\n"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find(" m/s at 0.01 Hz\n"), std::string::npos) << result.out;
+  const double change = 50 * 9.80665 * 0.011 * 2 / std::acos(-1.0);
+  EXPECT_NEAR(Rows(folder / "s.csv").at(0)[3], -change, 2e-3 * change);
+}
+
 TEST(SrsCommand, RefusesWhatIsNoNumberWithItsPlace) {
   const TempFolder folder;
   const auto refusal = [&](const std::string& samples) {

@@ -8,11 +8,25 @@
 
 namespace qarv::analysis {
 
-/// Which response of the oscillator to the acceleration of its base.
+/// Which response of the oscillator to the acceleration a of its base; z is the displacement of the
+/// mass against its base, w = 2 pi f, c the damping ratio.
+///
+///     z'' + 2 c w z' + w^2 z = -a
+///
+/// Source: ISO 18431-4, Shock-response spectrum analysis, which has these five.
 enum class SrsResponse {
-  AbsoluteAcceleration,  ///< of the mass [unit of the input]
-  RelativeDisplacement,  ///< of the mass against its base [unit of the input x s^2]
-  PseudoVelocity,        ///< 2 pi f times the relative displacement [unit of the input x s]
+  /// Of the mass [unit of the input]: -2 c w z' - w^2 z.
+  AbsoluteAcceleration,
+  /// Of the mass against its base [unit of the input x s^2]: z.
+  RelativeDisplacement,
+  /// [unit of the input x s]: w z; near the relative velocity about w, and a measure of the strain.
+  PseudoVelocity,
+  /// Of the mass against its base [unit of the input x s]: z'.  What a damper feels; of soft
+  /// oscillators it is the velocity of the base, turned over.
+  RelativeVelocity,
+  /// [unit of the input]: w^2 z, what would bend the spring as far at rest, turned over as z is.
+  /// Without damping it is the absolute acceleration, turned over.
+  StaticEquivalent,
 };
 
 /// The recursive filter of one oscillator, ramp invariant: exact at the samples for an input that

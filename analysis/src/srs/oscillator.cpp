@@ -165,13 +165,33 @@ double Oscillator::Crest(const Arc& arc) const {
 }
 
 Drive DriveOf(const Oscillator& o, SrsResponse response) {
-  if (response == SrsResponse::AbsoluteAcceleration) return {o.h2, o.s2};
+  switch (response) {
+    case SrsResponse::AbsoluteAcceleration:
+      return {o.h2, o.s2};
+    case SrsResponse::RelativeVelocity:
+      return {0.0, 1.0};
+    case SrsResponse::RelativeDisplacement:
+    case SrsResponse::PseudoVelocity:
+    case SrsResponse::StaticEquivalent:
+      break;
+  }
   return {1.0, 0.0};
 }
 
 double UnitOf(const Oscillator& o, SrsResponse response, double fsamp) {
-  if (response == SrsResponse::AbsoluteAcceleration) return 1.0;
-  return (response == SrsResponse::PseudoVelocity ? -o.h : -1.0 / fsamp) / fsamp;
+  switch (response) {
+    case SrsResponse::AbsoluteAcceleration:
+      return 1.0;
+    case SrsResponse::PseudoVelocity:
+      return -o.h / fsamp;
+    case SrsResponse::RelativeVelocity:
+      return -1.0 / fsamp;
+    case SrsResponse::StaticEquivalent:
+      return -o.h2;
+    case SrsResponse::RelativeDisplacement:
+      break;
+  }
+  return -1.0 / fsamp / fsamp;
 }
 
 /// y turns first at the phase whose tangent is kv / c, at the height r e^(-zeta phase / k), and

@@ -16,6 +16,7 @@ namespace qarv::analysis {
 /// What drives a response: level times the base's acceleration x, and change times its slope x'.
 ///
 ///   relative displacement, with its sign changed      x
+///   relative velocity, with its sign changed                    x'
 ///   absolute acceleration                         h^2 x + 2 s x'
 struct Drive {
   double level, change;

@@ -25,7 +25,7 @@ struct SpectrumSettings {
 };
 
 /// The names of the responses: "acceleration", "displacement", "pseudo-velocity",
-/// "static-equivalent".
+/// "relative-velocity", "static-equivalent".
 std::string ResponseNames(const std::string& separator);
 
 /// A shock response spectrum with what it is a spectrum of.

@@ -246,7 +246,8 @@ void CommandLine::AddSrs() {
   AddSteps(command, &srs.steps);
   auto* const response =
       Add(command, "--response", &srs.settings.response, ResponseNames("|"),
-          "absolute acceleration, relative displacement, pseudo velocity or static equivalent");
+          "absolute acceleration, relative displacement, pseudo velocity, relative velocity or "
+          "static equivalent");
   auto* const q =
       Add(command, "--q", &srs.q, "Q,...", "quality factor, or several for a spectrum each (10)");
   auto* const damping =
