@@ -66,7 +66,7 @@ Task Prepare(const SpectrumSettings& options, double fsamp, const std::string& u
   if (!(spectrum.zeta >= 0.0 && spectrum.zeta < 1.0))
     throw Error("damping", "is not within 0 to 1");
 
-  const double highest = 0.499 * fsamp;
+  const double highest = kHighestLine * fsamp;
   const double to = options.to.value_or(fsamp / kSamplesPerCycle);
   const double from = options.from.value_or(std::min(5.0, to / 10.0));
   if (!(from > 0.0 && from <= to)) throw Error("from, to", "are not 0 < from <= to");

@@ -5,8 +5,10 @@
 
 #include <cmath>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "assess/upsampling.h"
 #include "run_command.h"
 
 namespace qarv::test {
@@ -124,9 +126,8 @@ TEST(SrsCommand, ConvertsDisplacementsAndVelocities) {
 
 TEST(SrsCommand, TheRelativeVelocityOfASoftOscillatorIsTheVelocityChange) {
   const TempFolder folder;
-  const auto result =
-      RunCommand({"srs", kHalfSine, "--response", "relative-velocity", "--from", "0.01", "--points",
-                  "1", "--csv", folder / "s.csv"});
+  const auto result = RunCommand({"srs", kHalfSine, "--response", "relative-velocity", "--from",
+                                  "0.01", "--points", "1", "--csv", folder / "s.csv"});
   ASSERT_EQ(result.code, 0) << result.err;
   EXPECT_NE(result.out.find("response:  relative velocity\n"), std::string::npos) << result.out;
   EXPECT_NE(result.out.find(" m/s at 0.01 Hz\n"), std::string::npos) << result.out;
@@ -166,14 +167,107 @@ TEST(SrsCommand, DrawsFourWayAxes) {
   }
 }
 
-TEST(SrsCommand, WarnsBelowTenSamplesPerCycle) {
-  const auto result = RunCommand({"srs", kHalfSine, "--to", "2000"});
+TEST(SrsCommand, WarnsBelowTenSamplesPerCycleWhereNoneAreAdded) {
+  const TempFolder folder;
+  const auto result =
+      RunCommand({"srs", kHalfSine, "--to", "2000", "--no-upsample", "--json", folder / "s.json"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_NE(
-      result.err.find("fewer than 10 samples per cycle above 1280 Hz: the spectrum is that of "
-                      "the straight lines between the samples\n"),
-      std::string::npos)
-      << result.err;
+  const std::string warning =
+      "fewer than 10 samples per cycle above 1280 Hz: the spectrum is that of the straight lines "
+      "between the samples";
+  EXPECT_NE(result.err.find(warning + "\n"), std::string::npos) << result.err;
+  EXPECT_EQ(result.out.find("upsampled"), std::string::npos) << result.out;
+  const auto json = nlohmann::json::parse(ReadText(folder / "s.json"));
+  EXPECT_EQ(json["upsampling"], 1);
+  EXPECT_EQ(json["warnings"], nlohmann::json::array({warning}));
+}
+
+TEST(SrsCommand, UpsamplesToTenSamplesPerCycleAndSaysSo) {
+  const TempFolder folder;
+  const auto run = [&](const std::string& to) {
+    const auto result = RunCommand({"srs", kHalfSine, "--to", to, "--json", folder / "s.json"});
+    EXPECT_EQ(result.code, 0) << result.err;
+    EXPECT_EQ(result.err, "");
+    return std::pair(result.out, nlohmann::json::parse(ReadText(folder / "s.json")));
+  };
+  const auto [plain, one] = run("1280");
+  EXPECT_EQ(one["upsampling"], 1);
+  EXPECT_EQ(one["record"], nlohmann::json::array());
+  const auto [out, five] = run("6000");
+  const std::string remark = "upsampled 5 times to 64000 Hz: 10 samples per cycle at 6000 Hz";
+  EXPECT_NE(out.find("record:    " + remark + "\n"), std::string::npos) << out;
+  EXPECT_EQ(five["upsampling"], 5);
+  EXPECT_EQ(five["record"], nlohmann::json::array({remark}));
+  EXPECT_EQ(five["warnings"], nlohmann::json::array());
+  EXPECT_EQ(run("2560").second["upsampling"], 2);
+  EXPECT_EQ(run("2561").second["upsampling"], 3);
+}
+
+/// A burst about 1 kHz without an edge, as a function of time.
+double Burst(double t) {
+  const double u = (t - 0.1) / 0.02;
+  return 30.0 * std::exp(-u * u) * std::sin(2 * std::acos(-1.0) * 1000.0 * t);
+}
+
+TEST(SrsCommand, OfARecordOfFewSamplesPerCycleIsThatOfTheShockWhereItIsUpsampled) {
+  const TempFolder folder;
+  const auto spectrum = [&](double rate, const std::vector<std::string>& options) {
+    std::ostringstream text;
+    text.precision(12);
+    for (int i = 0; i < static_cast<int>(0.2 * rate); ++i) {
+      text << i / rate << "," << Burst(i / rate) << "\n";
+    }
+    WriteText(folder / "m.csv", text.str());
+    std::vector<std::string> arguments{"srs",  folder / "m.csv", "--from", "900",
+                                       "--to", "1200",           "--csv",  folder / "s.csv"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    const auto result = RunCommand(arguments);
+    EXPECT_EQ(result.code, 0) << result.err;
+    return Rows(folder / "s.csv");
+  };
+  const auto exact = spectrum(100000, {});
+  const auto few = spectrum(2500, {});
+  const auto straight = spectrum(2500, {"--no-upsample"});
+  ASSERT_EQ(exact.size(), few.size());
+  for (std::size_t i = 0; i < exact.size(); ++i) {
+    EXPECT_NEAR(few[i][1], exact[i][1], 0.04 * exact[i][1]) << exact[i][0];
+    EXPECT_LT(straight[i][1], 0.7 * exact[i][1]) << exact[i][0];
+  }
+}
+
+TEST(Upsampling, KeepsTheRecordsOwnSamplesAndTheStraightLinesToTheFirstAndFromTheLast) {
+  std::vector<double> samples;
+  for (int i = 0; i < 200; ++i) samples.push_back(std::sin(0.3 * i) + 0.5);
+  const assess::OwnedRecord out = assess::Upsampled({samples, 1000.0, "g", 2.0}, 4);
+  EXPECT_EQ(out.fsamp, 4000.0);
+  EXPECT_EQ(out.unit, "g");
+  ASSERT_EQ(out.samples.size(), 201U * 4 - 1);
+  EXPECT_DOUBLE_EQ(out.begin + 3 / out.fsamp, 2.0);
+  for (std::size_t i = 0; i < 200; ++i) EXPECT_EQ(out.samples[3 + 4 * i], samples[i]);
+  for (std::size_t k = 1; k < 4; ++k) {
+    const double share = static_cast<double>(k) / 4;
+    EXPECT_DOUBLE_EQ(out.samples[k - 1], share * samples.front());
+    EXPECT_DOUBLE_EQ(out.samples[out.samples.size() - k], share * samples.back());
+  }
+  // Between, away from the ends, it is the sine.
+  for (std::size_t i = 40 * 4; i < 160 * 4; ++i) {
+    EXPECT_NEAR(out.samples[3 + i], std::sin(0.3 * static_cast<double>(i) / 4) + 0.5, 1e-4);
+  }
+  EXPECT_EQ(assess::Upsampled({samples, 1000.0}, 1).samples, samples);
+}
+
+TEST(Upsampling, TakesNoMoreSamplesThanAreOfUse) {
+  const auto factor = [](std::size_t samples, double highest) {
+    const assess::Upsampling found = assess::UpsamplingFor(samples, 1000.0, highest);
+    return std::pair(found.wanted, found.factor);
+  };
+  EXPECT_EQ(factor(1000, 100.0), std::pair(1, 1));
+  EXPECT_EQ(factor(1000, 100.1), std::pair(2, 2));
+  EXPECT_EQ(factor(1000, 499.0), std::pair(5, 5));
+  EXPECT_EQ(factor(1000, 600.0), std::pair(1, 1));  // there is no spectrum
+  EXPECT_EQ(factor(1000, std::nan("")), std::pair(1, 1));
+  EXPECT_EQ(factor(10'000'000, 499.0), std::pair(5, 2));
+  EXPECT_EQ(factor(30'000'000, 499.0), std::pair(5, 1));
 }
 
 TEST(SrsCommand, RefusesWhatIsNoSpectrum) {

@@ -14,6 +14,8 @@ namespace qarv::assess {
 
 /// Below it an oscillator feels that its input is made of straight lines between samples.
 inline constexpr double kSamplesPerCycle = 10.0;
+/// The highest natural frequency of a spectrum [of the sampling frequency].
+inline constexpr double kHighestLine = 0.499;
 
 struct SpectrumSettings {
   std::string response = "acceleration";  // one of ResponseNames

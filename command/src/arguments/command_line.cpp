@@ -262,6 +262,8 @@ void CommandLine::AddSrs() {
   auto* const points = Add(command, "--points", &srs.settings.points, kNumber,
                            "number of lines, instead of --per-octave")
                            ->excludes(perOctave);
+  command->add_flag("--no-upsample", srs.noUpsample,
+                    "straight lines between the samples as they are, however few there are");
   auto* const tripartite =
       command->add_flag("--tripartite", srs.tripartite,
                         "pseudo velocity, with lines of displacement and acceleration in the plot");

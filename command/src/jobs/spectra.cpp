@@ -109,6 +109,7 @@ std::string JsonOf(const SpectraRun& run) {
   Json json;
   json["response"] = first.response;
   json["unit"] = first.unit;
+  json["upsampling"] = run.upsampling;
   json["record"] = run.remarks;
   json["warnings"] = run.warnings;
   if (!run.verdict.empty()) json["requirement"] = Json::parse(assess::AsJson(run.verdict));

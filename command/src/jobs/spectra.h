@@ -15,6 +15,7 @@ std::string QText(double zeta);
 /// The spectra of one waveform on the same lines, and what is said of it.
 struct SpectraRun {
   std::vector<assess::Spectrum> spectra;  // one for each damping ratio; one at least
+  int upsampling = 1;                     // samples for one of the waveform
   std::vector<std::string> remarks;       // choices, conversions and steps before, a line each
   std::vector<std::string> warnings;
   assess::Entries verdict;  // against a requirement; empty without

@@ -13,6 +13,7 @@
 #include "assess/requirement.h"
 #include "assess/spectrum.h"
 #include "assess/synthesis.h"
+#include "assess/upsampling.h"
 #include "assessment.h"
 #include "command_error.h"
 #include "definition/definition.h"
@@ -96,6 +97,33 @@ void ConvertTo(const std::string& unit, const std::string& input, InputWave* wav
   wave->remarks.push_back(fmt::format("converted from {} to {}", own, unit));
 }
 
+/// Brings the waveform to so many samples that straight lines between them stand for it up to the
+/// highest line.  A definition's too: what comes out of a converter is band-limited between the
+/// samples, as a record of it is.
+/// @return samples for one of the waveform
+int Upsample(double highest, const std::string& input, InputWave* wave) {
+  const auto [wanted, factor] =
+      assess::UpsamplingFor(wave->samples.GetSize(), wave->fsamp, highest);
+  const std::string enough =
+      fmt::format("{:g} samples per cycle at {:g} Hz", assess::kSamplesPerCycle, highest);
+  if (factor > 1) {
+    const assess::OwnedRecord finer = Assessed(input, [&] {
+      return assess::Upsampled(
+          {definition::SpanOf(wave->samples), wave->fsamp, wave->unit, wave->begin}, factor);
+    });
+    wave->samples.SetData(finer.samples.size(), finer.samples.data(), false);
+    wave->fsamp = finer.fsamp;
+    wave->begin = finer.begin;
+    wave->remarks.push_back(fmt::format("upsampled {} times to {:g} Hz{}", factor, finer.fsamp,
+                                        factor == wanted ? ": " + enough : ""));
+  }
+  if (factor < wanted) {
+    wave->remarks.push_back(fmt::format("{} times would give {}; a record of {} samples has {}",
+                                        wanted, enough, assess::kMostUpsampled, factor));
+  }
+  return factor;
+}
+
 synthesis::SrsComparison Compare(const assess::Requirement& requirement, const InputWave& wave,
                                  const std::string& input) {
   const auto comparison =
@@ -134,14 +162,18 @@ ExitCode Srs(const SrsOptions& options) {
   std::optional<assess::Requirement> loaded;
   if (!options.requirement.empty()) loaded = LoadRequirement(options.requirement);
   const assess::Requirement* const requirement = loaded ? &*loaded : nullptr;
-  const std::vector<assess::SpectrumSettings> settings = SettingsOf(options, requirement);
+  std::vector<assess::SpectrumSettings> settings = SettingsOf(options, requirement);
   std::vector<InputWave> waves = LoadInputWaves(options.input, options.choice);
   if (waves.size() > 1)
     Fail("--channel", "names several: a spectrum is that of one, or of their --resultant");
   InputWave& wave = waves.front();
   TakeSteps(ConditioningOf(options.steps), options.input, &wave);
   if (requirement != nullptr) ConvertTo(requirement->unit, options.input, &wave);
+  // The lines are those of the waveform as it is.
+  const double highest = settings.front().to.value_or(wave.fsamp / assess::kSamplesPerCycle);
+  for (assess::SpectrumSettings& one : settings) one.to = highest;
   SpectraRun run;
+  if (!options.noUpsample) run.upsampling = Upsample(highest, options.input, &wave);
   for (const assess::SpectrumSettings& one : settings) {
     run.spectra.push_back(SpectrumOf(options.input, wave, one));
   }

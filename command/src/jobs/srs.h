@@ -19,6 +19,7 @@ struct SrsOptions {
   assess::SpectrumSettings settings;  // but for its q
   std::string q;                      // quality factors, separated by commas; empty: the usual one
   bool tripartite = false;      // pseudo velocity on axes of displacement and acceleration too
+  bool noUpsample = false;      // straight lines between the samples as they are
   std::string requirement;      // required spectrum (.json); empty for none
   std::string csv, json, plot;  // files to write; empty for none
 };
