@@ -238,9 +238,12 @@ void CommandLine::AddJudge() {
 
 void CommandLine::AddSrs() {
   auto* const command = app.add_subcommand("srs", "Calculate a shock response spectrum");
-  AddFile(command, "INPUT", &srs.input,
-          "definition (.json), measured samples (text, .uff, .npy, .mat, .wav) or record, - for "
-          "standard input")
+  command
+      ->add_option("INPUT", srs.inputs,
+                   "definition (.json), measured samples (text, .uff, .npy, .mat, .wav) or record, "
+                   "- for standard input; several with --envelope")
+      ->type_name(kFile)
+      ->transform(NameOf(kStandardInput, kFile))
       ->required();
   AddChoice(command, &srs.choice);
   AddSteps(command, &srs.steps);
@@ -270,7 +273,11 @@ void CommandLine::AddSrs() {
   auto* const requirement =
       AddInput(command, "--requirement", &srs.requirement,
                "required spectrum (.json), with its damping and lines: the verdict");
-  for (CLI::Option* option : {response, damping, from, to, perOctave, points, tripartite}) {
+  auto* const envelope =
+      command->add_flag("--envelope", srs.envelope,
+                        "of several records: their envelope, mean and P95/50 tolerance limit");
+  for (CLI::Option* option :
+       {envelope, response, damping, from, to, perOctave, points, tripartite}) {
     requirement->excludes(option);
   }
   AddFile(command, "--csv", &srs.csv, "write all responses over frequency");

@@ -36,12 +36,6 @@ constexpr std::array<Column, 7> kColumns{{
     {"residual_negative", [](const SrsPoint& p) { return p.residual.negative; }},
 }};
 
-/// A number, or as a text what is none in JSON.
-Json Shown(double v) {
-  if (!std::isfinite(v)) return text::NumberText(v);
-  return Plain(v);
-}
-
 /// The largest response with its unit, and where it is.
 std::array<std::string, 2> LargestOf(const Spectrum& spectrum) {
   const auto& points = spectrum.points;
@@ -66,6 +60,11 @@ std::string TableOf(const std::vector<Spectrum>& spectra) {
 }
 
 }  // namespace
+
+nlohmann::ordered_json NumberJson(double v) {
+  if (!std::isfinite(v)) return text::NumberText(v);
+  return Plain(v);
+}
 
 std::string QText(double zeta) { return fmt::format("{:.4g}", 0.5 / zeta); }
 
@@ -116,12 +115,12 @@ std::string JsonOf(const SpectraRun& run) {
   for (const SrsPoint& point : first.points) json["frequency"].push_back(point.frequency);
   for (const Spectrum& spectrum : run.spectra) {
     Json& one = json["spectra"].emplace_back();
-    one["q"] = Shown(0.5 / spectrum.zeta);
+    one["q"] = NumberJson(0.5 / spectrum.zeta);
     one["damping"] = spectrum.zeta;
     for (const Column& column : kColumns) {
       Json& values = one[column.name] = Json::array();
       for (const SrsPoint& point : spectrum.points) {
-        values.push_back(Shown(spectrum.factor * column.value(point)));
+        values.push_back(NumberJson(spectrum.factor * column.value(point)));
       }
     }
   }

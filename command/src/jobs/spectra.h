@@ -1,6 +1,7 @@
 // What has been found of a shock: its spectra, as text, as CSV and as JSON.
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,9 @@ namespace qarv::command {
 
 /// A quality factor as names and texts have it.
 std::string QText(double zeta);
+
+/// A number, or as a text what is none in JSON.
+nlohmann::ordered_json NumberJson(double v);
 
 /// The spectra of one waveform on the same lines, and what is said of it.
 struct SpectraRun {

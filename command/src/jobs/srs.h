@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "assess/spectrum.h"
 #include "command_error.h"
@@ -13,7 +14,8 @@
 namespace qarv::command {
 
 struct SrsOptions {
-  std::string input;
+  std::vector<std::string> inputs;  // one, unless their envelope is asked for
+  bool envelope = false;
   MeasuredChoice choice;  // of measured samples
   StepOptions steps;
   assess::SpectrumSettings settings;  // but for its q
@@ -29,7 +31,8 @@ struct SrsOptions {
 std::optional<assess::Spectrum> SpectrumOf(const wave_def::CWaveDef& def, const std::string& name);
 
 /// Calculates the spectrum for each quality factor, writes the files that are asked for, and prints
-/// a short summary; with a requirement, on its lines and with the verdict.
+/// a short summary; with a requirement, on its lines and with the verdict.  Of several records that
+/// is what their spectra have in common.
 /// @return kRefused where the spectrum is not what is required
 ExitCode Srs(const SrsOptions& options);
 

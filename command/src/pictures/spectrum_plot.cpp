@@ -144,6 +144,28 @@ SpectrumCurve CurveOf(const Spectrum& spectrum, const std::string& title, const 
 
 constexpr auto kMaximax = [](const SrsPoint& p) { return p.Total().Maximax(); };
 
+/// Levels over the lines of an ensemble.
+SpectrumCurve CurveOf(const assess::Ensemble& ensemble, const std::vector<double>& levels,
+                      const std::string& title, const std::string& style) {
+  SpectrumCurve curve{title, style, {}};
+  for (std::size_t i = 0; i < levels.size(); ++i) {
+    curve.points.push_back({ensemble.members.front().points[i].frequency, levels[i]});
+  }
+  return curve;
+}
+
+std::string QTitle(const Spectrum& spectrum) {
+  return fmt::format("Q {:.4g}", 0.5 / spectrum.zeta);
+}
+
+/// Told apart by eyes that see no red too; the limits of a requirement are red.
+std::string StyleOfSeveral(std::size_t i) {
+  constexpr std::array<const char*, 6> kColors{"#1f3f7c", "#e08e0b", "#2e8b57",
+                                               "#7b4fa3", "#17a2b8", "#6b6b6b"};
+  return fmt::format("linecolor rgb \"{}\" linewidth 2.2{}", kColors[i % kColors.size()],
+                     i < kColors.size() ? "" : " dashtype (4,3)");
+}
+
 }  // namespace
 
 std::string SpectrumTitle(const Spectrum& spectrum) {
@@ -210,9 +232,6 @@ SpectrumPicture PictureOf(const Spectrum& spectrum, const std::string& title, Ax
 
 SpectrumPicture PictureOf(const std::vector<Spectrum>& spectra, const std::string& title,
                           Axes axes) {
-  // Told apart by eyes that see no red too; the limits of a requirement are red.
-  constexpr std::array<const char*, 6> kColors{"#1f3f7c", "#e08e0b", "#2e8b57",
-                                               "#7b4fa3", "#17a2b8", "#6b6b6b"};
   SpectrumPicture picture{title,
                           "Shock response spectra, maximax",
                           ResponseLabel(spectra.front()),
@@ -220,11 +239,37 @@ SpectrumPicture PictureOf(const std::vector<Spectrum>& spectra, const std::strin
                           spectra.front().known,
                           {}};
   for (std::size_t i = 0; i < spectra.size(); ++i) {
-    const char* const dashes = i < kColors.size() ? "" : " dashtype (4,3)";
-    picture.curves.push_back(CurveOf(
-        spectra[i], fmt::format("Q {:.4g}", 0.5 / spectra[i].zeta),
-        fmt::format("linecolor rgb \"{}\" linewidth 2.2{}", kColors[i % kColors.size()], dashes),
-        kMaximax));
+    picture.curves.push_back(CurveOf(spectra[i], QTitle(spectra[i]), StyleOfSeveral(i), kMaximax));
+  }
+  return picture;
+}
+
+SpectrumPicture PictureOf(const std::vector<assess::Ensemble>& ensembles, const std::string& title,
+                          Axes axes) {
+  const assess::Ensemble& only = ensembles.front();
+  const Spectrum& first = only.members.front();
+  SpectrumPicture picture{title, SpectrumTitle(first), ResponseLabel(first), axes, first.known, {}};
+  if (ensembles.size() > 1) {
+    picture.subtitle = "Envelopes of shock response spectra";
+    for (std::size_t i = 0; i < ensembles.size(); ++i) {
+      const assess::Ensemble& one = ensembles[i];
+      picture.curves.push_back(
+          CurveOf(one, one.envelope, QTitle(one.members.front()), StyleOfSeveral(i)));
+    }
+    return picture;
+  }
+  for (const Spectrum& member : only.members) {
+    const bool named = &member == only.members.data();  // one stands for all in the legend
+    picture.curves.push_back(CurveOf(member, named ? "records" : "",
+                                     "linecolor rgb \"#b8c4d6\" linewidth 1.2", kMaximax));
+  }
+  picture.curves.push_back(
+      CurveOf(only, only.envelope, "envelope", "linecolor rgb \"#1f3f7c\" linewidth 2.2"));
+  picture.curves.push_back(
+      CurveOf(only, only.mean, "mean", "linecolor rgb \"#2e8b57\" linewidth 1.8"));
+  if (!only.p9550.empty()) {
+    picture.curves.push_back(CurveOf(only, only.p9550, "P95/50",
+                                     "linecolor rgb \"#c0392b\" dashtype (9,5) linewidth 1.8"));
   }
   return picture;
 }

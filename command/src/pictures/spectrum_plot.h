@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "assess/ensemble.h"
 #include "assess/spectrum.h"
 #include "pictures/gnuplot.h"
 #include "synthesis/requirement.h"
@@ -41,6 +42,11 @@ SpectrumPicture PictureOf(const assess::Spectrum& spectrum, const std::string& t
 
 /// The maximax of each spectrum of a waveform, told apart by its quality factor.
 SpectrumPicture PictureOf(const std::vector<assess::Spectrum>& spectra, const std::string& title,
+                          Axes axes);
+
+/// Of one ensemble its records' maximax, lightly, below envelope, mean and P95/50; of several, for
+/// a quality factor each, their envelopes.
+SpectrumPicture PictureOf(const std::vector<assess::Ensemble>& ensembles, const std::string& title,
                           Axes axes);
 
 /// Adds what is required, with its tolerance.
