@@ -245,6 +245,7 @@ Judgement Judge(const CWaveDef& def, const Record& measured, const JudgeSettings
   if (const std::string drift = Drift(def, out.overlay); !drift.empty()) warnings.push_back(drift);
   out.correlation = outcome.found.correlation;
   out.entries = EntriesOf(def, record, outcome, settings);
+  out.begin = record.begin + out.overlay.start / record.fsamp;
   out.warnings = std::move(warnings);
   return std::move(out);
 }

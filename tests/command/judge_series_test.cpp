@@ -6,6 +6,9 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "assess/frame.h"
+#include "assess/series.h"
+#include "files/definition_file.h"
 #include "run_command.h"
 
 namespace qarv::test {
@@ -297,6 +300,91 @@ TEST_F(JudgeSeries, WritesOnePageToFile) {
   for (auto at = page.find("<svg"); at != std::string::npos; at = page.find("<svg", at + 1))
     ++pictures;
   EXPECT_EQ(pictures, 3U);
+}
+
+TEST_F(JudgeSeries, DrawsTheRecordBeforeItsStepsBehindIt) {
+  const auto record = Record("a.csv", 0.8, [](double t) { return Three(t, 50) + 2; });
+  ASSERT_EQ(Run({record, "--offset", "quiet", "--plot", folder / "a.svg"}).code, 0);
+  ExpectHas(ReadText(folder / "a.svg"), ">before the steps<");
+  const auto same = Record("b.csv", 0.8, [](double t) { return Three(t, 50); });
+  ASSERT_EQ(Run({same, "--plot", folder / "b.svg", "--html", folder / "b.html"}).code, 0);
+  EXPECT_EQ(ReadText(folder / "b.svg").find(">before the steps<"), std::string::npos);
+  EXPECT_EQ(ReadText(folder / "b.html").find(">before the steps<"), std::string::npos);
+}
+
+TEST_F(JudgeSeries, ARecordLiesOnTheFrameWhereItWasJudged) {
+  const auto def = command::LoadDefinition(shock);
+  // At another rate, in another unit, from another time on; the last shock without its end.
+  const double rate = 44100;
+  std::vector<double> samples;
+  for (int k = 0; k < static_cast<int>(0.715 * rate); ++k) {
+    samples.push_back(9.80665 * Three(k / rate, 50));
+  }
+  const assess::Record record{samples, rate, "m/s^2", -3.0};
+  const assess::Series series = assess::JudgeSeries(def, record);
+  ASSERT_EQ(series.shocks.size(), 3U);
+  for (const assess::ShockVerdict& verdict : series.shocks) {
+    ASSERT_TRUE(verdict.judgement);
+    const assess::Overlay& overlay = verdict.judgement->overlay;
+    const auto lain = assess::OnFrame(def, *verdict.judgement, record);
+    ASSERT_EQ(lain.GetSize(), overlay.wave.GetSize());
+    for (std::size_t i = 0; i < lain.GetSize(); ++i) {
+      const bool covered = i >= overlay.first && i <= overlay.last;
+      EXPECT_EQ(std::isfinite(lain[i]), covered) << i;
+      // The overlay of a negative shock is turned over.
+      const double expected = (verdict.negative ? -1 : 1) * overlay.wave[i];
+      EXPECT_NEAR(covered ? lain[i] : expected, expected, 0.01) << i;
+    }
+    const assess::Stretch covered = assess::CoveredBy(def, *verdict.judgement, record);
+    EXPECT_NEAR(record.begin + static_cast<double>(covered.first) / rate,
+                verdict.judgement->begin + static_cast<double>(overlay.first) / 12800, 1 / rate);
+    EXPECT_NEAR(record.begin + static_cast<double>(covered.last) / rate,
+                verdict.judgement->begin + static_cast<double>(overlay.last) / 12800, 1 / rate);
+  }
+}
+
+TEST_F(JudgeSeries, ShowsTheSpectrumOfEachShockBesideTheRequiredOne) {
+  WriteText(folder / "req.json", R"({"UnitAmpl": "m/s^2", "Points": [[20, 380], [80, 800],
+                                     [3000, 480]], "TolUpper": 1, "TolLower": -1})");
+  const auto record = Record("a.csv", 0.8, [](double t) { return Three(t, 50); });
+  const auto alone = Record("one.csv", 0.3, [](double t) { return HalfSine(t - 0.1, 50); });
+  const std::vector<std::string> requirement{"--requirement", folder / "req.json"};
+  const auto with = [&](const std::string& file, const std::string& html) {
+    return Json({file, requirement[0], requirement[1], "--html", folder / html}, 0);
+  };
+  const auto three = with(record, "three.html");
+  const auto one = with(alone, "one.html");
+  // Silence around it does not change a spectrum: each is that of the whole record of one shock.
+  ASSERT_EQ(
+      RunCommand({"srs", alone, requirement[0], requirement[1], "--json", folder / "s.json"}).code,
+      1);
+  const auto srs = nlohmann::json::parse(ReadText(folder / "s.json"));
+  const auto expect = [&](const nlohmann::json& spectrum) {
+    EXPECT_EQ(spectrum["frequency"], srs["frequency"]);
+    EXPECT_EQ(spectrum["unit"], "m/s^2");
+    const auto& expected = srs["spectra"][0]["maximax"];
+    ASSERT_EQ(spectrum["maximax"].size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+      EXPECT_NEAR(spectrum["maximax"][i], expected[i], 1e-3 * expected[i].get<double>());
+    }
+    EXPECT_EQ(spectrum["verdict"]["value"], "outside");
+  };
+  expect(one["spectrum"]);
+  for (const auto& item : three["records"][0]["shocks"]) expect(item["spectrum"]);
+  // The verdict stays that of the bands; what lies outside is a warning.
+  EXPECT_EQ(one["verdict"]["value"], "pass");
+  ExpectHas(one["warnings"]["value"][0], "its spectrum is outside the required one: worst ");
+  const std::string page = ReadText(folder / "three.html");
+  std::size_t pictures = 0;
+  for (auto at = page.find("<svg"); at != std::string::npos; at = page.find("<svg", at + 1))
+    ++pictures;
+  EXPECT_EQ(pictures, 6U);
+  for (const char* const part : {">required<", ">tolerance<", ">shock, Q 10<"}) {
+    ExpectHas(page, part);
+  }
+  const auto low = Run({record, requirement[0], folder / "none.json"});
+  EXPECT_EQ(low.code, 2);
+  ExpectHas(low.err, "none.json: does not exist");
 }
 
 }  // namespace

@@ -3,10 +3,10 @@
 
     check_gallery.py OUT FOLDER...     folders that have a file NAME.json for each definition
 
-Fails where the page or a report that it links to says something on the console, a picture does not
+Fails where the page, a report that it links to or the page of a verdict says something on the console, a picture does not
 load, a definition is missing or doubled, a value or a file is missing, anything is fetched from
-elsewhere, a page is wider than the window or stands at its edge, a text is too small to read, or a
-printed sheet has other than four definitions."""
+elsewhere, a page is wider than the window or stands at its edge, a text is too small to read or
+broken within a word, a printed sheet has other than four definitions, or a sheet cuts a picture."""
 import base64
 import pathlib
 import re
@@ -60,9 +60,13 @@ def check_layout(driver, page):
         shown = driver.execute_script("""
             const seen = [...document.querySelectorAll("h1, h2, p, th, td, img, svg")].filter(
                 e => e.getClientRects().length);
-            const boxes = seen.map(e => e.getBoundingClientRect());
+            const boxes = seen.filter(e => !e.closest(".wide")).map(e => e.getBoundingClientRect());
+            const lines = e => { const range = document.createRange(); range.selectNodeContents(e);
+                                 return new Set([...range.getClientRects()].map(b => b.top)).size; };
+            const broken = seen.filter(e => e.matches("th") && !e.textContent.trim().match(/\\s/) &&
+                                            lines(e) > 1);
             const texts = seen.filter(e => e.matches("h1, h2, p, th, td"));
-            return {scroll: document.documentElement.scrollWidth, inner: window.innerWidth,
+            return {broken: broken.map(e => e.textContent), scroll: document.documentElement.scrollWidth, inner: window.innerWidth,
                     left: Math.min(...boxes.map(b => b.left)),
                     right: window.innerWidth - Math.max(...boxes.map(b => b.right)),
                     font: Math.min(...texts.map(e => parseFloat(getComputedStyle(e).fontSize))),
@@ -71,6 +75,7 @@ def check_layout(driver, page):
         where = f"{page} at {width}"
         check(shown["inner"] == width and shown["scroll"] <= width, f"{where}: is {shown} wide")
         check(min(shown["left"], shown["right"]) >= 12, f"{where}: stands at the edge: {shown}")
+        check(not shown["broken"], f"{where}: breaks {shown['broken']}")
         check(shown["font"] >= 11, f"{where}: has a text of {shown['font']} px")
         check(shown["picture"] >= min(width - 50, 260), f"{where}: has a small picture: {shown}")
     driver.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
@@ -80,6 +85,34 @@ def sheets(driver):
     """How many sheets the page that is open prints on, with its own size of paper."""
     printed = driver.execute_cdp_cmd("Page.printToPDF", {"preferCSSPageSize": True})
     return len(re.findall(rb"/Type\s*/Page\b", base64.b64decode(printed["data"])))
+
+
+PAPER = (186, 273)  # what the margins leave of A4 [mm]
+
+
+def check_print(driver, page):
+    """No sheet of A4 cuts a picture or the line above one: none is larger than a sheet, or broken."""
+    width, height = (round(mm * 96 / 25.4) for mm in PAPER)
+    driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"media": "print"})
+    driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
+        "width": width, "height": height, "deviceScaleFactor": 1, "mobile": False})
+    opened(driver, page)
+    figures = driver.execute_script("""
+        return [...document.querySelectorAll("figure")].map(e => {
+            const box = e.getBoundingClientRect(), before = e.previousElementSibling;
+            return {right: box.right, height: box.height, inside: getComputedStyle(e).breakInside,
+                    svg: e.firstElementChild.getBoundingClientRect().height,
+                    before: before && before.matches("h2, .caption")
+                        ? [before.getBoundingClientRect().height, getComputedStyle(before).breakAfter]
+                        : [0, "avoid"]}})""")
+    check(figures, f"{page}: prints no picture")
+    for figure in figures:
+        check(figure["inside"] == "avoid" and figure["before"][1] == "avoid",
+              f"{page}: a sheet may end within {figure}")
+        check(figure["right"] <= width and figure["height"] + figure["before"][0] < height and
+              100 < figure["svg"] <= figure["height"], f"{page}: a sheet cuts {figure}")
+    driver.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
+    driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"media": ""})
 
 
 def check_card(card, out):
@@ -124,6 +157,34 @@ def check_report(driver, page, name):
     check(len(indents) >= 2 and min(indents) > 10, f"{name}: its parts are moved by {indents}")
 
 
+def check_verdict(driver, page):
+    """What the page of a verdict shows."""
+    opened(driver, page)
+    heading = driver.find_element(By.TAG_NAME, "h1").text
+    check(heading.startswith("Shock verdict: "), f"{page}: heading {heading}")
+    shocks = driver.find_elements(By.CSS_SELECTOR, ".wide tr")[1:]
+    pictures = driver.find_elements(By.TAG_NAME, "svg")
+    check(shocks and len(pictures) == 2 * len(shocks),
+          f"{page}: {len(pictures)} pictures of {len(shocks)} shocks")
+    for number, names in enumerate((("before the steps", "measured", "upper band", "reference"),
+                                    ("required", "tolerance", "shock, Q 10"))):
+        for picture in pictures[number::2]:
+            texts = driver.execute_script(
+                "return [...arguments[0].querySelectorAll('text')].map(e => e.textContent.trim())", picture)
+            for name in names:
+                check(name in texts, f"{page}: picture {number} does not name {name}: {texts}")
+    # Neither the legend nor an axis's name stands on another text.
+    over = driver.execute_script("""
+        const boxes = [...document.querySelectorAll("svg text")].map(e => e.getBoundingClientRect());
+        const over = (a, b) => Math.min(a.right, b.right) - Math.max(a.left, b.left) > 1 &&
+                               Math.min(a.bottom, b.bottom) - Math.max(a.top, b.top) > 0.3 * a.height;
+        let count = 0;
+        for (let i = 0; i < boxes.length; ++i)
+            for (let k = 0; k < i; ++k) if (over(boxes[i], boxes[k])) ++count;
+        return count""")
+    check(over == 0, f"{page}: {over} texts of its pictures stand on one another")
+
+
 def main():
     out, *folders = (pathlib.Path(argument) for argument in sys.argv[1:])
     expected = sorted(path.stem for folder in folders for path in folder.glob("*.json"))
@@ -146,9 +207,13 @@ def main():
             check_report(driver, out / f"{name}.html", name)
         for name in ("half_sine_fixed", "compensated_optimized", "measured"):
             check_layout(driver, out / f"{name}.html")
+        check_print(driver, out / "half_sine_fixed.html")
+        check_verdict(driver, out / "verdict.html")
+        check_layout(driver, out / "verdict.html")
+        check_print(driver, out / "verdict.html")
     finally:
         driver.quit()
-    print(f"{len(expected)} definitions, {len(images)} pictures, {len(expected)} reports")
+    print(f"{len(expected)} definitions, {len(images)} pictures, {len(expected)} reports, a verdict")
 
 
 if __name__ == "__main__":

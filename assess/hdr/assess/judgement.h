@@ -55,6 +55,7 @@ struct Judgement {
   double correlation;                       // with the waveform, over the pulse
   Entries entries;                          // every number of it
   std::vector<std::string> warnings;        // on the record
+  double begin = 0.0;  // [s] of the definition's first sample, as the record counts
 
   bool Passes() const { return bands.outside == 0 && (!velocity || velocity->passes); }
   /// What fails, for people; empty if nothing does.

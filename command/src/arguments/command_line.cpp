@@ -224,6 +224,8 @@ void CommandLine::AddJudge() {
       "tolerance of the velocity change [%] (10)");
   Add(command, "--dv-of", &judge.dvOf, "nominal|waveform|both",
       "what it is of (nominal; waveform, where that is compensated)");
+  AddFile(command, "--requirement", &judge.requirement,
+          "required spectrum (.json): that of each shock is shown beside it");
   command->add_flag("--force", judge.series.judge.force,
                     "judge a record that is sampled too coarsely for a verdict");
   AddFile(command, "--html", &judge.html, "write one page to file, with a picture of every shock");

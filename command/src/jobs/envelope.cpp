@@ -176,8 +176,9 @@ std::string JsonOf(const std::vector<Member>& members, const std::vector<Ensembl
 void Draw(const SrsOptions& options, const std::vector<Member>& members,
           const std::vector<Ensemble>& ensembles, OutputFiles* files) {
   const PlotFormat format = PlotFormatOf(options.plot);
+  const std::string first = members.front().GetName();
   const std::string title =
-      fmt::format("{} and {} more", members.front().GetName(), members.size() - 1);
+      members.size() == 1 ? first : fmt::format("{} and {} more", first, members.size() - 1);
   PlotCurves(PictureOf(ensembles, title, options.tripartite ? Axes::FourWay : Axes::Plain), format,
              files->Reserve(options.plot));
 }

@@ -8,15 +8,21 @@
 #include <chrono>
 #include <filesystem>
 #include <utility>
+#include <vector>
 
+#include "assess/frame.h"
 #include "assess/judgement.h"
+#include "assess/synthesis.h"
 #include "assessment.h"
 #include "definition/check.h"
+#include "definition/definition.h"
 #include "definition/title.h"
 #include "diagnostics.h"
 #include "files/definition_file.h"
 #include "files/output_files.h"
+#include "files/requirement_file.h"
 #include "jobs/judged.h"
+#include "jobs/spectrum_of.h"
 #include "pictures/verdict_plot.h"
 #include "platform/platform.h"
 #include "text/text.h"
@@ -113,21 +119,61 @@ std::string UnitText(const CWaveDef& def, const std::string& unit) {
   return unit == own ? own : fmt::format("{}, converted from {}", own, unit);
 }
 
+/// The samples of a record that the frame of a judged shock covers.
+InputWave ShockIn(const CWaveDef& def, const assess::Judgement& judgement, const InputWave& wave) {
+  const auto samples = SpanOf(wave.samples);
+  const assess::Stretch stretch =
+      assess::CoveredBy(def, judgement, {samples, wave.fsamp, wave.unit, wave.begin});
+  const auto part = samples.subspan(stretch.first, stretch.last - stretch.first + 1);
+  InputWave shock{{}, wave.fsamp, wave.unit};
+  shock.samples.SetData(part.size(), part.data(), false);
+  if (shock.unit.empty()) shock.unit = def.GetUnitAmpl().GetText();
+  return shock;
+}
+
+/// The spectrum of a shock on the lines of a requirement.
+JudgedSpectrum SpectrumBeside(const assess::Requirement& requirement, const std::string& file,
+                              InputWave shock) {
+  ConvertTo(requirement.unit, "the requirement's", file, &shock);
+  Upsample(requirement.spectrum.points.back().frequency, file, &shock);
+  const synthesis::SrsComparison comparison = Compare(requirement, shock, file);
+  return {SpectrumOf(file, shock, RequiredSettings(requirement)),
+          assess::VerdictEntries(requirement, comparison), comparison.Meets(requirement.spectrum),
+          shock.remarks};
+}
+
 /// Judges the channels of a file.
 void JudgeFile(const CWaveDef& def, const std::string& file, const JudgeOptions& options,
-               const assess::SeriesSettings& settings, std::vector<JudgedRecord>* records) {
+               const assess::SeriesSettings& settings,
+               const std::optional<assess::Requirement>& requirement,
+               std::vector<JudgedRecord>* records) {
   const assess::Conditioning steps = ConditioningOf(options.steps);
+  const bool isDrawn = !options.html.empty() || !options.plot.empty();
   for (InputWave& wave : LoadMeasured(file, options.choice)) {
     JudgedRecord judged;
     judged.file = file;
     judged.channel = wave.channel;
     judged.unit = UnitText(def, wave.unit);
-    TakeSteps(steps, file, &wave);
+    const assess::OwnedRecord before = isDrawn ? OwnedRecordOf(wave) : assess::OwnedRecord{};
+    const bool isChanged = TakeSteps(steps, file, &wave);
     judged.steps = wave.remarks;
     judged.series = Assessed(file, [&] {
       return assess::JudgeSeries(def, {SpanOf(wave.samples), wave.fsamp, wave.unit, wave.begin},
                                  settings);
     });
+    for (const assess::ShockVerdict& shock : judged.series.shocks) {
+      ShownShock& shown = judged.shown.emplace_back();
+      if (!shock.judgement) continue;
+      if (isDrawn && isChanged) {
+        shown.before = Assessed(file, [&] {
+          return assess::OnFrame(def, *shock.judgement,
+                                 {before.samples, before.fsamp, before.unit, before.begin});
+        });
+      }
+      if (requirement) {
+        shown.spectrum = SpectrumBeside(*requirement, file, ShockIn(def, *shock.judgement, wave));
+      }
+    }
     records->push_back(std::move(judged));
   }
 }
@@ -136,15 +182,17 @@ void JudgeFile(const CWaveDef& def, const std::string& file, const JudgeOptions&
 struct Drawn {
   const JudgedRecord* record;
   const assess::ShockVerdict* shock;
+  const ShownShock* shown;
 };
 
 Drawn ToDraw(const JudgedRun& run) {
-  Drawn first{nullptr, nullptr};
+  Drawn first{nullptr, nullptr, nullptr};
   for (const JudgedRecord& record : run.records) {
-    for (const assess::ShockVerdict& shock : record.series.shocks) {
+    for (std::size_t i = 0; i < record.series.shocks.size(); ++i) {
+      const assess::ShockVerdict& shock = record.series.shocks[i];
       if (!shock.judgement) continue;
-      if (!shock.Passes()) return {&record, &shock};
-      if (first.shock == nullptr) first = {&record, &shock};
+      if (!shock.Passes()) return {&record, &shock, &record.shown[i]};
+      if (first.shock == nullptr) first = {&record, &shock, &record.shown[i]};
     }
   }
   return first;
@@ -156,6 +204,7 @@ ExitCode Judge(const JudgeOptions& options) {
   const CWaveDef def = LoadReference(options.definition);
   JudgedRun run;
   run.definition = options.definition;
+  if (!options.requirement.empty()) run.requirement = LoadRequirement(options.requirement);
   for (const definition::Finding& finding : definition::CheckWave(def)) {
     run.remarks.push_back(OneLine(finding.text));
   }
@@ -163,11 +212,11 @@ ExitCode Judge(const JudgeOptions& options) {
   const std::vector<std::string> measured = FilesOf(options.measured);
   for (const std::string& file : measured) {
     if (measured.size() == 1) {
-      JudgeFile(def, file, options, settings, &run.records);
+      JudgeFile(def, file, options, settings, run.requirement, &run.records);
       continue;
     }
     try {
-      JudgeFile(def, file, options, settings, &run.records);
+      JudgeFile(def, file, options, settings, run.requirement, &run.records);
     } catch (const CommandError& e) {
       JudgedRecord& record = run.records.emplace_back();
       record.file = file;
@@ -186,8 +235,8 @@ ExitCode Judge(const JudgeOptions& options) {
     const std::string title =
         fmt::format("{}: {} ({})", fs::path(drawn.record->file).stem().string(),
                     drawn.shock->Passes() ? "pass" : "fail", definition::TitleOf(def));
-    PlotVerdict(def, drawn.shock->judgement->overlay, drawn.shock->negative, title, format,
-                files.Reserve(options.plot));
+    PlotVerdict(def, drawn.shock->judgement->overlay, drawn.shock->negative, drawn.shown->before,
+                title, format, files.Reserve(options.plot));
   }
   for (const std::string& remark : run.remarks) Warn(options.definition, remark);
   for (const JudgedRecord& record : run.records) {

@@ -18,6 +18,7 @@ struct JudgeOptions {
   MeasuredChoice choice;
   StepOptions steps;
   assess::SeriesSettings series;
+  std::string requirement;       // required spectrum (.json), which each shock's is shown beside
   std::string dvOf;              // "nominal", "waveform", "both"; empty: the usual one
   std::string polarity;          // "both", "own"; empty: the usual one
   std::string at;                // times [s], separated by commas

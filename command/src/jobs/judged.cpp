@@ -9,8 +9,10 @@
 #include <nlohmann/json.hpp>
 
 #include "definition/title.h"
+#include "jobs/spectra.h"
 #include "pages/html.h"
 #include "pages/parts.h"
+#include "pictures/spectrum_plot.h"
 #include "pictures/verdict_plot.h"
 
 namespace qarv::command {
@@ -87,15 +89,69 @@ Entries HeadOf(const JudgedRecord& record) {
   return head;
 }
 
+Json JsonOf(const Entries& entries) { return Json::parse(AsJson(entries)); }
+
+/// The spectra of the shocks beside the required one, a line each.
+std::vector<std::string> SpectrumTextsOf(const JudgedRun& run) {
+  std::vector<std::string> texts;
+  for (const JudgedRecord& record : run.records) {
+    for (std::size_t i = 0; i < record.shown.size(); ++i) {
+      if (!record.shown[i].spectrum) continue;
+      texts.push_back(fmt::format("{}, shock {}: its spectrum is {}", record.GetName(), i + 1,
+                                  record.shown[i].spectrum->GetText()));
+    }
+  }
+  return texts;
+}
+
+/// A spectrum beside the required one: what follows, and the lists to draw it.
+Json JsonOf(const JudgedSpectrum& judged) {
+  Json json = JsonOf(judged.entries);
+  json["record"] = judged.remarks;
+  json["unit"] = judged.spectrum.unit;
+  for (const analysis::SrsPoint& point : judged.spectrum.points) {
+    json["frequency"].push_back(point.frequency);
+    json["maximax"].push_back(NumberJson(judged.spectrum.factor * point.Total().Maximax()));
+  }
+  return json;
+}
+
+std::string Dumped(const Json& json) {
+  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+/// The picture of a spectrum, and what it says.
+std::string SpectrumPart(const JudgedSpectrum& judged, const assess::Requirement& requirement,
+                         const std::string& target, OutputFiles* files) {
+  std::string text = "Spectrum: " + judged.GetText();
+  for (const std::string& remark : judged.remarks) text += "; " + remark;
+  return "<p class=\"caption\">" + HtmlText(text) + "</p>\n" +
+         Figure(target, files, [&](const std::string& file) {
+           SpectrumPicture picture = PictureOf(std::vector{judged.spectrum}, "", Axes::Plain);
+           picture.curves.front().title = "shock, Q " + QText(judged.spectrum.zeta);
+           AddRequirement(requirement.spectrum, &picture);
+           PlotCurves(picture, PlotFormat::Svg, file);
+         });
+}
+
 std::string StepsText(const JudgedRecord& record) {
   std::string text = fmt::format("{:<34} {}\n", "unit", record.unit);
   for (const std::string& step : record.steps) text += fmt::format("{:<34} {}\n", "step", step);
   return text;
 }
 
-Json JsonOf(const Entries& entries) { return Json::parse(AsJson(entries)); }
-
 }  // namespace
+
+std::string JudgedSpectrum::GetText() const {
+  const auto text = [&](const char* key) {
+    const auto at = std::find_if(entries.begin(), entries.end(),
+                                 [&](const Entry& entry) { return entry.key == key; });
+    return at == entries.end() ? std::string() : ValueText(*at);
+  };
+  return fmt::format("{} the required one: worst {} at {} on the lines, {} at {} in between",
+                     meets ? "inside" : "outside", text("gridWorst"), text("gridWorstFrequency"),
+                     text("betweenWorst"), text("betweenWorstFrequency"));
+}
 
 std::string JudgedRecord::GetName() const {
   const std::string name = std::filesystem::path(file).filename().string();
@@ -123,14 +179,15 @@ const ShockVerdict* JudgedRun::GetOnly() const {
 
 std::vector<std::string> WarningsOf(const JudgedRecord& record) {
   std::vector<std::string> warnings = record.series.warnings;
-  int number = 0;
-  for (const ShockVerdict& shock : record.series.shocks) {
-    ++number;
-    if (!shock.judgement) continue;
-    for (const std::string& warning : shock.judgement->warnings) {
-      const bool several = record.series.shocks.size() > 1;
-      warnings.push_back(several ? fmt::format("shock {}: {}", number, warning) : warning);
-    }
+  const std::vector<ShockVerdict>& shocks = record.series.shocks;
+  for (std::size_t i = 0; i < shocks.size(); ++i) {
+    if (!shocks[i].judgement) continue;
+    const auto warn = [&](const std::string& warning) {
+      warnings.push_back(shocks.size() > 1 ? fmt::format("shock {}: {}", i + 1, warning) : warning);
+    };
+    for (const std::string& warning : shocks[i].judgement->warnings) warn(warning);
+    const auto& spectrum = record.shown[i].spectrum;
+    if (spectrum && !spectrum->meets) warn("its spectrum is " + spectrum->GetText());
   }
   return warnings;
 }
@@ -138,7 +195,10 @@ std::vector<std::string> WarningsOf(const JudgedRecord& record) {
 std::string TextOf(const wave_def::CWaveDef& def, const JudgedRun& run) {
   const ShockVerdict* const only = run.GetOnly();
   if (only != nullptr && only->judgement) {
-    return AsText(only->judgement->entries) + StepsText(run.records[0]);
+    std::string text = AsText(only->judgement->entries) + StepsText(run.records[0]);
+    const auto& spectrum = run.records[0].shown[0].spectrum;
+    if (spectrum) text += fmt::format("{:<34} {}\n", "spectrum", spectrum->GetText());
+    return text;
   }
   const std::vector<TableRow> rows = RowsOf(def, run);
   std::array<std::size_t, kSummaryColumns> widths{};
@@ -154,6 +214,7 @@ std::string TextOf(const wave_def::CWaveDef& def, const JudgedRun& run) {
     text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
   }
   for (const std::string& reason : ReasonsOf(run)) text += reason + "\n";
+  for (const std::string& spectrum : SpectrumTextsOf(run)) text += spectrum + "\n";
   for (const JudgedRecord& record : run.records) {
     if (!record.error.empty()) continue;
     text += fmt::format("{}: unit {}\n", record.GetName(), record.unit);
@@ -174,7 +235,10 @@ std::string JsonOf(const JudgedRun& run) {
     const std::vector<std::string> own = WarningsOf(run.records[0]);
     warnings.insert(warnings.end(), own.begin(), own.end());
     entries.push_back({"warnings", "warnings", warnings, ""});
-    return AsJson(entries);
+    Json json = JsonOf(entries);
+    const auto& spectrum = run.records[0].shown[0].spectrum;
+    if (spectrum) json["spectrum"] = JsonOf(*spectrum);
+    return Dumped(json);
   }
   Json json =
       JsonOf({{"verdict", "verdict", run.GetVerdict(), ""}, {"warnings", "", run.remarks, ""}});
@@ -187,7 +251,8 @@ std::string JsonOf(const JudgedRun& run) {
     head.push_back({"warnings", "warnings", WarningsOf(record), ""});
     Json item = JsonOf(head);
     item["shocks"] = Json::array();
-    for (const ShockVerdict& shock : record.series.shocks) {
+    for (std::size_t i = 0; i < record.series.shocks.size(); ++i) {
+      const ShockVerdict& shock = record.series.shocks[i];
       Entries entries{{"time", "time", shock.time, "s"},
                       {"polarity", "polarity", shock.peak < 0.0 ? "negative" : "positive", ""}};
       if (shock.judgement) {
@@ -198,10 +263,12 @@ std::string JsonOf(const JudgedRun& run) {
         entries.push_back({"reason", "reason", shock.reason, ""});
       }
       item["shocks"].push_back(JsonOf(entries));
+      const auto& spectrum = record.shown[i].spectrum;
+      if (spectrum) item["shocks"].back()["spectrum"] = JsonOf(*spectrum);
     }
     json["records"].push_back(item);
   }
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return Dumped(json);
 }
 
 void WriteJudgePage(const wave_def::CWaveDef& def, const JudgedRun& run, const std::string& date,
@@ -237,15 +304,17 @@ void WriteJudgePage(const wave_def::CWaveDef& def, const JudgedRun& run, const s
   body += "</table></div>\n";
   for (const std::string& reason : ReasonsOf(run)) body += "<p>" + HtmlText(reason) + "</p>\n";
   for (const JudgedRecord& record : run.records) {
-    int number = 0;
-    for (const ShockVerdict& shock : record.series.shocks) {
-      ++number;
+    for (std::size_t i = 0; i < record.series.shocks.size(); ++i) {
+      const ShockVerdict& shock = record.series.shocks[i];
+      const ShownShock& shown = record.shown[i];
       if (!shock.judgement) continue;
-      body += fmt::format("<h2>{}, shock {}: {}</h2>\n", HtmlText(record.GetName()), number,
+      body += fmt::format("<h2>{}, shock {}: {}</h2>\n", HtmlText(record.GetName()), i + 1,
                           VerdictOf(shock));
       body += Figure(target, files, [&](const std::string& file) {
-        PlotVerdict(def, shock.judgement->overlay, shock.negative, "", PlotFormat::Svg, file);
+        PlotVerdict(def, shock.judgement->overlay, shock.negative, shown.before, "",
+                    PlotFormat::Svg, file);
       });
+      if (shown.spectrum) body += SpectrumPart(*shown.spectrum, *run.requirement, target, files);
       body += Table(shock.judgement->entries);
     }
   }

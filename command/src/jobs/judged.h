@@ -1,14 +1,36 @@
 // What has been judged: the records with their shocks, as text, as JSON and as a page.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "assess/requirement.h"
 #include "assess/series.h"
+#include "assess/spectrum.h"
+#include "common/data_array/data_array_float_t.h"
 #include "files/output_files.h"
 #include "wave_def/wave_def.h"
 
 namespace qarv::command {
+
+/// The spectrum of a shock beside the required one.
+struct JudgedSpectrum {
+  assess::Spectrum spectrum;  // in the requirement's unit
+  assess::Entries entries;    // the deviations and what follows from them
+  bool meets;
+  std::vector<std::string> remarks;  // conversions, a line each
+
+  /// For people: inside, or outside with the worst line.
+  std::string GetText() const;
+};
+
+/// What is shown of a shock beside its verdict.
+struct ShownShock {
+  common::CDataArrayFloatT<double> before{};  // the record before its steps, on the samples of the
+                                              // definition; empty where there were none
+  std::optional<JudgedSpectrum> spectrum{};   // where one is required
+};
 
 /// A channel of a measured file with its verdicts.
 struct JudgedRecord {
@@ -18,6 +40,7 @@ struct JudgedRecord {
   std::vector<std::string> steps;  // choices, conversions and steps before the verdict, a line each
   std::string error;               // why there are no verdicts; otherwise
   assess::Series series;
+  std::vector<ShownShock> shown;  // of each shock of the series
 
   std::string GetName() const;
 };
@@ -26,6 +49,7 @@ struct JudgedRecord {
 struct JudgedRun {
   std::string definition;            // the file
   std::vector<std::string> remarks;  // on the definition
+  std::optional<assess::Requirement> requirement;
   std::vector<JudgedRecord> records;
 
   bool Fails() const;

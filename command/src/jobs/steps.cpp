@@ -52,18 +52,22 @@ assess::Conditioning ConditioningOf(const StepOptions& options) {
   return steps;
 }
 
-void TakeSteps(const assess::Conditioning& steps, const std::string& file, InputWave* wave) {
+assess::OwnedRecord OwnedRecordOf(const InputWave& wave) {
+  const auto samples = definition::SpanOf(wave.samples);
+  return {{samples.begin(), samples.end()}, wave.fsamp, wave.unit, wave.begin};
+}
+
+bool TakeSteps(const assess::Conditioning& steps, const std::string& file, InputWave* wave) {
   const bool none = !steps.trim && !steps.offset && !steps.invert && !steps.highPass &&
                     !steps.lowPass && !steps.cfc;
-  if (none) return;
-  const auto samples = definition::SpanOf(wave->samples);
-  assess::OwnedRecord record{
-      {samples.begin(), samples.end()}, wave->fsamp, wave->unit, wave->begin};
+  if (none) return false;
+  assess::OwnedRecord record = OwnedRecordOf(*wave);
   const std::vector<std::string> taken =
       Assessed(file, [&] { return assess::Condition(steps, &record); });
   wave->remarks.insert(wave->remarks.end(), taken.begin(), taken.end());
   wave->samples.SetData(record.samples.size(), record.samples.data(), false);
   wave->begin = record.begin;
+  return true;
 }
 
 }  // namespace qarv::command

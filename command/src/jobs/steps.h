@@ -24,10 +24,14 @@ struct StepOptions {
 /// What the options ask for.  Ends the command where one of them is none.
 assess::Conditioning ConditioningOf(const StepOptions& options);
 
+/// A copy of a wave.
+assess::OwnedRecord OwnedRecordOf(const InputWave& wave);
+
 /// Takes the steps on a wave, and adds what was done to its remarks.
 /// @param[in] file  that it comes from
+/// @return whether there were any
 /// Ends the command where a step cannot be taken.
-void TakeSteps(const assess::Conditioning& steps, const std::string& file, InputWave* wave);
+bool TakeSteps(const assess::Conditioning& steps, const std::string& file, InputWave* wave);
 
 /// Numbers separated by commas.  Ends the command where one of them is none.
 std::vector<double> NumbersOf(const std::string& text, const char* option);

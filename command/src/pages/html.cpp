@@ -57,7 +57,7 @@ a { color: #1f4e9c; }
 table { border-collapse: collapse; width: 100%; max-width: 44em; font-size: 0.95em; }
 th, td { text-align: left; padding: 0.2em 0; border-bottom: 1px solid #ddd; font-weight: normal;
   vertical-align: top; }
-th { padding-right: 1em; }
+th { padding-right: 1em; overflow-wrap: break-word; }
 th.part { padding-left: 1.5em; color: #555; }
 td { font-variant-numeric: tabular-nums; }
 figure { margin: 0.5em 0 1em; max-width: 62em; }
@@ -68,6 +68,7 @@ svg g { font-family: "DejaVu Sans", Verdana, sans-serif; }
 .card h2, .card p, .card figure { margin: 0 0 0.4em; }
 .card .links { margin-top: 0.5em; }
 .card table { font-size: 0.8em; line-height: 1.3; }
+.caption { break-after: avoid; break-inside: avoid; margin: 0.5em 0 0; }
 .wide { overflow-x: auto; }
 .wide table { max-width: none; font-size: 0.8em; overflow-wrap: normal; }
 .wide th, .wide td { padding-right: 0.8em; }
@@ -99,7 +100,7 @@ svg g { font-family: "DejaVu Sans", Verdana, sans-serif; }
   .card:nth-of-type(4n):not(:last-of-type) { break-after: page; }
   .wide { overflow: visible; }
   .wide table { font-size: 6.5pt; overflow-wrap: anywhere; }
-  .wide th, .wide td { padding-right: 0.4em; }
+  .wide th, .wide td { padding-right: 0.4em; overflow-wrap: anywhere; }
   .links { display: none; }
 }
 )";

@@ -59,6 +59,8 @@ const char* StyleOf(Role role) {
       return "lines linecolor rgb \"#d68910\" dashtype (10,5) linewidth 1.5";
     case Role::Reference:
       return "lines linecolor rgb \"#909090\" linewidth 1.2";
+    case Role::Before:
+      return "lines linecolor rgb \"#9db8e0\" linewidth 1.2";
     case Role::Violation:
       return "points pointtype 7 pointsize 0.6 linecolor rgb \"#e00000\"";
     case Role::Wave:
@@ -125,12 +127,14 @@ void AppendBlock(const std::string& name, const Samples& samples, const Stretch&
 // --------------------------------------------------------------------------------------
 
 // Heights [pixel].
-constexpr double kAlone = 470.0;  // of a view: the only one
-constexpr double kMain = 350.0;   // of several, the first panel's
-constexpr double kOther = 210.0;  // of the other panels
-constexpr double kGap = 44.0;     // below a view, for the numbers of its axis
-constexpr double kLabel = 30.0;   // below an axis that is named
-constexpr double kFoot = 40.0;    // of the legend
+constexpr double kAlone = 470.0;   // of a view: the only one
+constexpr double kMain = 350.0;    // of several, the first panel's
+constexpr double kOther = 210.0;   // of the other panels
+constexpr double kGap = 44.0;      // below a view, for the numbers of its axis
+constexpr double kLabel = 30.0;    // below an axis that is named
+constexpr double kFoot = 40.0;     // of the legend
+constexpr double kRow = 20.0;      // of its second row
+constexpr std::size_t kInRow = 5;  // curves that a row has room for
 constexpr double kTitle = 48.0;
 constexpr double kNoTitle = 14.0;
 constexpr int kWidth = 1000;
@@ -162,12 +166,13 @@ Layout LayoutOf(const Picture& picture, const std::string& timeUnit) {
     view.bottom = y;
     y += kGap + (view.timeLabel.empty() ? 0.0 : kLabel);
   }
-  const double height = y + kFoot;
+  const double foot = kFoot + (picture.panels.front().curves.size() > kInRow ? kRow : 0.0);
+  const double height = y + foot;
   for (View& view : views) {
     view.top = 1.0 - view.top / height;
     view.bottom = 1.0 - view.bottom / height;
   }
-  return {views, static_cast<int>(height), 0.5 * kFoot / height};
+  return {views, static_cast<int>(height), 0.5 * foot / height};
 }
 
 std::string Script(const Picture& picture, PlotFormat format, const std::string& file) {

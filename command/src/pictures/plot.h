@@ -14,7 +14,7 @@
 namespace qarv::command {
 
 /// What a curve stands for.
-enum class Role { Wave, Upper, Lower, Reference, Violation };
+enum class Role { Wave, Upper, Lower, Reference, Violation, Before };
 
 struct Curve {
   std::string label;  // in the legend

@@ -2,6 +2,8 @@
 #include "pictures/verdict_plot.h"
 
 #include <cmath>
+#include <utility>
+#include <vector>
 
 #include "analysis/judge.h"
 #include "definition/definition.h"
@@ -23,7 +25,8 @@ Samples Turned(const Samples& samples) {
 }  // namespace
 
 void PlotVerdict(const wave_def::CWaveDef& def, const assess::Overlay& overlay, bool mirrored,
-                 const std::string& title, PlotFormat format, const std::string& file) {
+                 const Samples& before, const std::string& title, PlotFormat format,
+                 const std::string& file) {
   const std::size_t N = overlay.wave.GetSize();
   const double sign = mirrored ? -1.0 : 1.0;
   Samples measured(N);
@@ -38,16 +41,15 @@ void PlotVerdict(const wave_def::CWaveDef& def, const assess::Overlay& overlay, 
   const Samples upper = mirrored ? Turned(def.GetTolL()) : def.GetTolU();
   const Samples lower = mirrored ? Turned(def.GetTolU()) : def.GetTolL();
   const Samples reference = mirrored ? Turned(def.GetWave()) : def.GetWave();
-  Plot({title,
-        SampleRateOf(def),
-        ZoomOf(def),
-        {{AmplitudeLabel(def),
-          {{"upper band", Role::Upper, &upper},
-           {"reference", Role::Reference, &reference},
-           {"measured", Role::Wave, &measured},
-           {"lower band", Role::Lower, &lower},
-           {"outside", Role::Violation, &violations}}}}},
-       format, file);
+  std::vector<Curve> curves{{"upper band", Role::Upper, &upper},
+                            {"reference", Role::Reference, &reference},
+                            {"measured", Role::Wave, &measured},
+                            {"lower band", Role::Lower, &lower},
+                            {"outside", Role::Violation, &violations}};
+  if (before.GetSize() == N)
+    curves.insert(curves.begin(), {"before the steps", Role::Before, &before});
+  Plot({title, SampleRateOf(def), ZoomOf(def), {{AmplitudeLabel(def), std::move(curves)}}}, format,
+       file);
 }
 
 }  // namespace qarv::command
