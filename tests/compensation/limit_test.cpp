@@ -2,6 +2,7 @@
 // definitions of long frames, for optimised builds.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -39,8 +40,8 @@ TEST(Compensation, ComesCloseToThePhysicalLimit) {
       {1, 0, true, 95, 1.85, 3.9, kAny, kAny},     {1, 0, false, 79, 1.22, 3.5, kAny, kAny},
       {2, 0, true, 97, 1.22, 1.53, kAny, kAny},    {2, 0, false, 81, 1.20, 1.51, kAny, kAny},
       {3, 0, true, 105, 1.13, 1.72, kAny, kAny},   {3, 0, false, 93, 1.13, 1.54, kAny, kAny},
-      {4, 0, true, 116, 0.96, 1.08, kAny, kAny},   {4, 0, false, 111, 0.92, 1.08, kAny, kAny},
-      {4, 0.5, true, 116, 0.77, 0.88, 1.45, kAny}, {4, 0.5, false, 111, 0.76, 0.90, 1.44, kAny},
+      {4, 0, true, 116, 1.12, 1.20, kAny, kAny},   {4, 0, false, 106, 1.10, 1.24, kAny, kAny},
+      {4, 0.5, true, 116, 0.83, 0.94, kAny, kAny}, {4, 0.5, false, 108, 0.82, 0.98, kAny, kAny},
       {4, 1, true, 116, 0.62, 0.74, 1.18, 1.30},   {4, 1, false, 111, 0.62, 0.77, 1.21, 1.38},
   };
   for (const Goal& goal : goals) {
@@ -76,6 +77,48 @@ TEST(Compensation, ComesCloseToThePhysicalLimit) {
   }
 }
 
+TEST(Compensation, OptRatLevelIsTheShareOfTheToleranceThatIsSpentOnTheStroke) {
+  constexpr std::array kLevels{0.0, 0.25, 0.5, 0.75, 1.0};
+  for (const bool nonSymmetric : {true, false}) {
+    SCOPED_TRACE(nonSymmetric ? "free" : "symmetric");
+    std::array<std::vector<double>, kLevels.size()>
+        strokes;  // over the limit with the nominal pulse
+    std::vector<double> lossAtNone;
+    int halved = 0;
+    for (const CompensationCase& c : Cases()) {
+      SCOPED_TRACE(c.At("seed"));
+      const double least = c.LeastStroke("nominal", nonSymmetric);
+      const StrokeResult nominal = Compensate(c.NominalDefinition());
+      std::array<double, kLevels.size()> losses{};
+      std::array<bool, kLevels.size()> done{};
+      for (std::size_t i = 0; i < kLevels.size(); ++i) {
+        const StrokeResult result = Compensate(c.Definition(4, nonSymmetric, kLevels[i]));
+        done[i] = result.done;
+        if (std::isfinite(least)) {
+          EXPECT_TRUE(result.done) << kLevels[i];
+        }
+        if (!result.done) continue;
+        losses[i] = test::VelocityLoss(nominal, result);
+        if (std::isfinite(least)) strokes[i].push_back(result.stroke / least);
+      }
+      if (done[0]) lossAtNone.push_back(std::fabs(losses[0]));
+      // Of bands without width on the pulse there is nothing to spend.
+      if (!done[2] || !done[4] || losses[4] < 0.001) continue;
+      ++halved;
+      EXPECT_GE(losses[2], 0.35 * losses[4]);
+      EXPECT_LE(losses[2], 0.65 * losses[4]);
+    }
+    EXPECT_LE(Quantile(lossAtNone, 0.5), 0.01);
+    EXPECT_LE(Quantile(lossAtNone, 0.9), 0.02);
+    EXPECT_GE(halved, 100);
+    for (std::size_t i = 0; i + 1 < kLevels.size(); ++i) {
+      const double saved = Quantile(strokes[i], 0.5) - Quantile(strokes[i + 1], 0.5);
+      EXPECT_GE(saved, 0.09) << kLevels[i];
+      EXPECT_LE(saved, 0.17) << kLevels[i];
+    }
+  }
+}
+
 TEST(Compensation, TheOptimisedTypeSucceedsWhereverThePulseFitsAndKeepsToItsSide) {
   int feasible = 0;
   int done = 0;
@@ -102,12 +145,13 @@ TEST(Compensation, TheOptimisedTypeSucceedsWhereverThePulseFitsAndKeepsToItsSide
     }
     EXPECT_LE(Quantile(overFree, 0.5), nonSymmetric ? 1.22 : 1.26);
   }
-  EXPECT_GE(done, feasible * 99 / 100);
+  EXPECT_EQ(done, feasible);
   EXPECT_GE(steered, 50);
   EXPECT_GE(onSide, steered * 97 / 100);
 }
 
 TEST(Compensation, TheOptimisedTypeNeedsLessStrokeThanTheDrawnOne) {
+  std::vector<double> kept;   // of the optimised type at OptRatLevel 0 over the flat cosine
   std::vector<double> spent;  // of the optimised type at OptRatLevel 1 over the flat cosine
   int monotonic = 0;
   int compared = 0;
@@ -121,8 +165,10 @@ TEST(Compensation, TheOptimisedTypeNeedsLessStrokeThanTheDrawnOne) {
       std::vector<StrokeResult> optimised;
       for (const double level : {0.0, 0.5, 1.0})
         optimised.push_back(Compensate(c.Definition(4, nonSymmetric, level)));
+      EXPECT_GE(optimised[0].done, drawn.done) << c.At("seed");
       if (drawn.done && optimised[0].done) {
-        EXPECT_LE(optimised[0].stroke, 1.06 * drawn.stroke) << c.At("seed");
+        EXPECT_LE(optimised[0].stroke, 1.18 * drawn.stroke) << c.At("seed");
+        kept.push_back(optimised[0].stroke / drawn.stroke);
       }
       if (drawn.done && optimised[2].done) {
         EXPECT_LE(optimised[2].stroke, drawn.stroke) << c.At("seed");
@@ -144,6 +190,7 @@ TEST(Compensation, TheOptimisedTypeNeedsLessStrokeThanTheDrawnOne) {
       }
     }
   }
+  EXPECT_LE(Quantile(kept, 0.5), 1.0);
   EXPECT_LE(Quantile(spent, 0.5), 0.56);
   EXPECT_GE(monotonic, compared * 95 / 100);
   EXPECT_GE(centred, counted * 95 / 100);

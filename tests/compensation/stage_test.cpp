@@ -542,8 +542,9 @@ TEST(Compensation, OfTheOptimisedTypeIsRefusedEarly) {
   EXPECT_LE(result.work.attempts, 20U * 30) << "the places of one plan, roughly";
 }
 
-/// Of the optimised type: the lengths of six plans in two places, and of one in 32 places between.
-constexpr uint64 kMostAttempts = 2 * 6 * 25 + 32 * 15;
+/// Of the optimised type: the lengths of four plans in two places, and of one in 32 places between;
+/// of equal pulses all of it once more with moves under them.
+constexpr uint64 kMostAttempts = 2 * (2 * 4 * 25 + 32 * 15);
 
 // A pulse that has found its room does not move in a longer frame.
 TEST(Compensation, OfTheOptimisedTypeMovesAPulseOnlyForWantOfRoom) {
@@ -640,7 +641,7 @@ TEST(Compensation, OfTheOptimisedTypeMovesAPulseNoFurtherInALargerFrame) {
   EXPECT_GE(equal.moved, 50);
   // Where equal pulses only just fit, the place that brings the table home is the only one, and
   // may lie short of the one that a little more room asks for.
-  EXPECT_LE(equal.violated, equal.count * 8 / 100);
+  EXPECT_LE(equal.violated, equal.count * 15 / 100);
 }
 
 // ---- The sampling frequency --------------------------------------------------------------------

@@ -81,6 +81,12 @@ CWaveDefClassical CompensationCase::Definition(int type, bool nonSymmetric,
   return set;
 }
 
+CWaveDefClassical CompensationCase::NominalDefinition() const {
+  CWaveDefClassical set = Definition(CWaveDefClassical::CMP_NONE, false, 0.0);
+  set.SetAddCmp(false);
+  return set;
+}
+
 double CompensationCase::LeastStroke(const char* pulse, bool nonSymmetric) const {
   return At(std::string(nonSymmetric ? "lp_peak0_" : "lp_peak1_").append(pulse));
 }
@@ -124,6 +130,21 @@ StrokeResult Compensate(const CWaveDefClassical& definition) {
   result.swing = (*high - *low) / A;
   result.endDisplacement = std::fabs(x.back()) / A / result.stroke;
   return result;
+}
+
+double VelocityLoss(const StrokeResult& nominal, const StrokeResult& result) {
+  const double frame = static_cast<double>(result.wave.size());
+  const auto shift = static_cast<std::ptrdiff_t>(std::lround(result.params.GetWaveShift() * frame));
+  double whole = 0.0;
+  double left = 0.0;
+  const auto isZero = [](double v) { return v == 0.0; };
+  const auto first = std::find_if_not(nominal.wave.begin(), nominal.wave.end(), isZero);
+  const auto last = std::find_if_not(nominal.wave.rbegin(), nominal.wave.rend(), isZero).base();
+  for (auto i = first - nominal.wave.begin(); i < last - nominal.wave.begin(); ++i) {
+    whole += nominal.wave[static_cast<std::size_t>(i)];
+    left += result.wave[static_cast<std::size_t>(i + shift)];
+  }
+  return 1.0 - left / whole;
 }
 
 double Quantile(std::vector<double> values, double q) {

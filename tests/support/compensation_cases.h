@@ -19,6 +19,9 @@ class CompensationCase {
   /// The definition, with the compensation of a type.
   wave_def::CWaveDefClassical Definition(int type, bool nonSymmetric, double optRatLevel) const;
 
+  /// The nominal pulse.
+  wave_def::CWaveDefClassical NominalDefinition() const;
+
   /// The least stroke with the main pulse free between its bands ("free"), keeping its shape
   /// ("shape"), or as it is ("nominal"), over A dt^2; infinite where there is none.
   double LeastStroke(const char* pulse, bool nonSymmetric) const;
@@ -49,6 +52,10 @@ struct StrokeResult {
   std::vector<double> wave, upper, lower;
 };
 StrokeResult Compensate(const wave_def::CWaveDefClassical& definition);
+
+/// By how much the sum of the main pulse is below that of the nominal one, the same definition
+/// without compensation.  [1]
+double VelocityLoss(const StrokeResult& nominal, const StrokeResult& result);
 
 /// The q-quantile of values, by linear interpolation; NaN of none.
 double Quantile(std::vector<double> values, double q);

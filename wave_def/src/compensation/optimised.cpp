@@ -23,52 +23,31 @@ namespace qarv::wave_def::compensation {
 
 namespace {
 
-using Def = CWaveDefClassical;
-using Std = CWaveDefTolSpecify;
-
 std::size_t At(int64 i) { return static_cast<std::size_t>(i); }
 
 /// How much of the tolerance a plan spends.
 struct Spending {
   double f, kappa, mu;
+  bool under = false;  // whether moves may reach under all of the pulses
   bool operator==(const Spending&) const = default;
 };
 
-/// Lowering of the main pulse with OptRatLevel 0: capped and narrow bands leave less.
-double LeastLowering(const Settings& s) {
-  const bool base23 = s.base == Std::BASE_STD_2 || s.base == Std::BASE_STD_3;
-  switch (s.shape) {
-    case wave_def_sub::HALF_SINE:
-      if (s.kind == Def::TOL_FIXED_7 || s.kind == Def::TOL_FIXED_8 || s.kind == Def::TOL_FIXED_9 ||
-          base23 || s.base == Std::BASE_STD_4) {
-        return 0.3;
-      }
-      return s.kind == Def::TOL_FIXED_5 || s.base == Std::BASE_STD_5 ? 0.4 : 0.5;
-    case wave_def_sub::TERMINAL_PEAK_SAWTOOTH:
-      if (s.kind == Def::TOL_FIXED_5 || s.kind == Def::TOL_FIXED_7 || s.kind == Def::TOL_FIXED_8 ||
-          base23 || s.base == Std::BASE_STD_5) {
-        return 0.3;
-      }
-      return 0.4;
-    case wave_def_sub::TRAPEZOID:
-      return 0.2;
-    case wave_def_sub::USER_TRAPEZOID:
-      return 0.25;
-    case wave_def_sub::TRIANGLE:
-      return 0.5;
-    case wave_def_sub::HAVERSINE:
-      return 0.6;
-  }
-  return 0.0;
-}
+// What OptRatLevel 0 and 1 ask for: the nominal pulse, and the least stroke.
+constexpr Spending kNominal{1.0, 0.9, 0.0};
+constexpr Spending kLeastStroke{4.0, 0.97, 0.96};
+constexpr double kLongestFlat = 12.0;  // [taper]
 
-/// The spending that OptRatLevel asks for, between near nominal (0) and least stroke (1).
+/// The spending that OptRatLevel asks for, straight between the two ends.
 Spending SpendingOf(const Settings& s) {
   const double rho = s.optRatLevel >= 0.0 ? std::min(s.optRatLevel, 1.0) : 0.0;  // a NaN is 0
   const auto blend = [rho](double x0, double x1) { return x0 + (x1 - x0) * rho; };
-  const bool steep = s.shape == wave_def_sub::TRAPEZOID || s.shape == wave_def_sub::USER_TRAPEZOID;
-  return {blend(1.0, 4.0), blend(s.HasSideTest() || steep ? 0.9 : 0.75, 0.97),
-          blend(LeastLowering(s), 0.96)};
+  return {blend(kNominal.f, kLeastStroke.f), blend(kNominal.kappa, kLeastStroke.kappa),
+          blend(kNominal.mu, kLeastStroke.mu)};
+}
+
+/// The shortest pulses for as much of the main pulse as is asked for.
+Spending ShortestOf(const Spending& asked) {
+  return {kLongestFlat, kLeastStroke.kappa, asked.mu, asked.under};
 }
 
 /// The main pulse lowered towards its lower limit: its top stays, and it still rises to one peak
@@ -185,6 +164,7 @@ class Planner {
       : pulse_(pulse),
         settings_(settings),
         work_(work),
+        under_(spending.under),
         lowered_(LoweredPulse(pulse, spending.mu)),
         limits_(LimitsInForce(pulse, settings.pre, settings.post, kLeastLimit)) {
     for (const double v : lowered_) T_ += v;
@@ -277,11 +257,13 @@ class Planner {
     return {.lead = settings_.HasSideTest() ? 1.02 : 1.0, .top = 2, .gentle = 0.0};
   }
 
-  /// Moves that lie clear of the pulse of n samples, or reach under its taper.
-  static std::vector<Move> MovesBeside(const Side& side, int64 n, int64 room) {
+  /// Moves that lie clear of the pulse of n samples, or reach under its taper or all of it.
+  std::vector<Move> MovesBeside(const Side& side, int64 n, int64 room) const {
     const auto clear = static_cast<double>(room - n);
     const auto t = static_cast<double>(n > 0 ? side.TaperOf(n) : 0);
-    const std::array lengths{clear, 0.7 * clear, clear + 0.35 * t, clear + 0.7 * t, clear + t};
+    const std::array lengths{
+        clear,           0.7 * clear, clear + 0.35 * t,
+        clear + 0.7 * t, clear + t,   under_ ? static_cast<double>(room) : 0.0};
     constexpr std::array kParts{0.5};
     return MakeMoves(lengths, kParts, room);
   }
@@ -315,6 +297,7 @@ class Planner {
   const Pulse& pulse_;
   const Settings& settings_;
   Work* work_;
+  bool under_;
   Wave lowered_;
   Limits limits_;
   double T_ = 0.0;
@@ -343,8 +326,6 @@ Places PlacesInFrame(const Pulse& pulse) {
   return {1 - std::min(at.iS, at.iPS), pulse.N() - 2 - std::max(at.iE, at.iPE)};
 }
 
-constexpr Spending kMost{12.0, 0.97, 0.96};
-
 /// The least |limits| of one side.
 struct SideLimits {
   double lo, both;  // of the lower limits; of either
@@ -363,13 +344,13 @@ struct Rooms {
   int64 pre, post;
 };
 
-/// What equal pulses of the plan that spends most, and the moves that centre them, take of either
-/// side: the same in every frame.
+/// What the shortest equal pulses, and the moves that centre them, take of either side: the same in
+/// every frame.
 ///
 ///   V, L   half the area of the lowered pulse, and the mean level of the pulses that cancel it
 ///   d      displacement from where the pre pulse begins; each pulse adds V^2 / 2 L to it
 ///   h      what a move has to travel, over sqrt(2 pi h / limit) samples
-Rooms RoomsOfEqualPulses(const Pulse& pulse, const Settings& settings) {
+Rooms RoomsOfEqualPulses(const Pulse& pulse, const Settings& settings, const Spending& asked) {
   const int64 N = pulse.N();
   const int64 first = std::clamp<int64>(pulse.at.iPS, 0, N);
   const int64 last = std::clamp<int64>(pulse.at.iPE, -1, N - 1);
@@ -379,13 +360,14 @@ Rooms RoomsOfEqualPulses(const Pulse& pulse, const Settings& settings) {
   // A side without limits has those of its scale.
   const double widest =
       pulse.A * std::max(std::min(std::fabs(settings.pre), std::fabs(settings.post)), kLeastLimit);
-  const Wave lowered = LoweredPulse(pulse, kMost.mu);
+  const Spending shortest = ShortestOf(asked);
+  const Wave lowered = LoweredPulse(pulse, shortest.mu);
   double area = 0.0;
   for (const double v : lowered) area += v;
   if (!(area > 0.0)) return {0, 0};  // nothing to cancel
   const double V = area / 2.0;
-  const double L =
-      kMost.kappa * std::min({pre.lo, post.lo, widest}) * (kMost.f + 0.5) / (kMost.f + 1.0);
+  const double L = shortest.kappa * std::min({pre.lo, post.lo, widest}) * (shortest.f + 0.5) /
+                   (shortest.f + 1.0);
   const double drop = V * V / (2.0 * L);
   double v = -V;
   double d = -drop;
@@ -410,9 +392,9 @@ Rooms RoomsOfEqualPulses(const Pulse& pulse, const Settings& settings) {
 /// and the place has to give way: to where both sides lack as much, and all the way where one lacks
 /// half of its need or more, but no further than it lacks.  While a frame grows around its pulse,
 /// each of these stays or shrinks.
-int64 WantedShift(const Pulse& pulse, const Settings& settings) {
+int64 WantedShift(const Pulse& pulse, const Settings& settings, const Spending& asked) {
   if (!settings.IsSymmetric() || IsCentred(pulse, settings)) return 0;
-  const Rooms needed = RoomsOfEqualPulses(pulse, settings);
+  const Rooms needed = RoomsOfEqualPulses(pulse, settings, asked);
   const int64 lackPre = needed.pre - (pulse.at.iPS - 1);
   const int64 lackPost = needed.post - (pulse.N() - 2 - pulse.at.iPE);
   const int64 balance = (lackPre - lackPost) / 2;
@@ -438,19 +420,20 @@ std::optional<Plan> PlanAt(const Pulse& pulse, const Settings& settings, const S
   return plan;
 }
 
-/// Whether the plan that spends most comes home from a place; where it does not, none does.
-bool ComesHome(const Pulse& pulse, const Settings& settings, int64 shift, Work* work) {
+/// Whether the plan with the shortest pulses comes home from a place; where it does not, none does.
+bool ComesHome(const Pulse& pulse, const Settings& settings, const Spending& asked, int64 shift,
+               Work* work) {
   const Pulse placed = ShiftedBy(pulse, shift);
-  return Planner(placed, settings, kMost, work).Search(true).has_value();
+  return Planner(placed, settings, ShortestOf(asked), work).Search(true).has_value();
 }
 
 /// The place nearest to `from` from where the table comes home; from `from` itself it does not.
 /// Looked for in steps of N / 16, and then to the sample.
-std::optional<int64> NearestHome(const Pulse& pulse, const Settings& settings, int64 from,
-                                 Work* work) {
+std::optional<int64> NearestHome(const Pulse& pulse, const Settings& settings,
+                                 const Spending& asked, int64 from, Work* work) {
   const Places places = PlacesInFrame(pulse);
   const auto comesHome = [&](int64 shift) {
-    return places.Has(shift) && ComesHome(pulse, settings, shift, work);
+    return places.Has(shift) && ComesHome(pulse, settings, asked, shift, work);
   };
   const int64 step = std::max<int64>(1, pulse.N() / 16);
   const int64 towardsMiddle = pulse.at.iPS + pulse.at.iPE < pulse.N() ? 1 : -1;
@@ -469,18 +452,15 @@ std::optional<int64> NearestHome(const Pulse& pulse, const Settings& settings, i
   return std::nullopt;
 }
 
-/// Offers the plans in one place, from the closest to nominal to the one that spends most; those
-/// that do not centre their stroke last, by their stroke.
+/// Offers the plans in one place, from what is asked for to the one with the shortest pulses; those
+/// that do not centre their stroke last, by their stroke.  None spends more of the main pulse.
 /// @return whether there was any
-bool OfferPlansAt(const Pulse& pulse, const Settings& settings, int64 shift,
+bool OfferPlansAt(const Pulse& pulse, const Settings& settings, const Spending& asked, int64 shift,
                   const std::function<bool(Attempt)>& accept, Work* work) {
-  const Spending asked = SpendingOf(settings);
-  const std::array<Spending, 6> ladder{{asked,
-                                        {4.0, asked.kappa, asked.mu},
-                                        {4.0, 0.97, asked.mu},
-                                        {12.0, 0.97, asked.mu},
-                                        {4.0, 0.97, 0.96},
-                                        kMost}};
+  const std::array<Spending, 4> ladder{{asked,
+                                        {kLeastStroke.f, asked.kappa, asked.mu, asked.under},
+                                        {kLeastStroke.f, kLeastStroke.kappa, asked.mu, asked.under},
+                                        ShortestOf(asked)}};
   bool any = false;
   std::optional<bool> canComeHome;  // asked only once a plan has failed
   std::vector<Plan> aside;
@@ -488,7 +468,7 @@ bool OfferPlansAt(const Pulse& pulse, const Settings& settings, int64 shift,
     if (std::find(ladder.begin(), rung, *rung) != rung) continue;
     auto plan = PlanAt(pulse, settings, *rung, shift, work);
     if (!plan) {
-      if (!canComeHome) canComeHome = ComesHome(pulse, settings, shift, work);
+      if (!canComeHome) canComeHome = ComesHome(pulse, settings, asked, shift, work);
       if (!*canComeHome) break;
       continue;
     }
@@ -515,10 +495,19 @@ void TryOptimised(const Pulse& pulse, const Settings& settings,
   if (places.first > places.last) return;
   const bool stays = settings.IsSymmetric() && IsCentred(pulse, settings);
   if (stays && !places.Has(0)) return;
-  const int64 wanted = std::clamp(WantedShift(pulse, settings), places.first, places.last);
-  if (OfferPlansAt(pulse, settings, wanted, accept, work) || stays) return;
-  if (const auto home = NearestHome(pulse, settings, wanted, work))
-    OfferPlansAt(pulse, settings, *home, accept, work);
+  Spending asked = SpendingOf(settings);
+  const int64 wanted = std::clamp(WantedShift(pulse, settings, asked), places.first, places.last);
+  const auto offer = [&] {
+    if (OfferPlansAt(pulse, settings, asked, wanted, accept, work)) return true;
+    if (stays) return false;
+    const auto home = NearestHome(pulse, settings, asked, wanted, work);
+    return home && OfferPlansAt(pulse, settings, asked, *home, accept, work);
+  };
+  if (offer() || !settings.IsSymmetric()) return;
+  // Equal pulses are as low as the tighter side has them.  On the other one moves have room under
+  // them, which is for frames without enough beside them.
+  asked.under = true;
+  offer();
 }
 
 }  // namespace qarv::wave_def::compensation
