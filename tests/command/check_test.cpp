@@ -131,6 +131,33 @@ TEST_F(Check, WarnsOfANegativeFmax) {
         "warning: Fmax is -1000, which is no frequency; works with Fmax 1000\n");
 }
 
+TEST_F(Check, NamesTheLeastLevelThatCompensates) {
+  const auto level = [](double value) {
+    return R"({"Classical": {"OptRatLevel": )" + std::to_string(value) + "}}";
+  };
+  const std::string crowded = R"({"Classical": {"WaveKind": "HALF_SINE", "MainAmpl": 50,
+      "MainWidth": 0.01, "Fmax": 1000, "Nsamp": 330, "TolKind": "TOL_FIXED_4", "AddCmp": true,
+      "CmpType": "CMP_OPTIMIZED", "CmpPre": 1, "CmpPost": 1}})";
+  const std::string refusal =
+      "fails: AddCmp: no room: no compensation within the bands brings the table home in this "
+      "frame";
+  Expect(crowded, 1, refusal + "; works with OptRatLevel 0.");
+  const std::string out = RunCommand({"check", folder / "def.json"}).out;
+  const double least = std::stod(out.substr(out.rfind(' ')));
+  ASSERT_GE(least, 0.02);
+  for (const double refused : {0.0, least / 2, least - 0.01}) {
+    Expect(With(crowded, level(refused)), 1,
+           refusal + "; works with OptRatLevel " + out.substr(out.rfind(' ') + 1));
+  }
+  EXPECT_NE(RunCommand({"generate", folder / "def.json"}).err.find("; works with OptRatLevel 0."),
+            std::string::npos);
+  WriteText(folder / "def.json", With(crowded, level(least)));
+  EXPECT_NE(RunCommand({"check", folder / "def.json"}).code, 1);
+  // Where all of the tolerance does not help either, nothing is named.
+  const std::string hopeless = With(crowded, R"({"Classical": {"Nsamp": 64}})");
+  for (const double l : {0.0, 0.5, 1.0, 3.0}) Expect(With(hopeless, level(l)), 1, refusal + "\n");
+}
+
 // ---- What a compensation takes of the velocity change ------------------------------------------
 
 class CheckVelocity : public Check {
@@ -167,14 +194,28 @@ TEST_F(CheckVelocity, NamesTheLargestLevelThatKeepsIt) {
   }
 }
 
+// A pulse of few samples has another area than the shape that it samples.
 TEST_F(CheckVelocity, SaysThatNoLevelKeepsIt) {
+  const std::string coarse = Optimised(R"({"Classical": {"MainWidth": 0.00078125, "Nsamp": 64,
+      "TolKind": "TOL_FIXED_7"}})");
   for (const double level : {0.0, 0.005, 0.5, 1.0, 3.0}) {
-    Expect(Optimised(Level(level)), 3, "warning: the velocity change of the pulse is ");
+    Expect(With(coarse, Level(level)), 3, "warning: the velocity change of the pulse is ");
     EXPECT_NE(RunCommand({"check", folder / "def.json"})
                   .out.find(" % below nominal, beyond the usual 10 %; not even OptRatLevel 0 keeps "
                             "it\n"),
               std::string::npos)
         << level;
+  }
+}
+
+TEST_F(CheckVelocity, IsKeptByTheOptimisedTypeThatSpendsNothing) {
+  for (const char* const shape : {"HALF_SINE", "TERMINAL_PEAK_SAWTOOTH"}) {
+    for (const char* const nonSymmetric : {"true", "false"}) {
+      const std::string pulse = Optimised(std::string(R"({"Classical": {"WaveKind": ")") + shape +
+                                          R"(", "CmpNonSym": )" + nonSymmetric + "}}");
+      Expect(pulse, 0, "clean\n");
+      Expect(With(pulse, Level(1)), 3, "warning: the velocity change of the pulse is ");
+    }
   }
 }
 

@@ -12,6 +12,7 @@
 #include "family/symmetry_layout.h"
 #include "random_classical.h"
 #include "rules/classical_fit.h"
+#include "rules/level_search.h"
 
 namespace qarv::test {
 namespace {
@@ -207,6 +208,7 @@ bool Assign(const std::string& key, double v, Definition* definition) {
     if (key == "MainShift") return set->SetMainShift(v), true;
     if (key == "Fmax") return set->SetFmax(v), true;
     if (key == "Nsamp") return set->SetNsamp(count()), true;
+    if (key == "OptRatLevel") return set->SetOptRatLevel(v), true;
   }
   if (auto* const set = std::get_if<CWaveDefSymmetry>(&definition->set)) {
     if (key == "PeakPos") return set->SetPeakPos(v), true;
@@ -315,6 +317,67 @@ TEST(Rules, EveryProposalEndsTheRuleThatMadeIt) {
        {"MainShift", "Nsamp", "MainWidth", "MainAmpl", "Fmax", "Fsamp", "PeakPos", "RestTime",
         "WaveSlope", "EdgeTime", "TolUpperRat", "TolLowerRat"}) {
     EXPECT_GT(tried[key], 20) << key;
+  }
+  EXPECT_GT(tried["OptRatLevel"], 2);
+}
+
+// ---- The search for a level --------------------------------------------------------------------
+
+TEST(LevelNextTo, FindsEveryHundredthInAtMostEightTries) {
+  using definition::LevelNextTo;
+  for (int edge = 1; edge <= 100; ++edge) {
+    int tries = 0;
+    const auto from = [&](double level) { return ++tries, level > (edge - 0.5) / 100.0; };
+    EXPECT_EQ(LevelNextTo({0.0}, {100.0}, from), edge / 100.0);
+    EXPECT_LE(tries, 8) << edge;
+    tries = 0;
+    const auto upTo = [&](double level) { return ++tries, level < (edge - 0.5) / 100.0; };
+    EXPECT_EQ(LevelNextTo({100.0}, {0.0}, upTo), (edge - 1) / 100.0);
+    EXPECT_LE(tries, 8) << edge;
+  }
+}
+
+TEST(LevelNextTo, HasNothingWhereTheFarEndDoesNotServeOrIsTheSame) {
+  int tries = 0;
+  const auto never = [&](double) { return ++tries, false; };
+  const auto always = [&](double) { return ++tries, true; };
+  EXPECT_EQ(definition::LevelNextTo({0.0}, {100.0}, never), std::nullopt);
+  EXPECT_EQ(tries, 1);
+  EXPECT_EQ(definition::LevelNextTo({100.0}, {100.0}, always), std::nullopt);
+  EXPECT_EQ(tries, 1);
+}
+
+TEST(InHundredths, ClampsALevelAsTheCompensationDoes) {
+  const auto down = [](double steps) { return std::floor(steps); };
+  for (const auto& [level, steps] : {std::pair(-3.0, 0.0), std::pair(std::nan(""), 0.0),
+                                     std::pair(7.0, 100.0), std::pair(0.259, 25.0)}) {
+    EXPECT_EQ(definition::InHundredths(level, down).steps, steps) << level;
+  }
+}
+
+TEST(Check, OfARefusedCompensationHasTheLeastLevelAsAValue) {
+  CWaveDefClassical set;
+  set.SetWaveKind(HALF_SINE);
+  set.SetMainAmpl(50.0);
+  set.SetMainWidth(0.01);
+  set.SetFmax(1000.0);
+  set.SetNsamp(330);
+  set.SetTolKind(CWaveDefClassical::TOL_FIXED_4);
+  set.SetAddCmp(true);
+  set.SetCmpType(CWaveDefClassical::CMP_OPTIMIZED);
+  set.SetCmpPre(1.0);
+  set.SetCmpPost(1.0);
+  Definition definition{};
+  definition.settings.SetFsamp(2560.0);
+  definition.set = set;
+  const Findings findings = definition::Check(definition);
+  ASSERT_TRUE(Fails(findings));
+  ASSERT_EQ(findings.front().remedies.size(), 1U);
+  const auto& [key, least] = findings.front().remedies.front();
+  EXPECT_EQ(key, "OptRatLevel");
+  for (const double below : {0.0, 0.01}) {
+    ASSERT_TRUE(Assign(key, least - below, &definition));
+    EXPECT_EQ(Fails(definition::Check(definition)), below > 0.0);
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <vector>
 
@@ -76,13 +77,30 @@ Findings BrokenRulesOf(const Definition& definition) {
   return all;
 }
 
-std::string GenerateOrExplain(const Definition& definition, CWaveDef* def) {
+namespace {
+
+/// The first rule by which a definition that gives no waveform fails.
+Finding RefusalOf(const Definition& definition) {
+  const Findings findings = BrokenRulesOf(definition);
+  return HasFailure(findings) ? findings.front()
+                              : Finding{Fails, "the parameters give no waveform", {}};
+}
+
+/// Generates the waveform, or says why there is none.
+std::optional<Finding> TryOrExplain(const Definition& definition, CWaveDef* def) {
   try {
-    return TryToGenerate(definition, def) ? std::string() : WhyRefused(definition);
+    return TryToGenerate(definition, def) ? std::nullopt : std::optional(RefusalOf(definition));
   } catch (const std::bad_alloc&) {
   } catch (const std::length_error&) {
   }
-  return "the waveform does not fit into memory";
+  return Finding{Fails, "the waveform does not fit into memory", {}};
+}
+
+}  // namespace
+
+std::string GenerateOrExplain(const Definition& definition, CWaveDef* def) {
+  const auto refusal = TryOrExplain(definition, def);
+  return refusal ? FindingText(*refusal) : std::string();
 }
 
 Findings Check(const Definition& definition, CWaveDef* def) {
@@ -90,9 +108,8 @@ Findings Check(const Definition& definition, CWaveDef* def) {
   if (def == nullptr) def = &own;
   Findings findings = FindingsWithoutTrying(definition);
   if (HasFailure(findings)) return findings;
-  const std::string reason = GenerateOrExplain(definition, def);
-  if (!reason.empty()) {
-    findings.insert(findings.begin(), {Severity::Fails, reason, {}});
+  if (const auto refusal = TryOrExplain(definition, def)) {
+    findings.insert(findings.begin(), *refusal);
     return findings;
   }
   for (Finding& finding : VelocityFindings(definition, *def)) {
@@ -156,11 +173,7 @@ Findings CheckWave(const CWaveDef& def) {
   });
 }
 
-std::string WhyRefused(const Definition& definition) {
-  const Findings findings = BrokenRulesOf(definition);
-  if (!HasFailure(findings)) return "the parameters give no waveform";
-  return FindingText(findings.front());
-}
+std::string WhyRefused(const Definition& definition) { return FindingText(RefusalOf(definition)); }
 
 std::string FindingText(const Finding& finding) {
   std::string text = finding.text;

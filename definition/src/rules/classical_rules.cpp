@@ -13,6 +13,7 @@
 #include "pulse/pulse_corners.h"
 #include "pulse/pulse_span.h"
 #include "rules/classical_fit.h"
+#include "rules/level_search.h"
 #include "rules/rule_table.h"
 #include "rules/rules.h"
 
@@ -24,6 +25,7 @@ using common::uint64;
 using fmt::format;
 using wave_def::compensation::Refusal;
 using wave_def::compensation::Room;
+using wave_def::compensation::WhyNotCompensated;
 using Set = wave_def::CWaveDefClassical;
 using Std = wave_def::CWaveDefTolSpecify;
 using namespace wave_def::wave_def_sub;
@@ -201,11 +203,29 @@ Rule NoScales(const Set& set) {
 
 }  // namespace
 
+namespace {
+
+/// The least OptRatLevel, in hundredths, that is found to give a compensation where that of the
+/// definition does not.
+std::vector<Remedy> LeastLevel(const Set& set, double fsamp) {
+  if (set.GetCmpType() != Set::CMP_OPTIMIZED) return {};
+  const auto compensates = [&](double level) {
+    Set tried = set;
+    tried.SetOptRatLevel(level);
+    return WhyNotCompensated(tried, fsamp).reason == Refusal::None;
+  };
+  const auto down = [](double steps) { return std::floor(steps); };
+  const auto level = LevelNextTo(InHundredths(set.GetOptRatLevel(), down), {100.0}, compensates);
+  return level ? std::vector<Remedy>{{"OptRatLevel", *level}} : std::vector<Remedy>{};
+}
+
+}  // namespace
+
 Findings CompensationFindings(const Set& set, double fsamp) {
   if (!set.GetAddCmp()) return {};
-  const std::string reason =
-      RefusalText(wave_def::compensation::WhyNotCompensated(set, fsamp), set);
-  return Broken({{Fails, !reason.empty(), reason}});
+  const std::string reason = RefusalText(WhyNotCompensated(set, fsamp), set);
+  if (reason.empty()) return {};
+  return Broken({{Fails, true, reason, LeastLevel(set, fsamp)}});
 }
 
 // ---- The table ---------------------------------------------------------------------------------

@@ -12,7 +12,8 @@ namespace qarv::definition {
 std::string GenerateOrExplain(const Definition& definition, wave_def::CWaveDef* def);
 
 /// Whether a classical pulse that breaks no other rule can be compensated.  The only rule that has
-/// to try, and therefore one of its own.
+/// to try, and therefore one of its own: of the optimised type up to nine times, to name the least
+/// OptRatLevel that gives a compensation.
 Findings CompensationFindings(const wave_def::CWaveDefClassical& set, double fsamp);
 
 /// Whether a compensation has taken more of the pulse's velocity change than the usual tolerance

@@ -6,6 +6,7 @@
 
 #include "analysis/shock.h"
 #include "definition/main_pulse.h"
+#include "rules/level_search.h"
 #include "rules/rule_table.h"
 
 namespace qarv::definition {
@@ -29,23 +30,16 @@ double DeviationOf(const CWaveDef& def) {
 bool Keeps(double deviation) { return std::fabs(deviation) <= kUsual; }
 
 /// The largest OptRatLevel, in hundredths, that is found to keep the velocity change where `level`
-/// does not.  Only trying tells: the level decides between reshapings of different kinds.
+/// does not.
 std::optional<double> LargestLevel(const Definition& definition, double level) {
-  constexpr double kSteps = 100.0;
-  const auto keeps = [&](double steps) {
+  const auto keeps = [&](double triedLevel) {
     Definition tried = definition;
-    std::get<Set>(tried.set).SetOptRatLevel(steps / kSteps);
+    std::get<Set>(tried.set).SetOptRatLevel(triedLevel);
     CWaveDef def;
     return TryToGenerate(tried, &def) && Keeps(DeviationOf(def));
   };
-  double low = 0.0;
-  double high = std::ceil(std::fmin(level, 1.0) * kSteps);
-  if (!(high > low) || !keeps(low)) return std::nullopt;
-  while (high - low > 1.0) {
-    const double middle = std::floor((low + high) / 2.0);
-    (keeps(middle) ? low : high) = middle;
-  }
-  return low / kSteps;
+  const auto up = [](double steps) { return std::ceil(steps); };
+  return LevelNextTo(InHundredths(level, up), {0.0}, keeps);
 }
 
 }  // namespace
