@@ -347,7 +347,7 @@ A frozen value.  Keyword arguments and properties:
     cmp_rgm2: Result: share of the area that the compensation after the pulse takes [ratio to the area]; default 0.0
     cmp_cparam: Result: gain of the reshaping; default 0.0
     cmp_err: Kept for the controller; default False
-    opt_rat_level: Of CMP_OPTIMIZED: from 0, near nominal, to 1, the least stroke; default 0.0"""
+    opt_rat_level: Of CMP_OPTIMIZED: share of the tolerance that is spent on the stroke; 0 keeps the pulse nominal; default 0.0"""
 
     def __init__(
         self,
@@ -460,7 +460,7 @@ A frozen value.  Keyword arguments and properties:
         """Kept for the controller; default False"""
     @property
     def opt_rat_level(self) -> float:
-        """Of CMP_OPTIMIZED: from 0, near nominal, to 1, the least stroke; default 0.0"""
+        """Of CMP_OPTIMIZED: share of the tolerance that is spent on the stroke; 0 keeps the pulse nominal; default 0.0"""
     def replace(
         self,
         *,

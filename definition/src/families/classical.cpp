@@ -208,7 +208,10 @@ const FieldTable<Set> kFields{
           {"", "result: gain of the reshaping"}),
     Value("CmpErr", &Set::GetCmpErr, &Set::SetCmpErr, {"", "kept for the controller"}),
     Value("OptRatLevel", &Set::GetOptRatLevel, &Set::SetOptRatLevel,
-          {"", "of CMP_OPTIMIZED: from 0, near nominal, to 1, the least stroke", kShare}),
+          {"",
+           "of CMP_OPTIMIZED: share of the tolerance that is spent on the stroke; 0 keeps the "
+           "pulse nominal",
+           kShare}),
 };
 
 double OwnFsamp(const ParameterSet& set) {

@@ -67,7 +67,7 @@ class QARV_WAVE_DEF_EXPORT CWaveDefClassical {
     CMP_RAMP = 1,         ///< straight ramps
     CMP_COSINE = 2,       ///< a raised cosine on each side
     CMP_FLAT_COSINE = 3,  ///< a flat part and a raised-cosine taper on each side
-    CMP_OPTIMIZED = 4,    ///< blended by OptRatLevel, then optimised
+    CMP_OPTIMIZED = 4,    ///< spends the share OptRatLevel of the tolerance on the stroke
   };
 
  private:
@@ -205,8 +205,8 @@ class QARV_WAVE_DEF_EXPORT CWaveDefClassical {
   /// Kept for the controller.  Default false.  Not generated from.
   bool GetCmpErr() const { return set_->CmpErr; }
   void SetCmpErr(bool v) { set_->CmpErr = v; }
-  /// Of CMP_OPTIMIZED: from 0, near nominal, to 1, the least stroke. [1]  Default 0; 0 to 1.
-  /// Clamped to that.
+  /// Of CMP_OPTIMIZED: share of the tolerance that is spent on the stroke; 0 keeps the pulse
+  /// nominal. [1]  Default 0; 0 to 1.  Clamped to that.
   double GetOptRatLevel() const { return set_->OptRatLevel; }
   void SetOptRatLevel(double v) { set_->OptRatLevel = v; }
 

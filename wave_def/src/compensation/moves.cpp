@@ -21,7 +21,11 @@ using common::CCalcWave;
 
 namespace {
 
+// What chose each number is in docs/compensation.md, "Its numbers".
+
 constexpr int64 kShortest = 8;  // [sample]
+/// What counts as home, where rounding leaves a miss: a share of the largest |displacement|.
+constexpr double kHome = 1e-9;
 
 std::size_t At(int64 i) { return static_cast<std::size_t>(i); }
 
@@ -166,7 +170,7 @@ Pair MakePair(const Candidate& pre, const Candidate& post, double gap, double sc
   double high = std::min(pre.reach.up, post.reach.up + gap);
   const double miss = std::max(low - high, 0.0);
   if (low > high) low = high = 0.5 * (low + high);
-  return {&pre, &post, low, high, miss, miss <= 1e-9 * scale};
+  return {&pre, &post, low, high, miss, miss <= kHome * scale};
 }
 
 /// The best factors for a pair.
@@ -323,11 +327,17 @@ MoveSet MovesAround(const Pulse& pulse, std::span<const double> parts) {
 }
 
 void CentreStroke(const Pulse& pulse, const Settings& settings, Wave* best) {
-  constexpr std::array kParts{1.0 / 2, 1.0 / 3};
+  constexpr std::array kParts{1.0 / 2, 1.0 / 3};  // of the length, that accelerate
   constexpr int kRounds = 2;
+  constexpr double kPlanned = 0.999;     // of the limits; what is moved is tested after all
+  constexpr double kWrongSide = 1.002;   // how much more the side that is not asked for counts
+  constexpr int kPairedMoves = 6;        // of each side
+  constexpr double kForGentler = 0.003;  // stroke that is given for less acceleration [ratio]
   const MoveSet moves = MovesAround(pulse, kParts);
-  const Limits limits = LimitsInForce(pulse, settings.pre, settings.post, 1.0).Scaled(0.999);
-  const MoveRules rules{.lead = settings.HasSideTest() ? 1.002 : 1.0, .top = 6, .gentle = 0.003};
+  const Limits limits = LimitsInForce(pulse, settings.pre, settings.post, 1.0).Scaled(kPlanned);
+  const MoveRules rules{.lead = settings.HasSideTest() ? kWrongSide : 1.0,
+                        .top = kPairedMoves,
+                        .gentle = kForGentler};
   MoveMemory memory;
   for (int round = 0; round < kRounds; ++round) {
     const MovesFound found = BestMoves(*best, limits, moves, rules, &memory);

@@ -32,22 +32,47 @@ struct Spending {
   bool operator==(const Spending&) const = default;
 };
 
-// What OptRatLevel 0 and 1 ask for: the nominal pulse, and the least stroke.
-constexpr Spending kNominal{1.0, 0.9, 0.0};
-constexpr Spending kLeastStroke{4.0, 0.97, 0.96};
-constexpr double kLongestFlat = 12.0;  // [taper]
+// What chose each number is in docs/compensation.md, "Its numbers".
+
+// The level of the pulses with OptRatLevel 0 and 1, and how far the main pulse is lowered with 1.
+constexpr double kNominalLevel = 0.9;
+constexpr double kHighestLevel = 0.97;
+constexpr double kDeepestLowering = 0.96;
+// The flat part of the pulses, and that of the shortest ones.  [taper]
+constexpr double kFlat = 4.0;
+constexpr double kLongestFlat = 12.0;
+/// The share of the limits that pulses and moves may take together: the rest is for the reshaping.
+constexpr double kPlanned = 0.985;
+/// The largest stroke of a plan that counts as centred.  [swing]
+constexpr double kCentred = 0.53;
+/// How much more the side of the displacement that is not asked for counts.
+constexpr double kWrongSide = 1.02;
+/// The moves of each side that are paired.
+constexpr int kPairedMoves = 2;
+/// How far moves reach under the taper of a pulse.  [taper]
+constexpr std::array kReaches{0.0, 0.35, 0.7, 1.0};
+/// The share of their length in which moves accelerate.
+constexpr std::array kMoveParts{0.5};
+/// The intervals of lengths at which the search ends: samples, and parts of the frame to compare
+/// places.
+constexpr int64 kFinest = 4;
+constexpr int64 kCoarsest = 64;
+/// The steps in which a frame is searched for a place.
+constexpr int64 kPlaces = 16;
+/// How much of the way to where both sides lack as much a pulse goes for each share of its need
+/// that it lacks.
+constexpr double kWayForLack = 2.0;
 
 /// The spending that OptRatLevel asks for, straight between the two ends.
 Spending SpendingOf(const Settings& s) {
   const double rho = s.optRatLevel >= 0.0 ? std::min(s.optRatLevel, 1.0) : 0.0;  // a NaN is 0
   const auto blend = [rho](double x0, double x1) { return x0 + (x1 - x0) * rho; };
-  return {blend(kNominal.f, kLeastStroke.f), blend(kNominal.kappa, kLeastStroke.kappa),
-          blend(kNominal.mu, kLeastStroke.mu)};
+  return {kFlat, blend(kNominalLevel, kHighestLevel), blend(0.0, kDeepestLowering)};
 }
 
 /// The shortest pulses for as much of the main pulse as is asked for.
 Spending ShortestOf(const Spending& asked) {
-  return {kLongestFlat, kLeastStroke.kappa, asked.mu, asked.under};
+  return {kLongestFlat, kHighestLevel, asked.mu, asked.under};
 }
 
 /// The main pulse lowered towards its lower limit: its top stays, and it still rises to one peak
@@ -188,13 +213,13 @@ class Planner {
       post.resize(n);
       for (std::size_t j = 0; j < n; ++j) pre[j] = post[j] = std::min(pre[j], post[j]);
     }
-    limits_ = std::move(limits_).Scaled(0.985);
+    limits_ = std::move(limits_).Scaled(kPlanned);
     pre_ = Side(std::move(pre), spending.f);
     post_ = Side(std::move(post), spending.f);
   }
 
   /// The lengths with the least stroke; nothing if the table cannot be brought home.
-  /// @param[in] coarse  down to N / 64 samples only, to compare places
+  /// @param[in] coarse  down to 1 / 64 of the frame only, to compare places
   std::optional<Trial> Search(bool coarse) const {
     if (settings_.IsSymmetric()) {
       const int64 n = pre_.LengthFor(T_ / 2.0);
@@ -214,7 +239,7 @@ class Planner {
       if (tried.IsBetterThan(best)) best = tried;
       return tried;
     };
-    const int64 finest = coarse ? std::max<int64>(4, pulse_.N() / 64) : 4;
+    const int64 finest = coarse ? std::max(kFinest, pulse_.N() / kCoarsest) : kFinest;
     while (high - low > finest) {
       const int64 third = (high - low) / 3;
       const Trial shorter = trial(low + third);
@@ -241,7 +266,7 @@ class Planner {
     plan.attempt.drawn = {n.s1 * pre_.LevelOf(n.n1) / pulse_.A,
                           n.s2 * post_.LevelOf(n.n2) / pulse_.A, n.s1 * pre_.AreaOf(n.n1) / S,
                           n.s2 * post_.AreaOf(n.n2) / S};
-    plan.centred = found.stroke <= 0.53 * found.swing;
+    plan.centred = found.stroke <= kCentred * found.swing;
     return plan;
   }
 
@@ -254,18 +279,17 @@ class Planner {
   }
 
   MoveRules Rules() const {
-    return {.lead = settings_.HasSideTest() ? 1.02 : 1.0, .top = 2, .gentle = 0.0};
+    return {.lead = settings_.HasSideTest() ? kWrongSide : 1.0, .top = kPairedMoves, .gentle = 0.0};
   }
 
   /// Moves that lie clear of the pulse of n samples, or reach under its taper or all of it.
   std::vector<Move> MovesBeside(const Side& side, int64 n, int64 room) const {
     const auto clear = static_cast<double>(room - n);
     const auto t = static_cast<double>(n > 0 ? side.TaperOf(n) : 0);
-    const std::array lengths{
-        clear,           0.7 * clear, clear + 0.35 * t,
-        clear + 0.7 * t, clear + t,   under_ ? static_cast<double>(room) : 0.0};
-    constexpr std::array kParts{0.5};
-    return MakeMoves(lengths, kParts, room);
+    std::array<double, kReaches.size() + 1> lengths{};
+    for (std::size_t k = 0; k < kReaches.size(); ++k) lengths[k] = clear + kReaches[k] * t;
+    if (under_) lengths.back() = static_cast<double>(room);
+    return MakeMoves(lengths, kMoveParts, room);
   }
   MoveSet MovesFor(const Lengths& n) const {
     return {MovesBeside(pre_, n.n1, pulse_.at.iPS - 1),
@@ -400,7 +424,7 @@ int64 WantedShift(const Pulse& pulse, const Settings& settings, const Spending& 
   const int64 balance = (lackPre - lackPost) / 2;
   const auto partOf = [](int64 way, int64 lack, int64 need) {
     if (lack <= 0) return int64{0};
-    const double share = 2.0 * static_cast<double>(lack) / static_cast<double>(need);
+    const double share = kWayForLack * static_cast<double>(lack) / static_cast<double>(need);
     return std::min(lack, LengthOf(static_cast<double>(way) * std::min(share, 1.0)));
   };
   return balance > 0 ? partOf(balance, lackPre, needed.pre)
@@ -435,7 +459,7 @@ std::optional<int64> NearestHome(const Pulse& pulse, const Settings& settings,
   const auto comesHome = [&](int64 shift) {
     return places.Has(shift) && ComesHome(pulse, settings, asked, shift, work);
   };
-  const int64 step = std::max<int64>(1, pulse.N() / 16);
+  const int64 step = std::max<int64>(1, pulse.N() / kPlaces);
   const int64 towardsMiddle = pulse.at.iPS + pulse.at.iPE < pulse.N() ? 1 : -1;
   for (int64 distance = step; distance < places.last - places.first + step; distance += step) {
     for (const int64 side : {towardsMiddle, -towardsMiddle}) {
@@ -457,10 +481,8 @@ std::optional<int64> NearestHome(const Pulse& pulse, const Settings& settings,
 /// @return whether there was any
 bool OfferPlansAt(const Pulse& pulse, const Settings& settings, const Spending& asked, int64 shift,
                   const std::function<bool(Attempt)>& accept, Work* work) {
-  const std::array<Spending, 4> ladder{{asked,
-                                        {kLeastStroke.f, asked.kappa, asked.mu, asked.under},
-                                        {kLeastStroke.f, kLeastStroke.kappa, asked.mu, asked.under},
-                                        ShortestOf(asked)}};
+  const std::array<Spending, 3> ladder{
+      {asked, {kFlat, kHighestLevel, asked.mu, asked.under}, ShortestOf(asked)}};
   bool any = false;
   std::optional<bool> canComeHome;  // asked only once a plan has failed
   std::vector<Plan> aside;

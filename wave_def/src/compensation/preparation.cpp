@@ -7,6 +7,7 @@
 #include "compensation/preparation.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <utility>
@@ -239,6 +240,10 @@ std::optional<Attempt> PrepareRamps(Pulse* nominal, const Settings& settings, Sh
 
 // ---- Cosines -----------------------------------------------------------------------------------
 
+/// The shares of their limits that the levels of cosines may take, the next where the first has no
+/// room.
+constexpr std::array kCosineSpending{0.95, 0.98};
+
 int64 FlatOf(double f, int64 t) {
   return LengthOf(static_cast<double>(t) * f + 0.5);  // rounded half up
 }
@@ -319,12 +324,13 @@ std::optional<Attempt> PrepareCosines(Pulse* nominal, const Settings& settings, 
     const bool both = settings.pre != 0.0 && settings.post != 0.0;
     const auto needed = [&](double level) -> int64 {
       if (level == 0.0) return 0;
-      const int64 t = LeastTaper(f, both ? wave.tot / 2.0 : wave.tot, 0.95 * level);
+      const int64 t =
+          LeastTaper(f, both ? wave.tot / 2.0 : wave.tot, kCosineSpending.front() * level);
       return t + FlatOf(f, t);
     };
     *shortage = {pm.pre, pm.post, {needed(pm.pre), room1}, {needed(pm.post), room2}};
   }
-  for (const double phi : {0.95, 0.98}) {
+  for (const double phi : kCosineSpending) {
     const Levels P{phi * pm.pre, phi * pm.post};
     const auto plan = PlanCosines(pulse, settings, f, P, wave, work);
     if (!plan) continue;

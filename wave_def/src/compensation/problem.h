@@ -59,9 +59,9 @@ struct Settings {
   wave_def_sub::WAVE_KIND shape;
   CWaveDefClassical::TOL_KIND kind;
   CWaveDefTolSpecify::BASE_STANDARD_TYPE base;  // none, unless the kind is TOL_SPECIFY
-  double optRatLevel;  // 0: the pulse stays near nominal, 1: the least stroke
-  double fsamp;        // [Hz]
-  bool negative;       // the pulse came in negated
+  double optRatLevel;                           // 0: the pulse stays nominal, 1: the least stroke
+  double fsamp;                                 // [Hz]
+  bool negative;                                // the pulse came in negated
 
   /// Compensation on one side only; there is nothing to be symmetric then.
   bool IsOneSided() const { return (pre == 0.0) != (post == 0.0); }

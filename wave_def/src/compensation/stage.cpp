@@ -61,12 +61,15 @@ class Choice {
 
 /// The attempt with moves added, which bring a table home that its pulses alone do not.
 std::optional<Attempt> WithMoves(const Attempt& attempt, const Settings& settings) {
-  constexpr std::array kParts{0.5};
+  constexpr std::array kParts{0.5};  // of the length, that accelerate
+  constexpr double kPlanned = 0.95;  // of the limits: the rest is for the reshaping
+  constexpr int kPairedMoves = 2;    // of each side
   const MoveSet moves = MovesAround(attempt.pulse, kParts);
-  const Limits limits = LimitsInForce(attempt.pulse, settings.pre, settings.post, 1.0).Scaled(0.95);
+  const Limits limits =
+      LimitsInForce(attempt.pulse, settings.pre, settings.post, 1.0).Scaled(kPlanned);
   MoveMemory memory;
-  const MovesFound found =
-      BestMoves(attempt.comp, limits, moves, {.lead = 1.0, .top = 2, .gentle = 0.0}, &memory);
+  const MovesFound found = BestMoves(attempt.comp, limits, moves,
+                                     {.lead = 1.0, .top = kPairedMoves, .gentle = 0.0}, &memory);
   if (!found.home) return std::nullopt;
   Attempt moved(attempt);
   AddMoves(found, &moved.comp);
