@@ -21,12 +21,12 @@ using Json = nlohmann::ordered_json;
 namespace {
 
 /// One of the responses of a line.
-struct Column {
+struct SpectrumColumn {
   const char* name;
   double (*value)(const SrsPoint& point);
 };
 
-constexpr std::array<Column, 7> kColumns{{
+constexpr std::array<SpectrumColumn, 7> kSpectrumColumns{{
     {"maximax", [](const SrsPoint& p) { return p.Total().Maximax(); }},
     {"positive", [](const SrsPoint& p) { return p.Total().positive; }},
     {"negative", [](const SrsPoint& p) { return p.Total().negative; }},
@@ -88,13 +88,14 @@ std::string CsvOf(const SpectraRun& run) {
   fmt::format_to(out, "frequency");
   for (const Spectrum& spectrum : run.spectra) {
     const std::string suffix = run.spectra.size() == 1 ? "" : "_q" + QText(spectrum.zeta);
-    for (const Column& column : kColumns) fmt::format_to(out, ",{}{}", column.name, suffix);
+    for (const SpectrumColumn& column : kSpectrumColumns)
+      fmt::format_to(out, ",{}{}", column.name, suffix);
   }
   text.push_back('\n');
   for (std::size_t i = 0; i < run.spectra.front().points.size(); ++i) {
     fmt::format_to(out, "{}", run.spectra.front().points[i].frequency);
     for (const Spectrum& spectrum : run.spectra) {
-      for (const Column& column : kColumns) {
+      for (const SpectrumColumn& column : kSpectrumColumns) {
         fmt::format_to(out, ",{}", Plain(spectrum.factor * column.value(spectrum.points[i])));
       }
     }
@@ -117,7 +118,7 @@ std::string JsonOf(const SpectraRun& run) {
     Json& one = json["spectra"].emplace_back();
     one["q"] = NumberJson(0.5 / spectrum.zeta);
     one["damping"] = spectrum.zeta;
-    for (const Column& column : kColumns) {
+    for (const SpectrumColumn& column : kSpectrumColumns) {
       Json& values = one[column.name] = Json::array();
       for (const SrsPoint& point : spectrum.points) {
         values.push_back(NumberJson(spectrum.factor * column.value(point)));
