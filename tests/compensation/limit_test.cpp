@@ -102,6 +102,8 @@ TEST(Compensation, OptRatLevelIsTheShareOfTheToleranceThatIsSpentOnTheStroke) {
         if (std::isfinite(least)) strokes[i].push_back(result.stroke / least);
       }
       if (done[0]) lossAtNone.push_back(std::fabs(losses[0]));
+      // No plan spends more than is asked for, in however crowded a frame.
+      EXPECT_LE(losses[0], 0.02);
       // Of bands without width on the pulse there is nothing to spend.
       if (!done[2] || !done[4] || losses[4] < 0.001) continue;
       ++halved;
