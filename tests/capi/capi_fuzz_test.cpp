@@ -445,12 +445,12 @@ TEST(CInterfaceMemory, ASynthesisThatFindsNoneSaysSoAndLeavesNoWaveform) {
     ExpectNoWave(handle.get());
   };
   for (const auto how : {Starved::How::Once, Starved::How::FromThenOn}) {
-    for (unsigned long long k = 1; k <= allocations; k += 1 + k / 4) {
+    for (unsigned long long k = 1; k <= allocations; k += 1 + k / 2) {
       expectNone(k, how);
       if (HasFailure()) return;
     }
     // The last ones make the figures.
-    for (unsigned long long k = 1; k < allocations && k < 400; k += 7) {
+    for (unsigned long long k = 1; k < allocations && k < 400; k += 29) {
       expectNone(allocations - k, how);
       if (HasFailure()) return;
     }
