@@ -17,8 +17,10 @@ namespace {
 
 /// As JSON; what is no number is a text there.
 Json Shown(const Value& value) {
-  const double* const number = std::get_if<double>(&value);
-  if (number == nullptr) return std::visit([](const auto& v) { return Json(v); }, value);
+  const double* const number = std::get_if<double>(static_cast<const AnyValue*>(&value));
+  if (number == nullptr) {
+    return std::visit([](const auto& v) { return Json(v); }, static_cast<const AnyValue&>(value));
+  }
   const double v = text::Plain(*number);
   return std::isfinite(v) ? Json(v) : Json(text::NumberText(v));
 }

@@ -146,13 +146,13 @@ std::int32_t qarv_wave_judge_json(qarv_wave* handle, const double* samples, std:
     const JudgeRequest request = JudgeRequestOf(TextOf(settings, length));
     const assess::Record record{RecordOf(samples, count, fsamp), fsamp, request.unit,
                                 request.begin};
-    const assess::Judgement judgement = assess::Judge(def, record, request);
+    assess::Judgement judgement = assess::Judge(def, record, request);
     std::vector<std::string> warnings;
     for (const definition::Finding& finding : definition::CheckWave(def)) {
       warnings.push_back(text::OneLine(finding.text));
     }
     warnings.insert(warnings.end(), judgement.warnings.begin(), judgement.warnings.end());
-    assess::Entries entries = judgement.entries;
+    assess::Entries entries = std::move(judgement.entries);
     entries.push_back({"warnings", "warnings", std::move(warnings), ""});
     out.Text(assess::AsJson(entries));
   });

@@ -33,6 +33,7 @@ foreach(component package IN ZIP_LISTS CPACK_COMPONENTS_ALL CPACK_QARV_PACKAGES)
       ${CPACK_QARV_SOURCE_DIR}/examples/c)
     add(${doc}/examples ${programs})
   elseif(component STREQUAL command)
-    add(${doc}/examples ${CPACK_QARV_SOURCE_DIR}/examples/definitions)
+    add(${doc}/examples ${CPACK_QARV_SOURCE_DIR}/examples/definitions
+      ${CPACK_QARV_SOURCE_DIR}/examples/requirements ${CPACK_QARV_SOURCE_DIR}/examples/machines)
   endif()
 endforeach()

@@ -38,7 +38,8 @@ namespace {
 py::list EntriesOf(const assess::Entries& entries) {
   py::list out;
   for (const assess::Entry& entry : entries) {
-    const py::object value = std::visit([](const auto& v) { return py::cast(v); }, entry.value);
+    const py::object value = std::visit([](const auto& v) { return py::cast(v); },
+                                        static_cast<const assess::AnyValue&>(entry.value));
     out.append(py::make_tuple(entry.key, entry.label, value, entry.unit));
   }
   return out;

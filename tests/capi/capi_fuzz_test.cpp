@@ -369,6 +369,8 @@ TEST(CInterfaceMemory, AnOutputThatFindsNoneSaysSo) {
     ASSERT_EQ(Define(handle, text), QARV_WAVE_OK);
     const std::vector<double> wave(qarv_wave_samples(h), qarv_wave_samples(h) + qarv_wave_size(h));
     const double fsamp = qarv_wave_sample_rate(h);
+    std::vector<double> failing(wave);  // by its bands and by its velocity change
+    for (double& v : failing) v *= 1.5;
     const std::function<std::int32_t(std::size_t*)> calls[] = {
         [&](std::size_t* n) { return qarv_wave_definition_json(h, buffer.data(), 1 << 16, n); },
         [&](std::size_t* n) {
@@ -386,6 +388,10 @@ TEST(CInterfaceMemory, AnOutputThatFindsNoneSaysSo) {
         [&](std::size_t* n) {
           return qarv_wave_judge_json(h, wave.data(), wave.size(), fsamp, nullptr, 0, buffer.data(),
                                       1 << 16, n);
+        },
+        [&](std::size_t* n) {
+          return qarv_wave_judge_json(h, failing.data(), failing.size(), fsamp, nullptr, 0,
+                                      buffer.data(), 1 << 16, n);
         },
     };
     for (const auto& call : calls) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -9,7 +10,29 @@
 
 namespace qarv::assess {
 
-using Value = std::variant<double, common::uint64, std::string, std::vector<std::string>>;
+using AnyValue = std::variant<double, common::uint64, std::string, std::vector<std::string>>;
+
+/// A number, a text or a list of texts.  Its copy is first made and then moved in: where the copy
+/// of a std::variant finds no memory, GCC 12 destroys what is not there.
+class Value : public AnyValue {
+ public:
+  using AnyValue::AnyValue;
+  Value(const Value& other) : AnyValue(0.0) {
+    std::visit(
+        [this](const auto& v) {
+          auto copy = v;
+          AnyValue::operator=(std::move(copy));
+        },
+        static_cast<const AnyValue&>(other));
+  }
+  Value(Value&&) noexcept = default;
+  Value& operator=(const Value& other) {
+    *this = Value(other);
+    return *this;
+  }
+  Value& operator=(Value&&) noexcept = default;
+  ~Value() = default;
+};
 
 /// One result.
 struct Entry {
@@ -20,8 +43,7 @@ struct Entry {
 };
 using Entries = std::vector<Entry>;
 
-/// Moves results to the end of others.  GCC 12 destroys what is not there where the copy of a Value
-/// finds no memory: what has to survive that moves its results.
+/// Moves results to the end of others.
 void Append(Entries&& more, Entries* entries);
 
 /// The value alone, in the shortest digits that read back as the same: what is 0 or no number
