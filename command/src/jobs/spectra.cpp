@@ -21,12 +21,12 @@ using Json = nlohmann::ordered_json;
 namespace {
 
 /// One of the responses of a line.
-struct SpectrumColumn {
+struct ResponseColumn {
   const char* name;
   double (*value)(const SrsPoint& point);
 };
 
-constexpr std::array<SpectrumColumn, 7> kSpectrumColumns{{
+constexpr std::array<ResponseColumn, 7> kResponseColumns{{
     {"maximax", [](const SrsPoint& p) { return p.Total().Maximax(); }},
     {"positive", [](const SrsPoint& p) { return p.Total().positive; }},
     {"negative", [](const SrsPoint& p) { return p.Total().negative; }},
@@ -88,14 +88,14 @@ std::string CsvOf(const SpectraRun& run) {
   fmt::format_to(out, "frequency");
   for (const Spectrum& spectrum : run.spectra) {
     const std::string suffix = run.spectra.size() == 1 ? "" : "_q" + QText(spectrum.zeta);
-    for (const SpectrumColumn& column : kSpectrumColumns)
+    for (const ResponseColumn& column : kResponseColumns)
       fmt::format_to(out, ",{}{}", column.name, suffix);
   }
   text.push_back('\n');
   for (std::size_t i = 0; i < run.spectra.front().points.size(); ++i) {
     fmt::format_to(out, "{}", run.spectra.front().points[i].frequency);
     for (const Spectrum& spectrum : run.spectra) {
-      for (const SpectrumColumn& column : kSpectrumColumns) {
+      for (const ResponseColumn& column : kResponseColumns) {
         fmt::format_to(out, ",{}", Plain(spectrum.factor * column.value(spectrum.points[i])));
       }
     }
@@ -118,7 +118,7 @@ std::string JsonOf(const SpectraRun& run) {
     Json& one = json["spectra"].emplace_back();
     one["q"] = NumberJson(0.5 / spectrum.zeta);
     one["damping"] = spectrum.zeta;
-    for (const SpectrumColumn& column : kSpectrumColumns) {
+    for (const ResponseColumn& column : kResponseColumns) {
       Json& values = one[column.name] = Json::array();
       for (const SrsPoint& point : spectrum.points) {
         values.push_back(NumberJson(spectrum.factor * column.value(point)));
