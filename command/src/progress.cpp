@@ -12,25 +12,23 @@ namespace qarv::command {
 
 using text::OneLine;
 
-namespace {
+bool Pace::IsDue(Time now) {
+  if (now < next_) return false;
+  next_ = now + Progress::kPause;
+  return true;
+}
 
-constexpr std::chrono::milliseconds kPause{100};  // work that ends sooner says nothing
-
-}  // namespace
-
-Progress::Progress(std::size_t total)
+Progress::Progress(std::size_t total, std::chrono::milliseconds silence)
     : total_(total),
       terminal_(platform::IsTerminal(platform::kError)),
-      last_(std::chrono::steady_clock::now()) {}
+      pace_(silence, std::chrono::steady_clock::now()) {}
 
 Progress::~Progress() {
   if (shown_) Diagnose("\r\x1b[K");
 }
 
 void Progress::Show(std::size_t done, const std::string& next) {
-  const auto now = std::chrono::steady_clock::now();
-  if (!terminal_ || now - last_ < kPause) return;
-  last_ = now;
+  if (!terminal_ || !pace_.IsDue(std::chrono::steady_clock::now())) return;
   shown_ = true;
   // Cut to one line of a narrow terminal, of which there is no second to erase.
   Diagnose(fmt::format("\r[{}/{}] {:.60}\x1b[K", done, total_, OneLine(next)));

@@ -5,6 +5,8 @@
 #include <sstream>
 
 #include "files/csv_reader.h"
+#include "files/input_file.h"
+#include "progress.h"
 #include "run_command.h"
 
 namespace qarv::test {
@@ -248,6 +250,31 @@ TEST_F(BatchCommand, ALargeSpectrumShowsProgressToo) {
   EXPECT_NE(OnTerminal(arguments, folder).find("/1500] lines of the spectrum\x1b[K"),
             std::string::npos);
   EXPECT_EQ(RunCommand(arguments).err, "");
+}
+
+TEST(Pace, SaysNothingForItsSilenceAndThenAFewTimesASecond) {
+  using std::chrono::milliseconds;
+  const command::Pace::Time start{};
+  command::Pace pace(milliseconds(2000), start);
+  std::vector<int> said;
+  for (int ms = 0; ms < 2350; ms += 10) {
+    if (pace.IsDue(start + milliseconds(ms))) said.push_back(ms);
+  }
+  EXPECT_EQ(said, (std::vector<int>{2000, 2100, 2200, 2300}));
+}
+
+TEST(InputFile, SaysHowMuchOfItHasBeenRead) {
+  const TempFolder folder;
+  WriteText(folder / "a.txt", std::string(1 << 20, 'x'));  // in 16 pieces
+  command::InputFile file(folder / "a.txt");
+  EXPECT_EQ(file.GetPercent(), 0U);
+  std::size_t before = 0;
+  for (int piece = 1; piece <= 16; ++piece) {
+    file.ReadPiece();
+    EXPECT_NEAR(static_cast<double>(file.GetPercent()), 100.0 * piece / 16, 1.0);
+    EXPECT_GT(file.GetPercent(), before);
+    before = file.GetPercent();
+  }
 }
 
 }  // namespace

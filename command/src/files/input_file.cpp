@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <set>
@@ -47,7 +48,16 @@ Descriptor Opened(const std::string& name) {
 
 }  // namespace
 
-InputFile::InputFile(const std::string& name) : name_(name), file_(Opened(name)) {}
+InputFile::InputFile(const std::string& name) : name_(name), file_(Opened(name)) {
+  const auto facts = platform::FactsOf(file_.Get());
+  size_ = facts && facts->kind == FileKind::Regular ? facts->size : 0;
+}
+
+std::size_t InputFile::GetPercent() const {
+  if (size_ == 0) return 0;
+  // A file may grow while it is read.
+  return static_cast<std::size_t>(std::min<uint64>(100, count_ / (size_ / 100 + 1)));
+}
 
 bool InputFile::Append() {
   const std::size_t before = buffer_.size();

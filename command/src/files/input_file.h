@@ -23,6 +23,8 @@ class InputFile {
   InputFile(const std::string& name);
 
   const std::string& GetName() const { return name_; }
+  /// [%] of it that has been read; 0 where nobody knows, as of a pipe.
+  std::size_t GetPercent() const;
 
   /// What it begins with, 64 bytes at least if it has them.  Before the first reading only.
   std::string_view Head();
@@ -41,6 +43,7 @@ class InputFile {
 
   std::string name_;
   Descriptor file_;
+  common::uint64 size_;       // [byte]; 0 where nobody knows
   std::string buffer_;        // that was read last
   std::size_t at_ = 0;        // of it that was handed out
   common::uint64 count_ = 0;  // [byte] read so far

@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <cmath>
 #include <string_view>
 #include <utility>
@@ -15,6 +16,7 @@
 #include "exchange/uff.h"
 #include "exchange/units.h"
 #include "files/definition_file.h"
+#include "progress.h"
 #include "text/text.h"
 
 namespace qarv::command {
@@ -79,7 +81,14 @@ exchange::Recording ReadRecording(InputFile* in, const exchange::ChannelChoice& 
   const bool binary = kind != exchange::Kind::Csv && kind != exchange::Kind::Unknown;
   if (binary) return exchange::ReadRecording(in->ReadAll(), choice);
   // Text, piece by piece; what is none has no line of numbers.
-  return exchange::ReadTable([in] { return std::span<const char>(in->ReadPiece()); }, choice);
+  Progress progress(100, std::chrono::seconds(2));
+  const std::string what = "percent of " + in->GetName();
+  const auto next = [&] {
+    const std::span<const char> piece = in->ReadPiece();
+    progress.Show(in->GetPercent(), what);
+    return piece;
+  };
+  return exchange::ReadTable(next, choice);
 }
 
 /// The unit and the scale that were given, where the file leaves them open.

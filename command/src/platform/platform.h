@@ -28,8 +28,9 @@ enum class FileKind { Regular, Folder, Pipe, CharacterDevice, BlockDevice };
 struct FileFacts {
   FileKind kind;
   FileId id;
-  unsigned mode;  // who may do what with it
+  unsigned mode;          // who may do what with it
   common::int64 written;  // when it was written last: seconds since the start of 1970, UTC
+  common::uint64 size;    // [byte]; 0 where nobody knows, as of a pipe
 };
 
 /// What a descriptor or a name stands for; nothing where it stands for none.

@@ -38,7 +38,11 @@ FileKind KindOf(unsigned mode) {
 
 /// The facts that a handle has beyond those of its descriptor: the latter numbers no files.
 FileFacts FactsOf(HANDLE handle, const struct _stat64& status) {
-  FileFacts facts{KindOf(status.st_mode), {}, status.st_mode & 0777U, status.st_mtime};
+  FileFacts facts{KindOf(status.st_mode),
+                  {},
+                  status.st_mode & 0777U,
+                  status.st_mtime,
+                  static_cast<common::uint64>(status.st_size)};
   BY_HANDLE_FILE_INFORMATION information{};
   if (GetFileInformationByHandle(handle, &information) != 0) {
     facts.id = {information.dwVolumeSerialNumber,
