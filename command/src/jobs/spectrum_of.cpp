@@ -31,26 +31,27 @@ void ConvertTo(const std::string& unit, const char* whose, const std::string& in
 }
 
 int Upsample(double highest, const std::string& input, InputWave* wave) {
-  const auto [wanted, factor] =
+  const assess::Upsampling found =
       assess::UpsamplingFor(wave->samples.GetSize(), wave->fsamp, highest);
   const std::string enough =
       fmt::format("{:g} samples per cycle at {:g} Hz", assess::kSamplesPerCycle, highest);
-  if (factor > 1) {
+  if (found.factor > 1) {
     const assess::OwnedRecord finer = Assessed(input, [&] {
       return assess::Upsampled(
-          {definition::SpanOf(wave->samples), wave->fsamp, wave->unit, wave->begin}, factor);
+          {definition::SpanOf(wave->samples), wave->fsamp, wave->unit, wave->begin}, found.factor);
     });
     wave->samples.SetData(finer.samples.size(), finer.samples.data(), false);
     wave->fsamp = finer.fsamp;
     wave->begin = finer.begin;
-    wave->remarks.push_back(fmt::format("upsampled {} times to {:g} Hz{}", factor, finer.fsamp,
-                                        factor == wanted ? ": " + enough : ""));
+    wave->remarks.push_back(fmt::format("upsampled {} times to {:g} Hz{}", found.factor,
+                                        finer.fsamp,
+                                        found.factor == found.wanted ? ": " + enough : ""));
   }
-  if (factor < wanted) {
-    wave->remarks.push_back(fmt::format("{} times would give {}: not beyond {} samples", wanted,
-                                        enough, assess::kMostUpsampled));
+  if (found.factor < found.wanted) {
+    wave->remarks.push_back(fmt::format("{} times would give {}: not beyond {} samples",
+                                        found.wanted, enough, assess::kMostUpsampled));
   }
-  return factor;
+  return found.factor;
 }
 
 assess::SpectrumSettings RequiredSettings(const assess::Requirement& requirement) {
