@@ -32,7 +32,10 @@ FileKind KindOf(mode_t mode) {
 }
 
 FileFacts FactsOf(const struct stat& status) {
-  return {KindOf(status.st_mode), {status.st_dev, status.st_ino}, status.st_mode & 0777U, status.st_mtime,
+  return {KindOf(status.st_mode),
+          {status.st_dev, status.st_ino},
+          status.st_mode & 0777U,
+          status.st_mtime,
           static_cast<common::uint64>(status.st_size)};
 }
 
