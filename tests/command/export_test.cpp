@@ -11,7 +11,6 @@ namespace {
 
 using wave_def::CWaveDef;
 
-
 /// Samples that are given, with bands around them.
 CWaveDef DefineSamples(const std::vector<double>& samples, double fsamp, const char* unit) {
   CWaveDef def;

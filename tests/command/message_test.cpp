@@ -13,7 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-
 class Messages : public ::testing::Test {
  protected:
   CommandResult Run(const std::string& subcommand, const std::string& json) const {

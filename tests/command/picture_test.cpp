@@ -17,7 +17,6 @@
 namespace qarv::test {
 namespace {
 
-
 /// A variable of the environment, for as long as the object lives.
 class Environment {
  public:
@@ -100,8 +99,7 @@ TEST_F(Pictures, AreDrawnWithoutTheVariablesOfGnuplot) {
   const Environment terminal("GNUTERM", "dumb");
   const Environment other("NOT_OF_GNUPLOT", "kept");
   const Environment path("PATH", FakeGnuplot("cat >/dev/null; env >" + (folder / "env") + "\n"));
-  EXPECT_EQ(RunCommand({"generate", kExamples + "single.json", "--plot", folder / "p.svg"}).code,
-            2)
+  EXPECT_EQ(RunCommand({"generate", kExamples + "single.json", "--plot", folder / "p.svg"}).code, 2)
       << "it draws nothing";
   const std::string seen = ReadText(folder / "env");
   EXPECT_EQ(seen.find("GNUPLOT_LIB"), std::string::npos);
@@ -284,8 +282,7 @@ TEST_F(Pictures, SpectraHaveTicksAtOneTwoAndFive) {
 
 TEST_F(Pictures, SpectraShowThePrimaryResponseOnTheMaximax) {
   ASSERT_EQ(
-      RunCommand({"srs", kExamples + "half_sine_fixed.json", "--plot", folder / "s.svg"}).code,
-      0);
+      RunCommand({"srs", kExamples + "half_sine_fixed.json", "--plot", folder / "s.svg"}).code, 0);
   const std::string svg = ReadText(folder / "s.svg");
   // Each curve is a group that holds its name, and has its own line width.
   const auto curve = [&](int i) {
