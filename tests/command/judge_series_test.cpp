@@ -10,15 +10,12 @@
 #include "assess/series.h"
 #include "files/definition_file.h"
 #include "run_command.h"
+#include "shock_record.h"
 
 namespace qarv::test {
 namespace {
 
 const double kPi = std::acos(-1.0);
-
-double HalfSine(double t, double peak) {
-  return std::fabs(t) < 0.0055 ? peak * std::cos(kPi * t / 0.011) : 0.0;
-}
 
 class JudgeSeries : public ::testing::Test {
  protected:

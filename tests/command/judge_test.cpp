@@ -8,16 +8,12 @@
 #include <sstream>
 
 #include "run_command.h"
+#include "shock_record.h"
 
 namespace qarv::test {
 namespace {
 
 const double kPi = std::acos(-1.0);
-
-/// A half-sine of 11 ms about t = 0.
-double HalfSine(double t, double peak) {
-  return std::fabs(t) < 0.0055 ? peak * std::cos(kPi * t / 0.011) : 0.0;
-}
 
 class JudgeCommand : public ::testing::Test {
  protected:

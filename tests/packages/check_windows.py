@@ -6,12 +6,14 @@ answer is what the page shows.
 """
 import os
 import pathlib
-import re
 import shutil
 import subprocess
 import sys
 import tempfile
 import zipfile
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "docs"))
+from follow import follow  # noqa: E402
 
 page, archive = pathlib.Path(sys.argv[1]).read_text(), sys.argv[2]
 if not shutil.which("wine"):
@@ -32,20 +34,16 @@ def answer(line, folder):
 with tempfile.TemporaryDirectory() as name:
     zipfile.ZipFile(archive).extractall(name)
     (folder,) = pathlib.Path(name).iterdir()
-    for before, kind, body in re.findall(r"([^\n]*)\n\n```(\w+)\n(.*?)^```$", page, re.M | re.S):
-        if kind == "json":
-            file = re.search(r"`([\w.]+\.json)`:$", before)
-            if file:
-                (folder / file[1]).write_text(body)
-            else:
-                failures.append(f"a file without a name: {before}")
-        elif kind == "console":
-            for line, expected in re.findall(r"^C:\\shocks>(.*)\n((?:(?!C:\\shocks>).*\n)*)", body, re.M):
-                commands += 1
-                said = answer(line, folder)
-                whole, further, _ = expected.partition("...\n")
-                if not said.startswith(whole) or (said != whole and not further):
-                    failures.append(f"> {line}\n-- answers\n{said}-- but the page has\n{expected}")
+
+    def run(line, expected):
+        global commands
+        commands += 1
+        said = answer(line, folder)
+        whole, further, _ = expected.partition("...\n")
+        if not said.startswith(whole) or (said != whole and not further):
+            failures.append(f"> {line}\n-- answers\n{said}-- but the page has\n{expected}")
+
+    failures += follow(page, folder, "C:\\shocks>", run)
 
 print("\n".join(failures) or f"{commands} commands")
 sys.exit(bool(failures) or commands == 0)
