@@ -224,17 +224,23 @@ std::string Judgement::Failed() const {
                         : "";
 }
 
+void RequireSampling(const CWaveDef& def, const Record& measured, const JudgeSettings& settings) {
+  const std::string gap = SamplingGap(def, measured);
+  if (!gap.empty() && !settings.force) throw Error("", gap + "; --force judges it all the same");
+}
+
 Judgement Judge(const CWaveDef& def, const Record& measured, const JudgeSettings& settings) {
   if (!(settings.dvTol >= 0.0)) throw Error("dv-tol", "is not 0 or above");
   if (!definition::HasBands(def)) throw Error("", "the definition has no samples with bands");
   if (!(settings.move >= 0.0 && settings.move <= 100.0)) {
     throw Error("move", "is not within 0 to 100");
   }
+  RequireSampling(def, measured, settings);
   const GridRecord record = OnGridOf(def, measured, settings.search);
   std::vector<std::string> warnings;
-  const std::string gap = SamplingGap(def, measured);
-  if (!gap.empty() && !settings.force) throw Error("", gap + "; --force judges it all the same");
-  if (!gap.empty()) warnings.push_back(gap);
+  if (std::string gap = SamplingGap(def, measured); !gap.empty()) {
+    warnings.push_back(std::move(gap));
+  }
   Outcome outcome = JudgeWhereItFits(def, record, settings);
   Judgement& out = outcome.judgement;
   if (out.bands.judged < def.GetNsamp()) warnings.push_back(MissingText(def, out.overlay));

@@ -154,6 +154,7 @@ Series JudgeSeries(const CWaveDef& def, const Record& record, const SeriesSettin
   RequireNumbers(record.samples);
   if (!definition::HasBands(def)) throw Error("", "the definition has no samples with bands");
   const double factor = UnitFactor(def, record);
+  RequireSampling(def, record, settings.judge);
   const std::vector<ShockEvent> events = EventsOf(def, record, factor, settings);
   Series out;
   if (settings.count && events.size() != *settings.count) {

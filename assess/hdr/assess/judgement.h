@@ -62,6 +62,11 @@ struct Judgement {
   std::string Failed() const;
 };
 
+/// Holds that a record is sampled as often as a definition, and has ten samples in its pulse.
+/// @throws Error if it is not, and the settings do not force a verdict
+void RequireSampling(const wave_def::CWaveDef& def, const Record& record,
+                     const JudgeSettings& settings);
+
 /// Lays a record over a definition and compares it with the bands.
 ///
 /// The main pulse of a classical definition, otherwise the whole waveform, is found by
