@@ -3,7 +3,6 @@
 #pragma once
 
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -187,8 +186,8 @@ QARV_LANES_INLINE void WalkClosely(const Bank& bank, const TurnRules& rules, con
           (reach[k] - Higher(out0[k], out)) - (rules.byTurn[k] * turn + rules.byLean[k] * lean);
       const double straight = std::fabs(sum) - Higher(turn, rules.leanest[k] * lean);
       // Below 0 both.  By sign bits, as a choice would leave a branch in the loop.
-      turns[k] = (turns[k] >> 1) | (std::bit_cast<std::uint64_t>(missing) &
-                                    std::bit_cast<std::uint64_t>(straight) & kFirst);
+      turns[k] = (turns[k] >> 1) | (__builtin_bit_cast(std::uint64_t, missing) &
+                                    __builtin_bit_cast(std::uint64_t, straight) & kFirst);
       out0[k] = out;
       high[k] = Higher(y1, high[k]);
       low[k] = y1 < low[k] ? y1 : low[k];
