@@ -129,6 +129,18 @@ TEST_F(Streams, EveryInputIsReadFromStandardInput) {
   EXPECT_EQ(Bash("./w show - <expected.rec >a && ./w show expected.rec -o - >b && cmp a b"), 0);
 }
 
+TEST_F(Streams, ARequiredSpectrumIsReadFromStandardInput) {
+  WriteText(folder / "req.json",
+            R"({"Q": 10, "Points": [[45, 20], [500, 40]], "TolUpper": 3, "TolLower": -3})");
+  for (const char* const job : {"judge shock.json expected.csv", "srs shock.json"}) {
+    const std::string line = std::string("./w ") + job + " --requirement ";
+    const int code = Bash(line + "req.json --json file.json >file 2>err");
+    EXPECT_EQ(Bash(line + "- --json stream.json <req.json >stream 2>err"), code) << Text("err");
+    ExpectSame("stream", "file");
+    ExpectSame("stream.json", "file.json");
+  }
+}
+
 TEST_F(Streams, FifosAndProcessSubstitutionsAreInputs) {
   EXPECT_EQ(Bash("./w report <(cat shock.json) >a && ./w report shock.json >b && cmp a b"), 0);
   EXPECT_EQ(Bash("./w judge <(cat expected.rec) <(cat expected.csv) >out"), 0);

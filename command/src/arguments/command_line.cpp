@@ -2,6 +2,7 @@
 #include "arguments/command_line.h"
 
 #include <string>
+#include <vector>
 
 #include "arguments/bash_completion.h"
 #include "arguments/man_page.h"
@@ -69,6 +70,15 @@ CLI::Option* AddFile(CLI::App* command, const char* name, std::string* value,
 CLI::Option* AddInput(CLI::App* command, const char* name, std::string* value,
                       const char* description) {
   return Add(command, name, value, kFile, description)->transform(NameOf(kStandardInput, kFile));
+}
+
+/// Files that are read, one at least.
+void AddInputs(CLI::App* command, const char* name, std::vector<std::string>* values,
+               const char* description) {
+  command->add_option(name, *values, description)
+      ->type_name(kFile)
+      ->transform(NameOf(kStandardInput, kFile))
+      ->required();
 }
 
 void AddFsamp(CLI::App* command, std::optional<double>* fsamp) {
@@ -201,13 +211,9 @@ void CommandLine::AddJudge() {
       app.add_subcommand("judge", "Say whether a measured record passes its tolerance bands");
   AddFile(command, "INPUT", &judge.definition, "definition (.json) or record, - for standard input")
       ->required();
-  command
-      ->add_option("MEASURED", judge.measured,
-                   "measured samples (text, .uff, .npy, .mat, .wav), or folders of them, - for "
-                   "standard input")
-      ->type_name(kFile)
-      ->transform(NameOf(kStandardInput, kFile))
-      ->required();
+  AddInputs(command, "MEASURED", &judge.measured,
+            "measured samples (text, .uff, .npy, .mat, .wav), or folders of them, - for "
+            "standard input");
   AddChoice(command, &judge.choice);
   AddSteps(command, &judge.steps);
   Add(command, "--threshold", &judge.series.threshold, kNumber,
@@ -224,8 +230,8 @@ void CommandLine::AddJudge() {
       "tolerance of the velocity change [%] (10)");
   Add(command, "--dv-of", &judge.dvOf, "nominal|waveform|both",
       "what it is of (nominal; waveform, where that is compensated)");
-  AddFile(command, "--requirement", &judge.requirement,
-          "required spectrum (.json): that of each shock is shown beside it");
+  AddInput(command, "--requirement", &judge.requirement,
+           "required spectrum (.json): that of each shock is shown beside it");
   command->add_flag("--force", judge.series.judge.force,
                     "judge a record that is sampled too coarsely for a verdict");
   AddFile(command, "--html", &judge.html, "write one page to file, with a picture of every shock");
@@ -240,13 +246,9 @@ void CommandLine::AddJudge() {
 
 void CommandLine::AddSrs() {
   auto* const command = app.add_subcommand("srs", "Calculate a shock response spectrum");
-  command
-      ->add_option("INPUT", srs.inputs,
-                   "definition (.json), measured samples (text, .uff, .npy, .mat, .wav) or record, "
-                   "- for standard input; several with --envelope")
-      ->type_name(kFile)
-      ->transform(NameOf(kStandardInput, kFile))
-      ->required();
+  AddInputs(command, "INPUT", &srs.inputs,
+            "definition (.json), measured samples (text, .uff, .npy, .mat, .wav) or record, "
+            "- for standard input; several with --envelope");
   AddChoice(command, &srs.choice);
   AddSteps(command, &srs.steps);
   auto* const response =

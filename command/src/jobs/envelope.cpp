@@ -74,12 +74,11 @@ double UsualHighest(const std::vector<Member>& members) {
 /// The largest of some levels with its unit and its place; "-" where there are none.
 std::string LargestOf(const Ensemble& ensemble, const std::vector<double>& levels) {
   if (levels.empty()) return "-";
-  const auto at = std::max_element(levels.begin(), levels.end()) - levels.begin();
+  const auto largest = std::max_element(levels.begin(), levels.end());
   const Spectrum& first = ensemble.members.front();
-  return fmt::format("{:.6g}{} at {:.6g} Hz",
-                     Plain(*std::max_element(levels.begin(), levels.end())),
+  return fmt::format("{:.6g}{} at {:.6g} Hz", Plain(*largest),
                      first.unit.empty() ? "" : " " + first.unit,
-                     first.points[static_cast<std::size_t>(at)].frequency);
+                     first.points[static_cast<std::size_t>(largest - levels.begin())].frequency);
 }
 
 std::string TextOf(const std::vector<Member>& members, const std::vector<Ensemble>& ensembles) {
